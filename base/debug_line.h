@@ -1,0 +1,22 @@
+// The lines that the library writes about its decisions when the host's g_debug_level is set.
+#pragma once
+
+#include "vornak_host.h"
+
+#include <cstdio>
+
+// A macro because the line reports the place that it stands at; `func` is the exported function
+// that is at work. The level is tested before any argument is evaluated.
+#define VORNAK_WRITE_DEBUG_LINE(before, after, func, format, ...)                                  \
+    do {                                                                                           \
+        if (g_debug_level != 0)                                                                    \
+            std::fprintf(stderr, before "[File:%s][Line:%d][Func:%s]: " format "\n" after,         \
+                         __FILE_NAME__, __LINE__, func __VA_OPT__(, ) __VA_ARGS__);                \
+    } while (false)
+
+#define VORNAK_DEBUG(func, format, ...)                                                            \
+    VORNAK_WRITE_DEBUG_LINE("", "", func, format __VA_OPT__(, ) __VA_ARGS__)
+
+// The same in bold yellow, for the lines that sum up a step.
+#define VORNAK_DEBUG_BOLD(func, format, ...)                                                       \
+    VORNAK_WRITE_DEBUG_LINE("\033[1;33m", "\033[m", func, format __VA_OPT__(, ) __VA_ARGS__)
