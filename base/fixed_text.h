@@ -15,8 +15,7 @@ public:
 
     template <std::size_t Size>
     explicit FixedText(char (&buffer)[Size]) : FixedText(buffer, Size)
-    {
-    }
+    {}
 
     void clear()
     {
@@ -33,7 +32,8 @@ public:
     }
 
     /// Appends pieces one after the other, up to the first that doesn't fit.
-    template <class... Pieces> [[nodiscard]] bool append(std::string_view first, Pieces... rest)
+    template <class... Pieces>
+    [[nodiscard]] bool append(std::string_view first, Pieces... rest)
     {
         return append(first) && append(std::string_view(rest)...);
     }

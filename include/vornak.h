@@ -189,11 +189,11 @@ VORNAK_API TRANSCODE_DEVICE_PROFILE_ST *ParseSingleTranscodeXML(const char *path
 #define VORNAK_TRANSCODE 256
 
 /* Results of the matching functions. */
-#define VORNAK_DECIDED 0      /* Find…: see the indexes; get…Index: something is transcoded */
-#define VORNAK_KEPT 1         /* get…Index: no table, or nothing needs transcoding */
-#define VORNAK_NO_TABLE 1     /* no rule table, or the chosen rule has no container table */
-#define VORNAK_NONSEEKABLE 2  /* transcoded into a container that can't be sought in */
-#define VORNAK_NOT_ALLOWED 3  /* transcoding is needed, and NOTRANSCODE forbids it */
+#define VORNAK_DECIDED 0     /* Find…: see the indexes; get…Index: something is transcoded */
+#define VORNAK_KEPT 1        /* get…Index: no table, or nothing needs transcoding */
+#define VORNAK_NO_TABLE 1    /* no rule table, or the chosen rule has no container table */
+#define VORNAK_NONSEEKABLE 2 /* transcoded into a container that can't be sought in */
+#define VORNAK_NOT_ALLOWED 3 /* transcoding is needed, and NOTRANSCODE forbids it */
 
 /**
  * Decides for a music file: which audio rule and which container entry take it, if any.
@@ -223,18 +223,18 @@ VORNAK_API int getMusicTranscodeIndex2(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, 
 VORNAK_API int getMusicTranscodeIndex(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACodecId,
                                       int srcAProfileId, int srcALevel, int srcAChannels,
                                       int srcABitrate, int srcASampleRate, int srcFormatId,
-                                      int *pAudioIndex, int *pFormatIndex, char **pMime,
-                                      char **pPN, int *pDstFormatId);
+                                      int *pAudioIndex, int *pFormatIndex, char **pMime, char **pPN,
+                                      int *pDstFormatId);
 
 /** getVideoTranscodeIndex2() without a preferred container. */
 VORNAK_API int getVideoTranscodeIndex(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
-                                      int srcVProfileId, int srcVLevel, int srcWidth,
-                                      int srcHeight, int srcVBitrate, int srcACodecId,
-                                      int srcAProfileId, int srcALevel, int srcAChannels,
-                                      int srcABitrate, int srcASampleRate, int srcFormatId,
-                                      int *pVideoIndex, int *pAudioIndex, int *pFormatIndex,
-                                      char **pMime, char **pPN, int *pDstFormatId, int matchVideo,
-                                      int forceTranscode, int assignTrack, int srcVCodecFlag);
+                                      int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,
+                                      int srcVBitrate, int srcACodecId, int srcAProfileId,
+                                      int srcALevel, int srcAChannels, int srcABitrate,
+                                      int srcASampleRate, int srcFormatId, int *pVideoIndex,
+                                      int *pAudioIndex, int *pFormatIndex, char **pMime, char **pPN,
+                                      int *pDstFormatId, int matchVideo, int forceTranscode,
+                                      int assignTrack, int srcVCodecFlag);
 
 #ifdef __cplusplus
 } /* extern "C"; the next four have type-qualified symbols, so C can't call them */
@@ -282,15 +282,12 @@ VORNAK_API int FindVideoTranscode(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int s
  * @param srcVCodecFlag   play-exception bits of the source; 0: none
  * @return as getMusicTranscodeIndex2()
  */
-VORNAK_API int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
-                                       int srcVProfileId, int srcVLevel, int srcWidth,
-                                       int srcHeight, int srcVBitrate, int srcACodecId,
-                                       int srcAProfileId, int srcALevel, int srcAChannels,
-                                       int srcABitrate, int srcASampleRate, int srcFormatId,
-                                       int *pVideoIndex, int *pAudioIndex, int *pFormatIndex,
-                                       char **pMime, char **pPN, int *pDstFormatId,
-                                       int preferFormatId, int matchVideo, int forceTranscode,
-                                       int assignTrack, int srcVCodecFlag);
+VORNAK_API int getVideoTranscodeIndex2(
+    TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId, int srcVProfileId, int srcVLevel,
+    int srcWidth, int srcHeight, int srcVBitrate, int srcACodecId, int srcAProfileId, int srcALevel,
+    int srcAChannels, int srcABitrate, int srcASampleRate, int srcFormatId, int *pVideoIndex,
+    int *pAudioIndex, int *pFormatIndex, char **pMime, char **pPN, int *pDstFormatId,
+    int preferFormatId, int matchVideo, int forceTranscode, int assignTrack, int srcVCodecFlag);
 
 /**
  * The container step of a decision: the entry that takes the source's container, or the one
@@ -407,8 +404,7 @@ VORNAK_API int getMusicTranscodeParams(const TRANSCODE_AUDIO_MAPPING_ST *pAudioT
 
 /** Hands out the MIME type and the DLNA profile name of a container entry; both may be null. */
 VORNAK_API int getMusicTranscodeDLNAAttr(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable,
-                                         int audioIndex, int formatIndex, char **pMime,
-                                         char **pPN);
+                                         int audioIndex, int formatIndex, char **pMime, char **pPN);
 
 /**
  * Records in `set` those limits of a video rule that the source lies outside of: value texts

@@ -1,0 +1,65 @@
+#include "rule_index.h"
+#include "vornak.h"
+
+#include "base/debug_line.h"
+
+namespace vornak {
+namespace {
+
+/// Elementary and raw forms of the MPEG streams count as the program and transport streams.
+constexpr int foldMpegStreams(int formatId)
+{
+    switch (formatId) {
+    case 17:
+    case 19:
+        return 10;
+    case 18:
+    case 20:
+        return 11;
+    default:
+        return formatId;
+    }
+}
+
+} // namespace
+} // namespace vornak
+
+int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
+                            int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,
+                            int srcVBitrate, int srcACodecId, int srcAProfileId, int srcALevel,
+                            int srcAChannels, int srcABitrate, int srcASampleRate, int srcFormatId,
+                            int *pVideoIndex, int *pAudioIndex, int *pFormatIndex, char **pMime,
+                            char **pPN, int *pDstFormatId, int preferFormatId, int matchVideo,
+                            int forceTranscode, int assignTrack, int srcVCodecFlag)
+{
+    using namespace vornak;
+    if (!pVideoTable || !pVideoIndex || !pAudioIndex || !pFormatIndex) return VORNAK_NO_TABLE;
+
+    const int result = FindVideoTranscode(
+        pVideoTable, srcVCodecId, srcVProfileId, srcVLevel, srcWidth, srcHeight, srcVBitrate,
+        srcACodecId, srcAProfileId, srcALevel, srcAChannels, srcABitrate, srcASampleRate,
+        foldMpegStreams(srcFormatId), pVideoIndex, pAudioIndex, pFormatIndex, pMime, pPN,
+        pDstFormatId, preferFormatId, matchVideo, forceTranscode, assignTrack, srcVCodecFlag);
+    VORNAK_DEBUG_BOLD("getVideoTranscodeIndex2",
+                      "ret=%d, *pVideoIndex=%d, *pAudioIndex=%d, *pFormatIndex=%d", result,
+                      *pVideoIndex, *pAudioIndex, *pFormatIndex);
+    if (result != VORNAK_DECIDED) return result;
+    return isTranscoded(*pVideoIndex) || isTranscoded(*pAudioIndex) || isTranscoded(*pFormatIndex)
+               ? VORNAK_DECIDED
+               : VORNAK_KEPT;
+}
+
+int getVideoTranscodeIndex(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
+                           int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,
+                           int srcVBitrate, int srcACodecId, int srcAProfileId, int srcALevel,
+                           int srcAChannels, int srcABitrate, int srcASampleRate, int srcFormatId,
+                           int *pVideoIndex, int *pAudioIndex, int *pFormatIndex, char **pMime,
+                           char **pPN, int *pDstFormatId, int matchVideo, int forceTranscode,
+                           int assignTrack, int srcVCodecFlag)
+{
+    return getVideoTranscodeIndex2(pVideoTable, srcVCodecId, srcVProfileId, srcVLevel, srcWidth,
+                                   srcHeight, srcVBitrate, srcACodecId, srcAProfileId, srcALevel,
+                                   srcAChannels, srcABitrate, srcASampleRate, srcFormatId,
+                                   pVideoIndex, pAudioIndex, pFormatIndex, pMime, pPN, pDstFormatId,
+                                   0, matchVideo, forceTranscode, assignTrack, srcVCodecFlag);
+}
