@@ -1,0 +1,13 @@
+// The subcommands, one a file. Each adds its arguments to the parser and sets `status` when it
+// has run.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace vornak::tool {
+
+using AddSubcommand = void (*)(CLI::App &app, int &status);
+
+} // namespace vornak::tool
