@@ -35,7 +35,7 @@ constexpr bool allWithin(int bits, int set)
     return (bits & set) == bits;
 }
 
-constexpr bool keepsBound(Bound bound, int value, int limit)
+[[gnu::always_inline]] constexpr bool keepsBound(Bound bound, int value, int limit)
 {
     switch (bound) {
     case Bound::NotWithin:
@@ -52,7 +52,7 @@ constexpr bool keepsBound(Bound bound, int value, int limit)
 
 /// Whether two values differ by at most `tolerance`, which is above 0. Unsigned, since the
 /// distance of two ints can exceed an int.
-constexpr bool isClose(int value, int limit, int tolerance)
+[[gnu::always_inline]] constexpr bool isClose(int value, int limit, int tolerance)
 {
     const auto a = static_cast<std::uint32_t>(value);
     const auto b = static_cast<std::uint32_t>(limit);
@@ -61,7 +61,8 @@ constexpr bool isClose(int value, int limit, int tolerance)
 
 /// Whether the rule sets the limit of this comparison at all.
 template <class Rule, class Source>
-constexpr bool isLimited(const Comparison<Rule, Source> &row, const Rule &rule)
+[[gnu::always_inline]] constexpr bool isLimited(const Comparison<Rule, Source> &row,
+                                                const Rule &rule)
 {
     if (row.bound == Bound::NotWithin) return true;
     return rule.*row.limit > 0 && (!row.secondLimit || rule.*row.secondLimit > 0);
@@ -69,7 +70,8 @@ constexpr bool isLimited(const Comparison<Rule, Source> &row, const Rule &rule)
 
 /// Whether the source is on the right side of the rule's limit.
 template <class Rule, class Source>
-constexpr bool holds(const Comparison<Rule, Source> &row, const Rule &rule, const Source &source)
+[[gnu::always_inline]] constexpr bool holds(const Comparison<Rule, Source> &row, const Rule &rule,
+                                            const Source &source)
 {
     if (!isLimited(row, rule)) return true;
     if (!row.secondLimit) return keepsBound(row.bound, source.*row.value, rule.*row.limit);
@@ -84,12 +86,14 @@ constexpr bool holds(const Comparison<Rule, Source> &row, const Rule &rule, cons
 /// where they stand, so that each costs what a comparison written by hand would. `before` is
 /// called with each row ahead of its comparison.
 template <const auto &Table, class Rule, class Source, class Before>
-constexpr int findRefusal(const Rule &rule, const Source &source, Before before)
+[[gnu::always_inline]] constexpr int findRefusal(const Rule &rule, const Source &source,
+                                                 Before before)
 {
     int refusal = -1;
     [&]<std::size_t... Row>(std::index_sequence<Row...>)
     {
-        const auto passes = [&]<std::size_t Index>() {
+        const auto passes = [&]<std::size_t Index>() __attribute__((always_inline))
+        {
             before(Table[Index]);
             if (holds(Table[Index], rule, source)) return true;
             refusal = static_cast<int>(Index);

@@ -20,11 +20,10 @@ std::string trace(int level, Call call)
     return std::regex_replace(capture.take(), std::regex(R"(\[Line:\d+\])"), "[Line:N]");
 }
 
-constexpr char kAudio[] = "[File:find_music_transcode.cpp][Line:N][Func:FindMusicTranscode]:  ";
-constexpr char kVideo[] = "[File:find_video_transcode.cpp][Line:N][Func:FindVideoTranscode]: ";
-constexpr char kWrapper[] =
-    "[File:get_video_transcode_index.cpp][Line:N][Func:getVideoTranscodeIndex2]: ";
-constexpr char kFormat[] = "[File:find_format_transcode.cpp][Line:N][Func:FindFormatTranscode]: ";
+constexpr char kAudio[] = "[File:find_music.cpp][Line:N][Func:FindMusicTranscode]:  ";
+constexpr char kVideo[] = "[File:find_video.cpp][Line:N][Func:FindVideoTranscode]: ";
+constexpr char kWrapper[] = "[File:video_index.cpp][Line:N][Func:getVideoTranscodeIndex2]: ";
+constexpr char kFormat[] = "[File:find_format.cpp][Line:N][Func:FindFormatTranscode]: ";
 
 std::string bold(const std::string &line)
 {

@@ -1,7 +1,8 @@
-#include "rule_index.h"
-#include "vornak.h"
+#include "find_video.h"
 
+#include "audio_comparisons.h"
 #include "base/debug_line.h"
+#include "rule_index.h"
 
 namespace vornak {
 namespace {
@@ -35,11 +36,12 @@ int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCod
     using namespace vornak;
     if (!pVideoTable || !pVideoIndex || !pAudioIndex || !pFormatIndex) return VORNAK_NO_TABLE;
 
-    const int result = FindVideoTranscode(
-        pVideoTable, srcVCodecId, srcVProfileId, srcVLevel, srcWidth, srcHeight, srcVBitrate,
-        srcACodecId, srcAProfileId, srcALevel, srcAChannels, srcABitrate, srcASampleRate,
-        foldMpegStreams(srcFormatId), pVideoIndex, pAudioIndex, pFormatIndex, pMime, pPN,
-        pDstFormatId, preferFormatId, matchVideo, forceTranscode, assignTrack, srcVCodecFlag);
+    const int result = findVideo(
+        pVideoTable,
+        {srcVCodecId, srcVProfileId, srcVLevel, srcWidth, srcHeight, srcVBitrate, srcVCodecFlag},
+        {srcACodecId, srcAProfileId, srcALevel, srcAChannels, srcABitrate, srcASampleRate},
+        {foldMpegStreams(srcFormatId), preferFormatId, forceTranscode}, {matchVideo, assignTrack},
+        pVideoIndex, {pAudioIndex, pFormatIndex, pMime, pPN, pDstFormatId});
     VORNAK_DEBUG_BOLD("getVideoTranscodeIndex2",
                       "ret=%d, *pVideoIndex=%d, *pAudioIndex=%d, *pFormatIndex=%d", result,
                       *pVideoIndex, *pAudioIndex, *pFormatIndex);

@@ -1,5 +1,5 @@
+#include "find_music.h"
 #include "rule_index.h"
-#include "vornak.h"
 
 int getMusicTranscodeIndex2(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACodecId,
                             int srcAProfileId, int srcALevel, int srcAChannels, int srcABitrate,
@@ -8,10 +8,12 @@ int getMusicTranscodeIndex2(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACod
                             int preferFormatId, int *pIsWavPcm, int forceTranscode)
 {
     using namespace vornak;
-    const int result =
-        FindMusicTranscode(pAudioTable, srcACodecId, srcAProfileId, srcALevel, srcAChannels,
-                           srcABitrate, srcASampleRate, srcFormatId, pAudioIndex, pFormatIndex,
-                           pMime, pPN, pDstFormatId, 0, preferFormatId, pIsWavPcm, forceTranscode);
+    if (!pAudioIndex || !pFormatIndex) return VORNAK_NO_TABLE;
+    const int result = findMusic(
+        pAudioTable,
+        {srcACodecId, srcAProfileId, srcALevel, srcAChannels, srcABitrate, srcASampleRate},
+        {srcFormatId, preferFormatId, forceTranscode}, false, pIsWavPcm,
+        {pAudioIndex, pFormatIndex, pMime, pPN, pDstFormatId});
     if (result != VORNAK_DECIDED) return result;
     return isTranscoded(*pAudioIndex) || isTranscoded(*pFormatIndex) ? VORNAK_DECIDED : VORNAK_KEPT;
 }

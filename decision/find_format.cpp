@@ -1,0 +1,73 @@
+#include "find_format.h"
+
+#include "base/debug_line.h"
+#include "container_agreement.h"
+#include "rule_index.h"
+
+namespace vornak {
+namespace {
+
+using FormatEntry = TANASCODE_FORMAT_MAPPING_ST;
+
+/// Position of the first entry that `accepts`, or kNoRule.
+template <class Predicate>
+int findEntry(const FormatEntry *table, Predicate accepts)
+{
+    for (int i = 0; i < kMaxRules && table[i].formatId != kEndOfTable; ++i)
+        if (accepts(table[i])) return i;
+    return kNoRule;
+}
+
+int chooseEntry(const FormatEntry *table, const Request &request, bool transcoding)
+{
+    if (request.preferFormatId > 0) {
+        const int preferred = findEntry(table, [&](const FormatEntry &entry) {
+            return agrees(entry.formatId, request.preferFormatId);
+        });
+        if (preferred != kNoRule) return preferred;
+    }
+    if (transcoding) return 0;
+    return findEntry(table, [&](const FormatEntry &entry) {
+        return takesContainer(entry, request.srcFormatId);
+    });
+}
+
+} // namespace
+
+int findFormat(const FormatEntry *table, const Request &request, bool transcoding,
+               const Answer &answer)
+{
+    if (!table) return VORNAK_NO_TABLE;
+
+    int index = chooseEntry(table, request, transcoding);
+    VORNAK_DEBUG_BOLD("FindFormatTranscode", "*pFormatIndex=%d", index);
+
+    int result = VORNAK_DECIDED;
+    if (request.forceTranscode != 0 || index == kNoRule) {
+        index = kTranscode;
+    } else if (transcoding && table[index].nonSeekable == 1) {
+        index = kTranscode;
+        if (table[0].nonSeekable == 1) result = VORNAK_NONSEEKABLE;
+    }
+
+    const FormatEntry &used = table[positionOf(index)];
+    *answer.formatIndex = index;
+    if (answer.mime) *answer.mime = used.mime;
+    if (answer.pn) *answer.pn = used.pn;
+    if (answer.dstFormatId)
+        *answer.dstFormatId = used.formatId == 0 ? request.srcFormatId : used.formatId;
+
+    if (index == kTranscode && table[0].noTranscode == 1) return VORNAK_NOT_ALLOWED;
+    return result;
+}
+
+} // namespace vornak
+
+int FindFormatTranscode(TANASCODE_FORMAT_MAPPING_ST *pFormatTable, int srcFormatId,
+                        int *pFormatIndex, char **pMime, char **pPN, int *pDstFormatId,
+                        int transcoding, int preferFormatId, int forceTranscode)
+{
+    if (!pFormatIndex) return VORNAK_NO_TABLE;
+    return vornak::findFormat(pFormatTable, {srcFormatId, preferFormatId, forceTranscode},
+                              transcoding == 1, {nullptr, pFormatIndex, pMime, pPN, pDstFormatId});
+}

@@ -1,0 +1,97 @@
+#include "find_music.h"
+
+#include "base/debug_line.h"
+#include "find_format.h"
+#include "rule_index.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vornak {
+namespace {
+
+constexpr int kWav = 2;
+
+// 16-bit and 24-bit linear PCM, little-endian and big-endian each
+constexpr int s_PcmCodecs[] = {0x10000, 0x10001, 0x1000C, 0x1000D};
+
+#define VORNAK_DEBUG_RULE(index, field, value)                                                     \
+    VORNAK_DEBUG("FindMusicTranscode", " pAudioTable[%d].%s = %d", index, field, value)
+
+bool matches(const AudioRule &rule, const AudioSource &source, int index)
+{
+    VORNAK_DEBUG_RULE(index, "aCodecId", rule.aCodecId);
+    if (rule.aCodecId == kAnyCodec) return true;
+    if (rule.aCodecId != source.codecId) return false;
+    if (g_debug_level == 0) return findRefusal<s_AudioComparisons>(rule, source) < 0;
+    return findRefusal<s_AudioComparisons>(rule, source, [&](const AudioComparison &row) {
+               VORNAK_DEBUG_RULE(index, row.field, rule.*row.limit);
+           }) < 0;
+}
+
+/// Position of the first rule that takes the source, or kNoRule: the profile's order breaks ties.
+int findAudioRule(const AudioRule *table, const AudioSource &source)
+{
+    for (int i = 0; i < kMaxRules && table[i].aCodecId != kEndOfTable; ++i)
+        if (matches(table[i], source, i)) return i;
+    return kNoRule;
+}
+
+bool isPcm(int codecId)
+{
+    return std::find(std::begin(s_PcmCodecs), std::end(s_PcmCodecs), codecId) !=
+           std::end(s_PcmCodecs);
+}
+
+} // namespace
+
+int findMusic(const AudioRule *table, const AudioSource &source, const Request &request,
+              bool transcoding, int *pIsWavPcm, const Answer &answer)
+{
+    if (!table) return VORNAK_NO_TABLE;
+
+    VORNAK_DEBUG("FindMusicTranscode",
+                 " srcACodecId = %d, srcAProfileId = %d, srcALevel = %d, srcAChannels = %d\n"
+                 "srcABitrate = %d, srcASampleRate = %d, srcFormatId = %d",
+                 source.codecId, source.profileId, source.level, source.channels, source.bitrate,
+                 source.sampleRate, request.srcFormatId);
+    int index = findAudioRule(table, source);
+    VORNAK_DEBUG("FindMusicTranscode", " pAudioIndex = %d", index);
+
+    if (index == kNoRule || request.forceTranscode != 0) {
+        index = kTranscode;
+        transcoding = true;
+    }
+    for (;;) {
+        const AudioRule &rule = table[positionOf(index)];
+        int dstFormatId = 0;
+        const int result =
+            findFormat(rule.pFormatTable, request, transcoding,
+                       {nullptr, answer.formatIndex, answer.mime, answer.pn, &dstFormatId});
+        const bool chosen = result != VORNAK_NO_TABLE;
+        *answer.audioIndex = index;
+        if (chosen && answer.dstFormatId) *answer.dstFormatId = dstFormatId;
+        if (pIsWavPcm) *pIsWavPcm = chosen && isPcm(rule.aCodecId) && dstFormatId == kWav;
+        if (result != VORNAK_NOT_ALLOWED || index == kTranscode) return result;
+
+        // The stream fits, but no container does and none may be made: transcode it all.
+        index = kTranscode;
+        transcoding = true;
+    }
+}
+
+} // namespace vornak
+
+int FindMusicTranscode(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACodecId, int srcAProfileId,
+                       int srcALevel, int srcAChannels, int srcABitrate, int srcASampleRate,
+                       int srcFormatId, int *pAudioIndex, int *pFormatIndex, char **pMime,
+                       char **pPN, int *pDstFormatId, int transcoding, int preferFormatId,
+                       int *pIsWavPcm, int forceTranscode)
+{
+    if (!pAudioIndex || !pFormatIndex) return VORNAK_NO_TABLE;
+    return vornak::findMusic(
+        pAudioTable,
+        {srcACodecId, srcAProfileId, srcALevel, srcAChannels, srcABitrate, srcASampleRate},
+        {srcFormatId, preferFormatId, forceTranscode}, transcoding == 1, pIsWavPcm,
+        {pAudioIndex, pFormatIndex, pMime, pPN, pDstFormatId});
+}

@@ -1,0 +1,13 @@
+// The audio step of a decision.
+#pragma once
+
+#include "audio_comparisons.h"
+#include "decision/request.h"
+
+namespace vornak {
+
+/// FindMusicTranscode() for a table that may be null; `transcoding` is true for its 1.
+int findMusic(const AudioRule *table, const AudioSource &source, const Request &request,
+              bool transcoding, int *pIsWavPcm, const Answer &answer);
+
+} // namespace vornak
