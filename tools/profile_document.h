@@ -1,0 +1,56 @@
+// A profile file as it is written, with the lines that the loaded records know nothing of.
+#pragma once
+
+#include <cstddef>
+#include <pugixml.hpp>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vornak::tool {
+
+/// Why a profile can't be loaded: one line of text that names the file, and its line if any.
+class ProfileError : public std::runtime_error {
+public:
+    ProfileError(std::string_view path, int line, std::string_view reason);
+
+    int line() const { return line_; } ///< 0: of the file as a whole
+
+private:
+    int line_;
+};
+
+class ProfileDocument {
+public:
+    /// Reads and parses the file; throws ProfileError for all that the loader refuses.
+    explicit ProfileDocument(const std::string &path);
+
+    /// The DEVICE element that the loader takes; it has a NAME.
+    pugi::xml_node device() const { return device_; }
+
+    /// The line of an element's start tag, from 1.
+    int lineOf(pugi::xml_node element) const;
+
+    /// The line of each attribute of the element, in their order.
+    std::vector<int> attributeLines(pugi::xml_node element) const;
+
+private:
+    int lineAt(std::size_t offset) const;
+    void parse(const std::string &path);
+    void findLines();
+    pugi::xml_node findDevice(const std::string &path) const;
+
+    std::string text_; // as parsed: UTF-8
+    std::vector<std::size_t> lineStarts_;
+    pugi::xml_document document_;
+    pugi::xml_node device_;
+};
+
+/// The elements behind the records of a table, in the records' order: those that the loader
+/// accepts, found in the element whose table it is.
+std::vector<pugi::xml_node> videoRules(pugi::xml_node video);
+std::vector<pugi::xml_node> audioRules(pugi::xml_node musicOrVcodec);
+std::vector<pugi::xml_node> containerEntries(pugi::xml_node acodec);
+
+} // namespace vornak::tool
