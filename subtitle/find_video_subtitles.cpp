@@ -1,0 +1,42 @@
+#include "base/directory.h"
+#include "base/fixed_text.h"
+#include "subtitle/subtitle_list.h"
+#include "subtitle/video_stem.h"
+#include "vornak.h"
+
+#include <cstdio>
+
+int findVideoSubtitles(const char *folder, const char *videoName, VIDEO_SUBTITLE_ST *list,
+                       int /*reserved*/)
+{
+    using namespace vornak;
+    if (!folder || !videoName || !list) return 1;
+    const std::string_view stem = videoStem(videoName);
+    Directory directory(folder);
+    if (!directory.isOpen()) return 1;
+    SubtitleList found(list, folder);
+    while (!found.isFull()) {
+        const char *name = directory.next();
+        if (!name) break;
+        if (!belongsTo(name, stem)) continue;
+        std::printf("-> %s\n", name);
+        found.addMatches(name, stem.size(), g_support_subtitles);
+    }
+    found.end();
+    return 0;
+}
+
+int findVideoSubtitlesByFullPath(const char *videoPath, VIDEO_SUBTITLE_ST *list, int reserved)
+{
+    using namespace vornak;
+    if (!videoPath) return 1;
+    const std::string_view path(videoPath);
+    const std::size_t slash = path.rfind('/');
+    if (slash == path.npos) return 1;
+    // A folder too long for its buffer is refused, as the start of it would be another folder.
+    // Of a long name only the stem counts, which has a bound of its own.
+    char buffer[1024];
+    FixedText folder(buffer);
+    if (!folder.append(path.substr(0, slash + 1))) return 1;
+    return findVideoSubtitles(buffer, videoPath + slash + 1, list, reserved);
+}
