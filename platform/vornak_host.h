@@ -62,13 +62,15 @@ VORNAK_HOST_API int ProfileIDToName(char *name, int profile, int codecId);
 VORNAK_HOST_API int ContainerFormatIDToName(char *name, char *subtype, int id);
 
 /**
- * Rewrites a file name in place into what a shell command line reads back as that name.
+ * Rewrites a file name in place into what a shell command line reads back as that name, also
+ * where two such texts stand side by side. A name that needs no quotes stays as it is.
  * @param name  a buffer of VORNAK_SHELL_NAME_SIZE bytes
- * @return 0, or another value when the result would not fit
+ * @return 0, or another value, and the buffer unchanged, when the result would not fit
  */
 VORNAK_HOST_API int Telmo_stringConvert2SystemCmdFilename(char *name);
 
-/** A number that no other call on this machine has returned, in no process. */
+/** A number, 0 or more, that no other call on this machine has returned, in no process. They
+ *  repeat after 2^31 calls. */
 VORNAK_HOST_API int Telmo_getUniqueNumer(void);
 
 /** Whether `text` begins with `word`; *result is written in any case, not 0 for yes. */
@@ -80,8 +82,8 @@ VORNAK_HOST_API void mystrcmp2(const char *text, const char *word, int *result);
 /**
  * A node of an XML document. A handle is a value of one pointer; copies share the document,
  * which lives as long as any handle into it. Handles into one document belong to one thread.
- * Texts that it hands out live as long as the document. What runs out of memory throws
- * std::bad_alloc.
+ * Texts that it hands out are UTF-8, unless the file holds bytes that are not, and live as
+ * long as the document. What runs out of memory throws std::bad_alloc.
  */
 class VORNAK_HOST_API XMLNode {
 public:
@@ -109,7 +111,8 @@ public:
     /** The number of child elements of that name. */
     int nChildNode(const char *name) const;
 
-    /** The value of the attribute at `index` among those of that name, or null. */
+    /** The value of the attribute at `index` among those of that name, or null. References in
+     *  it are resolved; white space stays as it is written. */
     const char *getAttribute(const char *name, int index) const;
 
     /** The same with an index that moves on: *iterator counts from 0 and is raised by each
