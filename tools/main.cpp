@@ -1,11 +1,12 @@
 // vornak: what a player takes of a media file, and why not the rest.
+#include "command_line.h"
 #include "exit_status.h"
+#include "output.h"
 #include "subcommands.h"
 
 #include <CLI/CLI.hpp>
 
 #include <exception>
-#include <fmt/format.h>
 
 namespace vornak::tool {
 namespace {
@@ -16,14 +17,19 @@ int run(int argc, char **argv)
 {
     CLI::App app{"Says what a DLNA player takes of a media file as it is, what must be "
                  "transcoded, and why"};
+    app.name("vornak");
+    app.set_version_flag("--version", "vornak " VORNAK_VERSION);
     app.require_subcommand(1);
     int status = kDone;
     for (const AddSubcommand add : s_Subcommands)
         if (add) add(app, status);
     try {
-        app.parse(argc, argv);
+        parseCommandLine(app, argc, argv);
+    } catch (const CLI::Success &request) {
+        return app.exit(request); // help or version
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? kDone : kUnusable;
+        complain(describeUsageError(app, error));
+        return kUnusable;
     }
     return status;
 }
@@ -33,10 +39,12 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    using namespace vornak::tool;
     try {
-        return vornak::tool::run(argc, argv);
+        keepStandardDescriptors();
+        return run(argc, argv);
     } catch (const std::exception &error) {
-        fmt::print(stderr, "vornak: {}\n", error.what());
-        return vornak::tool::kUnusable;
+        complain(error.what());
+        return kUnusable;
     }
 }

@@ -1,0 +1,68 @@
+#include "output.h"
+
+#include "exit_status.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace vornak::tool {
+namespace {
+
+constexpr Colours s_Coloured = {"\033[1m", "\033[32m", "\033[33m", "\033[31m", "\033[0m"};
+constexpr Colours s_Plain = {};
+
+/// Writes all of it, or returns the error.
+int writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+bool isColoured()
+{
+    const char *refused = std::getenv("NO_COLOR");
+    const char *terminal = std::getenv("TERM");
+    return (!refused || !*refused) && isatty(STDOUT_FILENO) == 1 &&
+           (!terminal || std::string_view(terminal) != "dumb");
+}
+
+} // namespace
+
+// Threads may still be at work, so the process ends here and now.
+void writeOut(std::string_view text)
+{
+    const int error = writeAll(STDOUT_FILENO, text);
+    if (error == 0) return;
+    if (error != EPIPE) complain("standard output: " + std::generic_category().message(error));
+    _exit(kIncomplete);
+}
+
+void complain(std::string_view message)
+{
+    writeAll(STDERR_FILENO, fmt::format("vornak: {}\n", message));
+}
+
+void keepStandardDescriptors()
+{
+    for (int opened = 0; opened >= 0 && opened <= STDERR_FILENO;) {
+        opened = open("/dev/null", O_RDWR); // NOLINT: stays open across exec, as those three do
+        if (opened > STDERR_FILENO) close(opened);
+    }
+}
+
+const Colours &colours()
+{
+    static const Colours &chosen = isColoured() ? s_Coloured : s_Plain;
+    return chosen;
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,27 @@
+// Standard output and standard error of the tool.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vornak::tool {
+
+/// Writes `text` to standard output. A reader that has gone ends the tool quietly; what else goes
+/// wrong ends it with a line on standard error.
+void writeOut(std::string_view text);
+
+/// Writes "vornak: MESSAGE" and a line end to standard error. Texts from outside come printable().
+void complain(std::string_view message);
+
+/// Opens those of the three standard descriptors that the caller has closed, so that no file
+/// takes their place.
+void keepStandardDescriptors();
+
+/// Colours for standard output; every one is the empty text unless it is a terminal that may be
+/// coloured.
+struct Colours {
+    std::string_view name, good, change, bad, reset;
+};
+const Colours &colours();
+
+} // namespace vornak::tool
