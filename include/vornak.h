@@ -348,7 +348,8 @@ VORNAK_API void setTranscodeConstraint(TRANSCODE_CONSTRAINT_ST *set, int slot, c
  * Renders the marked slots 0 to 13 as option text, in slot order; marks above are ignored.
  * @return VORNAK_CMD_OK; VORNAK_CMD_BAD_OUTPUT: null record, or the text would exceed the
  *         buffer; VORNAK_CMD_BAD_INPUT: null set, empty value, or a picture size without "x";
- *         VORNAK_CMD_NO_MEMORY. After a failure `cmd` holds the fragments before it.
+ *         VORNAK_CMD_NO_MEMORY. After a failure `cmd` holds the fragments before it; it is
+ *         cleared whenever there is a record.
  */
 VORNAK_API int getTranscodeCmdByCondition(const TRANSCODE_CONSTRAINT_ST *set,
                                           TRANSCODE_CMD_ST *result);
@@ -392,7 +393,8 @@ VORNAK_API int genAudioTranscodeParameter(int audioIndex,
  * @param frameCount       sample frames of the output (samples a channel); 0 or less: unknown
  * @return 0, or 1: null table or option buffer, a position at or past its table's count, no
  *         container option, an id that the registry can't name, a text that does not fit.
- *         Then `option` is empty, unless only the tag failed; `tag` holds what was built.
+ *         Then `option` is empty and `tag` untouched, unless only the tag failed: then
+ *         `option` is complete and `tag` holds what was built, which may be the empty text.
  */
 VORNAK_API int getMusicTranscodeParams2(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable,
                                         int audioIndex, int formatIndex, char *option, char *tag,
@@ -402,7 +404,10 @@ VORNAK_API int getMusicTranscodeParams2(const TRANSCODE_AUDIO_MAPPING_ST *pAudio
 VORNAK_API int getMusicTranscodeParams(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable,
                                        int audioIndex, int formatIndex, char *option, char *tag);
 
-/** Hands out the MIME type and the DLNA profile name of a container entry; both may be null. */
+/**
+ * Hands out the MIME type and the DLNA profile name of a container entry; both may be null.
+ * @return 0, or 1: a null argument, or a position at or past its table's count
+ */
 VORNAK_API int getMusicTranscodeDLNAAttr(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable,
                                          int audioIndex, int formatIndex, char **pMime, char **pPN);
 
@@ -444,7 +449,7 @@ VORNAK_API int getVideoTranscodeOptions(const TRANSCODE_VIDEO_MAPPING_ST *pVideo
                                         char **pVideoOption, char **pAudioOption,
                                         char **pFormatOption);
 
-/** Hands out the MIME type and the DLNA profile name of a container entry; both may be null. */
+/** getMusicTranscodeDLNAAttr() for a video file. */
 VORNAK_API int getVideoTranscodeDLNAAttr(const TRANSCODE_VIDEO_MAPPING_ST *pVideoTable,
                                          int videoIndex, int audioIndex, int formatIndex,
                                          char **pMime, char **pPN);

@@ -1,0 +1,45 @@
+#include "limit_recording.h"
+#include "rule_lookup.h"
+#include "vornak.h"
+
+#include "decision/audio_comparisons.h"
+
+namespace vornak {
+namespace {
+
+constexpr LimitSlot s_AudioLimits[] = {
+    {kMaxAudioBitrate, kSlotMaxAudioBitrate}, {kMinAudioBitrate, kSlotMinAudioBitrate},
+    {kMaxChannels, kSlotMaxChannels},         {kMinChannels, kSlotMinChannels},
+    {kMaxSampleRate, kSlotMaxSampleRate},     {kMinSampleRate, kSlotMinSampleRate},
+};
+
+void recordAudioLimits(const AudioRule &rule, const AudioSource &source,
+                       TRANSCODE_CONSTRAINT_ST &set)
+{
+    for (const LimitSlot &limit : s_AudioLimits) {
+        const AudioComparison &row = s_AudioComparisons[limit.row];
+        if (recordLimit(row, rule, source, limit.slot, set))
+            std::fprintf(stderr, "param = %s, %s = %d\n", set.value[limit.slot], row.field,
+                         rule.*row.limit);
+    }
+}
+
+} // namespace
+} // namespace vornak
+
+int genAudioTranscodeParameter(int audioIndex, const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable,
+                               const int srcProperty[6], TRANSCODE_CONSTRAINT_ST *set)
+{
+    using namespace vornak;
+    std::fprintf(stderr, "index i = %d\n", positionOf(audioIndex));
+    const AudioRule *rule = recordAt(pAudioTable, audioIndex);
+    if (!rule || !srcProperty || !set) return 1;
+
+    const AudioSource source = {srcProperty[0], srcProperty[1], srcProperty[2],
+                                srcProperty[3], srcProperty[4], srcProperty[5]};
+    std::fprintf(stderr, "src codecId = %d, config codecId = %d\n", source.codecId, rule->aCodecId);
+    noteProfileAndLevel(s_AudioComparisons[kAudioProfile], s_AudioComparisons[kAudioLevel], *rule,
+                        source, "genAudioTranscodeParameter");
+    recordAudioLimits(*rule, source, *set);
+    return 0;
+}

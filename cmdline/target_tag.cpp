@@ -1,0 +1,99 @@
+#include "target_tag.h"
+
+#include "vornak_host.h"
+
+#include "base/fixed_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vornak {
+namespace {
+
+/// A cleared buffer for the registry, and what it wrote.
+struct RegistryText {
+    char buffer[VORNAK_NAME_SIZE] = {};
+
+    std::string_view after(std::size_t prefix) const
+    {
+        const std::size_t length = strnlen(buffer, sizeof buffer);
+        const std::size_t skipped = std::min(prefix, length);
+        return {buffer + skipped, length - skipped};
+    }
+};
+
+// A tag can't outgrow its buffer: the longest is five names, each less than a registry's buffer,
+// and as many marks between them. So nothing is ever cut.
+static_assert(5 * (VORNAK_NAME_SIZE + 1) < VORNAK_TAG_SIZE);
+
+struct Brand {
+    int number;
+    const char *text;
+};
+
+constexpr Brand s_Mp4Brands[] = {
+    {1, "M4A"},  {2, "M4V"}, {3, "MP4"}, {4, "MOV"},  {5, "MSNV"}, {6, "ISOM"},
+    {7, "MJP2"}, {8, "3G2"}, {9, "3GP"}, {10, "MP4"}, {11, "MOV"},
+};
+
+[[nodiscard]] bool appendCodec(FixedText &tag, std::string_view mark, int codecId, int profileId)
+{
+    RegistryText codec;
+    if (CodecIDToName(codec.buffer, codecId) != 0) return false;
+    tag.appendCut(mark);
+    tag.appendCut(codec.after(VORNAK_CODEC_PREFIX));
+    if (profileId <= 0) {
+        tag.appendCut("_@");
+        return true;
+    }
+    RegistryText profile;
+    if (ProfileIDToName(profile.buffer, profileId, codecId) != 0) return false;
+    tag.appendCut("_");
+    tag.appendCut(profile.after(0));
+    return true;
+}
+
+/// @param subtypeText  gives the text for the container's subtype, from what the registry wrote
+template <class SubtypeText>
+[[nodiscard]] bool appendContainer(FixedText &tag, int formatId, std::string_view subtypeMark,
+                                   SubtypeText subtypeText)
+{
+    RegistryText container, subtype;
+    if (ContainerFormatIDToName(container.buffer, subtype.buffer, formatId) != 0) return false;
+    tag.appendCut(".");
+    tag.appendCut(container.after(VORNAK_CONTAINER_PREFIX));
+    if (subtype.buffer[0] == '\0') return true;
+    tag.appendCut(subtypeMark);
+    tag.appendCut(subtypeText(subtype.after(VORNAK_SUBTYPE_PREFIX)));
+    return true;
+}
+
+/// The short name of an MP4 brand, or `name` for a subtype that is none.
+std::string_view brandText(int formatId, std::string_view name)
+{
+    const int number = formatId >> 16;
+    for (const Brand &brand : s_Mp4Brands)
+        if (brand.number == number) return brand.text;
+    return name;
+}
+
+} // namespace
+
+bool writeMusicTag(const TRANSCODE_AUDIO_MAPPING_ST &rule, int formatId, char *tag)
+{
+    FixedText text(tag, VORNAK_TAG_SIZE);
+    return appendCodec(text, "", rule.aCodecId, rule.aProfileId) &&
+           appendContainer(text, formatId, "-", [](std::string_view name) { return name; });
+}
+
+bool writeVideoTag(const TRANSCODE_VIDEO_MAPPING_ST &video, const TRANSCODE_AUDIO_MAPPING_ST &audio,
+                   int formatId, char *tag)
+{
+    FixedText text(tag, VORNAK_TAG_SIZE);
+    return appendCodec(text, "", video.vCodecId, video.vProfileId) &&
+           appendCodec(text, "_", audio.aCodecId, audio.aProfileId) &&
+           appendContainer(text, formatId, ".",
+                           [&](std::string_view name) { return brandText(formatId, name); });
+}
+
+} // namespace vornak
