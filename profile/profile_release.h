@@ -1,0 +1,19 @@
+// The owner of a profile while it is being loaded.
+#pragma once
+
+#include "vornak.h"
+
+#include <memory>
+
+namespace vornak {
+
+constexpr int kEndOfTable = -1; // the id that ends a rule table
+
+/// Frees a profile and all that it holds; also one that is not filled to the end.
+struct ReleaseProfile {
+    void operator()(TRANSCODE_DEVICE_PROFILE_ST *profile) const noexcept;
+};
+
+using ProfileOwner = std::unique_ptr<TRANSCODE_DEVICE_PROFILE_ST, ReleaseProfile>;
+
+} // namespace vornak
