@@ -72,6 +72,7 @@ constexpr auto s_ContainerAliases = std::to_array<Alias>({
     {"m1v", "mpegvideo"}, {"m2v", "mpegvideo"}, {"h265", "hevc"},
 });
 
+// The numbers of MP4 brands are those that tags spell out; other subtypes keep clear of them.
 constexpr auto s_SubtypeNames = std::to_array<SubtypeName>({
     {kMp4, 1, "m4a"},
     {kMp4, 2, "m4v"},
@@ -84,7 +85,7 @@ constexpr auto s_SubtypeNames = std::to_array<SubtypeName>({
     {kMp4, 9, "3gp"},
     {kMp4, 10, "mp42"},
     {kMp4, 11, "qt"},
-    {kMatroska, 1, "webm"},
+    {kMatroska, 12, "webm"},
 });
 
 constexpr auto s_SubtypeAliases = std::to_array<Alias>({
@@ -103,7 +104,7 @@ constexpr auto s_NarrowNames = std::to_array<RegistryName>({
     {"mov", kMp4 | 11 << 16},
     {"qt", kMp4 | 11 << 16},
     {"quicktime", kMp4 | 11 << 16},
-    {"webm", kMatroska | 1 << 16},
+    {"webm", kMatroska | 12 << 16},
 });
 
 constexpr auto s_AllContainerNames = [] {

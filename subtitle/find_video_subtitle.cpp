@@ -16,8 +16,9 @@ int findVideoSubtitle(const char *folder, const char *videoName, char *path)
         if (!belongsTo(name, stem) || !isOneOf(g_supportSRT, name + stem.size())) continue;
         // The caller makes room for names of NAME_MAX; some file systems have longer ones.
         if (std::strlen(name) > NAME_MAX) continue;
-        copyCut(path, std::strlen(folder) + NAME_MAX + 1, folder);
-        std::strcat(path, name);
+        const std::size_t length = std::strlen(folder);
+        copyCut(path, length + 1, folder);
+        copyCut(path + length, NAME_MAX + 1, name);
         return 0;
     }
     return 1;

@@ -32,7 +32,7 @@ int findVideoSubtitlesByFullPath(const char *videoPath, VIDEO_SUBTITLE_ST *list,
     if (!videoPath) return 1;
     const std::string_view path(videoPath);
     const std::size_t slash = path.rfind('/');
-    if (slash == path.npos) return 1;
+    if (slash == std::string_view::npos) return 1;
     // A folder too long for its buffer is refused, as the start of it would be another folder.
     // Of a long name only the stem counts, which has a bound of its own.
     char buffer[1024];

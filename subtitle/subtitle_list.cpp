@@ -25,7 +25,8 @@ void SubtitleList::addMatches(std::string_view name, std::size_t stemLength,
     for (; kinds->type != VORNAK_SUBTITLE_END && !isFull(); ++kinds) {
         if (equalIgnoringCase(name.substr(stemLength), kinds->fullPath))
             add(*kinds, name, kNoLanguage);
-        else if (point != name.npos && beginsIgnoringCase(name.substr(point), kinds->ext))
+        else if (point != std::string_view::npos &&
+                 beginsIgnoringCase(name.substr(point), kinds->ext))
             add(*kinds, name, languageTag(name, stemLength, point));
     }
 }

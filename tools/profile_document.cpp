@@ -1,5 +1,6 @@
 #include "profile_document.h"
 
+#include "descriptor.h"
 #include "printable.h"
 #include "vornak_host.h"
 
@@ -16,29 +17,16 @@
 namespace vornak::tool {
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor()
-    {
-        if (number_ >= 0) close(number_);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    int number() const { return number_; }
-
-private:
-    int number_;
-};
+// As the loader's reader parses: white space in attribute values stays as it is written.
+constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol;
 
 /// The file's bytes, or nothing with the reason in errno. A profile is read more than once, so
 /// a pipe is none.
 std::optional<std::string> readFile(const std::string &path)
 {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
-    if (file.number() < 0 || fstat(file.number(), &status) != 0) return std::nullopt;
+    if (!file || fstat(file.get(), &status) != 0) return std::nullopt;
     if (!S_ISREG(status.st_mode)) {
         errno = S_ISDIR(status.st_mode) ? EISDIR : ESPIPE;
         return std::nullopt;
@@ -46,7 +34,7 @@ std::optional<std::string> readFile(const std::string &path)
     std::string text;
     char block[65536];
     for (;;) {
-        const ssize_t got = read(file.number(), block, sizeof block);
+        const ssize_t got = read(file.get(), block, sizeof block);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return std::nullopt;
         if (got == 0) return text;
@@ -155,11 +143,11 @@ ProfileDocument::ProfileDocument(const std::string &path)
 
 void ProfileDocument::parse(const std::string &path)
 {
-    pugi::xml_parse_result result = document_.load_buffer(text_.data(), text_.size());
+    pugi::xml_parse_result result = document_.load_buffer(text_.data(), text_.size(), kParseFlags);
     if (result.encoding != pugi::encoding_utf8 && result.status != pugi::status_out_of_memory) {
         text_ = toUtf8(text_, result.encoding);
-        result = document_.load_buffer(text_.data(), text_.size(), pugi::parse_default,
-                                       pugi::encoding_utf8);
+        result =
+            document_.load_buffer(text_.data(), text_.size(), kParseFlags, pugi::encoding_utf8);
     }
     findLines();
     if (result.status == pugi::status_no_document_element)

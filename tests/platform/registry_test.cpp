@@ -331,7 +331,7 @@ TEST(Containers, AreKnownByTheFieldsNames)
         {9 << 16 | 8, "FORMAT_mp4|BRAND_3gp", {{"mp4", "3gp"}, {"3GP", nullptr}}},
         {10 << 16 | 8, "FORMAT_mp4|BRAND_mp42", {{"mp4", "mp42"}}},
         {11 << 16 | 8, "FORMAT_mp4|BRAND_qt", {{"mp4", "qt"}, {"mov", nullptr}, {"mov", "qt"}}},
-        {1 << 16 | 12, "FORMAT_matroska|BRAND_webm", {{"mkv", "webm"}, {"webm", nullptr}}},
+        {12 << 16 | 12, "FORMAT_matroska|BRAND_webm", {{"mkv", "webm"}, {"webm", nullptr}}},
         {12 << 16 | 8, nullptr, {}},
         {1 << 16, nullptr, {}},
         {1 << 16 | 9, nullptr, {}},

@@ -1,3 +1,4 @@
+#include "base/fixed_text.h"
 #include "tests/support/capture.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/temp_dir.h"
@@ -114,10 +115,10 @@ TEST_F(FindVideoSubtitles, writesNothingButTextsAndTheEnd)
     const std::string file = temp.write("Movie.en.srt", "");
     List list, expected;
     expected.records[0].type = VORNAK_SUBTITLE_SRT;
-    std::strcpy(expected.records[0].fileName, "Movie.en.srt");
-    std::strcpy(expected.records[0].lang, "en");
-    std::strcpy(expected.records[0].ext, ".srt");
-    std::strcpy(expected.records[0].fullPath, file.c_str());
+    copyCut(expected.records[0].fileName, sizeof expected.records[0].fileName, "Movie.en.srt");
+    copyCut(expected.records[0].lang, sizeof expected.records[0].lang, "en");
+    copyCut(expected.records[0].ext, sizeof expected.records[0].ext, ".srt");
+    copyCut(expected.records[0].fullPath, sizeof expected.records[0].fullPath, file.c_str());
     expected.records[1].type = VORNAK_SUBTITLE_END;
     expected.records[1].fullPath[0] = '\0';
     const Capture out(STDOUT_FILENO);
@@ -170,9 +171,9 @@ TEST_F(FindVideoSubtitles, walksTheTableOfKinds)
     Capture out(STDOUT_FILENO);
     // Two kinds with one extension: a file that is of both is listed twice.
     g_support_subtitles[0].type = 5;
-    std::strcpy(g_support_subtitles[0].ext, ".ssa");
-    std::strcpy(g_support_subtitles[0].fullPath, "+.ssa");
-    std::strcpy(g_support_subtitles[1].ext, ".ssa");
+    copyCut(g_support_subtitles[0].ext, sizeof g_support_subtitles[0].ext, ".ssa");
+    copyCut(g_support_subtitles[0].fullPath, sizeof g_support_subtitles[0].fullPath, "+.ssa");
+    copyCut(g_support_subtitles[1].ext, sizeof g_support_subtitles[1].ext, ".ssa");
     const int result = findVideoSubtitles((temp / "").c_str(), "M", list.records.data(), 0);
     g_support_subtitles[0].type = VORNAK_SUBTITLE_END;
     const int withoutKinds = findVideoSubtitles((temp / "").c_str(), "M", none.records.data(), 0);
@@ -268,7 +269,7 @@ TEST_F(FindVideoSubtitles, searchesNoOtherFolderThanTheOneGiven)
         int result;
     } cases[] = {{folder + "/", 0}, {folder + "f/", 0}, {folder + "ff/", 1}};
     for (const auto &c : cases) {
-        std::ofstream(c.folder + "M.srt");
+        std::ofstream subtitles(c.folder + "M.srt");
         List list;
         const Capture out(STDOUT_FILENO);
         EXPECT_EQ(
