@@ -29,4 +29,20 @@ constexpr bool takesContainer(const TANASCODE_FORMAT_MAPPING_ST &entry, int srcF
     return containerPart(entry.formatId) == 0 || agrees(entry.formatId, srcFormatId);
 }
 
+/// The container that a video's matching sees: elementary and raw forms of the MPEG streams
+/// count as the program and transport streams.
+constexpr int foldMpegStreams(int formatId)
+{
+    switch (formatId) {
+    case 17:
+    case 19:
+        return 10;
+    case 18:
+    case 20:
+        return 11;
+    default:
+        return formatId;
+    }
+}
+
 } // namespace vornak

@@ -2,28 +2,8 @@
 
 #include "audio_comparisons.h"
 #include "base/debug_line.h"
+#include "container_agreement.h"
 #include "rule_index.h"
-
-namespace vornak {
-namespace {
-
-/// Elementary and raw forms of the MPEG streams count as the program and transport streams.
-constexpr int foldMpegStreams(int formatId)
-{
-    switch (formatId) {
-    case 17:
-    case 19:
-        return 10;
-    case 18:
-    case 20:
-        return 11;
-    default:
-        return formatId;
-    }
-}
-
-} // namespace
-} // namespace vornak
 
 int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
                             int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,
