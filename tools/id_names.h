@@ -1,0 +1,26 @@
+// The registry's names of ids and bits, for people.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vornak::tool {
+
+/// A codec's name, "any" for the wildcard, "codec 123" for an id that the registry doesn't know.
+std::string codecText(int id);
+
+/// A container's name, with its subtype after a slash: "mp4/isom".
+std::string containerText(int id);
+
+/// The names of profile bits in rising order; a bit without a name shows as "0x400".
+std::vector<std::string> profileTexts(int bits, int codecId);
+
+/// The same for play exceptions.
+std::vector<std::string> playExceptionTexts(int bits);
+
+/// All names of containers and of play exceptions, to look for the nearest.
+std::vector<std::string> knownContainers();
+std::vector<std::string> knownSubtypes(int containerId);
+std::vector<std::string> knownPlayExceptions();
+
+} // namespace vornak::tool
