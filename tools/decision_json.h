@@ -1,0 +1,26 @@
+// Decisions as a JSON document, written piece by piece. docs/json.md describes it.
+#pragma once
+
+#include "decide_files.h"
+#include "explanation.h"
+
+#include <string>
+
+namespace vornak::tool {
+
+class ProfileSession;
+struct DecisionOptions;
+
+/// The document up to its list of files.
+std::string jsonHead(const DecisionOptions &options, const DecisionRequest &request,
+                     const ProfileSession &session);
+
+/// An entry of the list, without the comma.
+std::string jsonOf(const std::string &path, const Decision &decision,
+                   const Explanation &explanation, const ProfileSession &session, bool withVisits);
+std::string jsonOf(const std::string &path, const Undecided &undecided);
+
+/// What follows the list.
+std::string jsonTail(const Totals &totals);
+
+} // namespace vornak::tool
