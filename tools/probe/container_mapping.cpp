@@ -1,0 +1,181 @@
+#include "probe/container_mapping.h"
+
+#include "media_info.h"
+#include "probe/ebml_doc_type.h"
+#include "probe/media_file.h"
+#include "vornak_host.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/opt.h>
+}
+
+namespace vornak::tool {
+namespace {
+
+struct ContainerName {
+    const char *container; // the registry's names
+    const char *subtype;   // null: none
+};
+
+constexpr struct {
+    const char *format; // libavformat's
+    const char *container;
+} s_Containers[] = {
+    {"mp3", "mp3"},
+    {"wav", "wav"},
+    {"flac", "flac"},
+    {"ape", "ape"},
+    {"ogg", "ogg"},
+    {"ac3", "ac3"},
+    {"asf", "asf"},
+    {"asf_o", "asf"},
+    {"mov,mp4,m4a,3gp,3g2,mj2", "mp4"},
+    {"avi", "avi"},
+    {"mpeg", "mpegps"},
+    {"mpegts", "mpegts"},
+    {"matroska,webm", "matroska"},
+    {"flv", "flv"},
+    {"live_flv", "flv"},
+    {"aiff", "aiff"},
+    {"au", "au"},
+    {"aac", "adts"},
+    {"rm", "rm"},
+    {"dts", "dts"},
+    {"dtshd", "dts"},
+    {"eac3", "eac3"},
+    {"truehd", "truehd"},
+    {"wv", "wavpack"},
+    {"dsf", "dsf"},
+    {"iff", "dff"},
+    {"caf", "caf"},
+    {"tta", "tta"},
+    {"mpc", "mpc"},
+    {"mpc8", "mpc"},
+    {"amr", "amr"},
+    {"amrnb", "amr"},
+    {"amrwb", "amr"},
+    {"w64", "w64"},
+    {"loas", "latm"},
+    {"mpegvideo", "mpegvideo"},
+    {"h264", "h264"},
+    {"hevc", "hevc"},
+    {"m4v", "mpeg4video"},
+    {"vc1", "vc1"},
+    {"vc1test", "vc1"},
+    {"ivf", "ivf"},
+    {"dv", "dv"},
+    {"mxf", "mxf"},
+};
+
+// By how a file's major brand begins; the longer one before the shorter.
+constexpr struct {
+    const char *brand;
+    const char *subtype;
+} s_Brands[] = {
+    {"M4A", "m4a"},   {"M4B", "m4a"}, // audio books
+    {"M4P", "m4a"},                   // protected music
+    {"F4A", "m4a"},   {"F4B", "m4a"},   {"M4V", "m4v"},   {"mp41", "mp41"},
+    {"mp42", "mp42"}, {"MSNV", "msnv"}, {"mjp2", "mjp2"}, {"3g2", "3g2"},
+    {"KDDI", "3g2"},  {"3g", "3gp"}, // 3gp4 to 3gp9, 3gr6, 3gs7, ...
+    {"qt", "qt"},
+};
+
+/// Brands that have no name of their own are further forms of "isom": iso2, avc1, dash, ...
+/// A file without a brand is from before there were any.
+const char *subtypeOfMp4(const AVFormatContext &context)
+{
+    const AVDictionaryEntry *brand = av_dict_get(context.metadata, "major_brand", nullptr, 0);
+    if (!brand) return "mov";
+    for (const auto &row : s_Brands)
+        if (std::string_view(brand->value).starts_with(row.brand)) return row.subtype;
+    return "isom";
+}
+
+bool isWebm(const MediaFile &file)
+{
+    std::array<std::uint8_t, 256> start{};
+    return ebmlDocType(file.readStart(start)) == "webm";
+}
+
+bool holds(const AVFormatContext &context, AVCodecID codec)
+{
+    return std::any_of(
+        context.streams, context.streams + context.nb_streams,
+        [codec](const AVStream *stream) { return stream->codecpar->codec_id == codec; });
+}
+
+/// By the first pack: MPEG-1 writes 0010 behind its start code, MPEG-2 01.
+bool isMpeg1System(const MediaFile &file)
+{
+    constexpr std::array<std::uint8_t, 4> kPack{0, 0, 1, 0xBA};
+    std::array<std::uint8_t, 4096> buffer{};
+    const std::span<const std::uint8_t> start = file.readStart(buffer);
+    const auto pack = std::search(start.begin(), start.end(), kPack.begin(), kPack.end());
+    return start.end() - pack > 4 && (pack[4] & 0xF0) == 0x20;
+}
+
+const char *programStream(const MediaFile &file)
+{
+    const AVFormatContext &context = *file.context();
+    if (holds(context, AV_CODEC_ID_DVD_NAV)) return "mpegps_dvd";
+    // some muxers write MPEG-1 packs around MPEG-2 video
+    if (isMpeg1System(file) && !holds(context, AV_CODEC_ID_MPEG2VIDEO)) return "mpegps_mpeg1";
+    return "mpegps";
+}
+
+const char *transportStream(const AVFormatContext &context)
+{
+    std::int64_t packetSize = 0;
+    av_opt_get_int(context.priv_data, "ts_packetsize", 0, &packetSize);
+    if (packetSize == 192) return "mpegts_m2ts";
+    return packetSize == 204 ? "mpegts_204" : "mpegts";
+}
+
+/// The demuxer of "dff" reads other files of its kind too.
+bool holdsDsd(const AVFormatContext &context)
+{
+    return holds(context, AV_CODEC_ID_DSD_MSBF) || holds(context, AV_CODEC_ID_DST);
+}
+
+/// A null container: none in the registry.
+ContainerName nameContainer(const MediaFile &file)
+{
+    const AVFormatContext &context = *file.context();
+    const std::string_view format = context.iformat->name;
+    const auto *row = std::ranges::find(s_Containers, format,
+                                        [](const auto &r) { return std::string_view(r.format); });
+    if (row == std::end(s_Containers)) return {};
+    const std::string_view name = row->container;
+    if (name == "mp4") return {"mp4", subtypeOfMp4(context)};
+    if (name == "matroska") return {"matroska", isWebm(file) ? "webm" : nullptr};
+    if (name == "mpegps") return {programStream(file), nullptr};
+    if (name == "mpegts") return {transportStream(context), nullptr};
+    if (name == "dff" && !holdsDsd(context)) return {};
+    return {row->container, nullptr};
+}
+
+} // namespace
+
+ContainerIdentity identifyContainer(const MediaFile &file)
+{
+    const ContainerName name = nameContainer(file);
+    int id = 0;
+    if (!name.container || ContainerFormatNameToID(name.container, name.subtype, &id) != 0)
+        return {kUnknownId, file.context()->iformat->name};
+    if (!name.subtype) return {id, name.container};
+    return {id, std::string(name.container) + '/' + name.subtype};
+}
+
+bool isPictureContainer(const MediaFile &file)
+{
+    const std::string_view format = file.context()->iformat->name;
+    return format.ends_with("_pipe") || format == "image2" || format == "gif" || format == "apng" ||
+           format == "ico";
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,175 @@
+#include "probe/media_file.h"
+
+#include "printable.h"
+#include "probe/freed_memory.h"
+#include "probe/libav_log.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <new>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+namespace vornak::tool {
+namespace {
+
+constexpr int kBufferSize = 32 * 1024;
+
+std::string systemError(int number)
+{
+    return std::generic_category().message(number);
+}
+
+/// Playlists open other files; by protocols of which none is allowed, or by refuseToOpen().
+AVDictionary *forbidOtherFiles()
+{
+    AVDictionary *options = nullptr;
+    if (av_dict_set(&options, "protocol_whitelist", "none", 0) < 0) throw std::bad_alloc();
+    return options;
+}
+
+int refuseToOpen(AVFormatContext *, AVIOContext **, const char *, int, AVDictionary **)
+{
+    return AVERROR(EPERM);
+}
+
+/// A name that tells libavformat the extension and nothing else: it takes "%03d" in a name for
+/// a sequence, and a text before a colon for a protocol.
+std::string nameForGuessing(const std::string &path)
+{
+    const std::size_t dot = path.find_last_of("./");
+    if (dot == std::string::npos || path[dot] == '/') return "media";
+    const std::string extension = path.substr(dot);
+    const bool plain = std::all_of(extension.begin() + 1, extension.end(), [](unsigned char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    });
+    return plain ? "media" + extension : "media";
+}
+
+AVIOContext *makeIo(void *file, int (*read)(void *, std::uint8_t *, int),
+                    std::int64_t (*seek)(void *, std::int64_t, int))
+{
+    auto *buffer = static_cast<unsigned char *>(av_malloc(kBufferSize));
+    AVIOContext *io = avio_alloc_context(buffer, kBufferSize, 0, file, read, nullptr, seek);
+    if (buffer && io) return io;
+    av_free(buffer);
+    av_free(io);
+    throw std::bad_alloc();
+}
+
+/// Text files pass for pictures made of characters.
+bool isText(const AVFormatContext &context)
+{
+    return std::string_view(context.iformat->name) == "tty";
+}
+
+std::string notMedia()
+{
+    const std::string reason = printable(firstLibavError()); // may quote the file
+    return reason.empty() ? kNotMedia : kNotMedia + (" (" + reason + ")");
+}
+
+} // namespace
+
+MediaFile::MediaFile(const std::string &path)
+{
+    keepFreedMemory();
+    startListeningToLibav();
+    if (openRegularFile(path)) openMedia(path);
+}
+
+MediaFile::Descriptor::~Descriptor()
+{
+    if (number >= 0) close(number);
+}
+
+void MediaFile::CloseIo::operator()(AVIOContext *io) const
+{
+    av_freep(&io->buffer); // not always the buffer that it was made with
+    avio_context_free(&io);
+}
+
+void MediaFile::CloseContext::operator()(AVFormatContext *context) const
+{
+    avformat_close_input(&context);
+}
+
+bool MediaFile::openRegularFile(const std::string &path)
+{
+    // non-blocking, or a pipe without a writer would hold us up
+    do descriptor_.number = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    while (descriptor_.number < 0 && errno == EINTR);
+    struct stat status {};
+    if (descriptor_.number < 0 || fstat(descriptor_.number, &status) != 0)
+        error_ = "can't be opened: " + systemError(errno);
+    else if (S_ISDIR(status.st_mode))
+        error_ = "is a directory";
+    else if (!S_ISREG(status.st_mode))
+        error_ = "is no regular file";
+    else if (status.st_size == 0)
+        error_ = "is empty";
+    size_ = status.st_size;
+    return error_.empty();
+}
+
+void MediaFile::openMedia(const std::string &path)
+{
+    io_.reset(makeIo(this, readNext, seek));
+    AVFormatContext *context = avformat_alloc_context();
+    if (!context) throw std::bad_alloc();
+    context->pb = io_.get();
+    context->io_open = refuseToOpen;
+
+    AVDictionary *options = forbidOtherFiles();
+    const int status =
+        avformat_open_input(&context, nameForGuessing(path).c_str(), nullptr, &options);
+    av_dict_free(&options);
+    context_.reset(context); // null after a failure
+    if (status < 0) {
+        error_ = notMedia();
+        return;
+    }
+    if (isText(*context) || avformat_find_stream_info(context, nullptr) < 0) {
+        error_ = notMedia();
+        context_.reset();
+    }
+}
+
+std::span<const std::uint8_t> MediaFile::readStart(std::span<std::uint8_t> buffer) const
+{
+    const ssize_t got = pread(descriptor_.number, buffer.data(), buffer.size(), 0);
+    return buffer.first(got > 0 ? static_cast<std::size_t>(got) : 0);
+}
+
+int MediaFile::readNext(void *self, std::uint8_t *buffer, int size)
+{
+    auto &file = *static_cast<MediaFile *>(self);
+    ssize_t got = 0;
+    do got = pread(file.descriptor_.number, buffer, static_cast<std::size_t>(size), file.position_);
+    while (got < 0 && errno == EINTR);
+    if (got < 0) return AVERROR(errno);
+    if (got == 0) return AVERROR_EOF;
+    file.position_ += got;
+    return static_cast<int>(got);
+}
+
+std::int64_t MediaFile::seek(void *self, std::int64_t offset, int whence)
+{
+    auto &file = *static_cast<MediaFile *>(self);
+    if ((whence & AVSEEK_SIZE) != 0) return file.size_;
+    const int from = whence & ~AVSEEK_FORCE;
+    if (from == SEEK_CUR) offset += file.position_;
+    if (from == SEEK_END) offset += file.size_;
+    if (offset < 0) return AVERROR(EINVAL);
+    return file.position_ = offset;
+}
+
+} // namespace vornak::tool
