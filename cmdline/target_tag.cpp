@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace vornak {
 namespace {
@@ -36,12 +37,28 @@ constexpr Brand s_Mp4Brands[] = {
     {7, "MJP2"}, {8, "3G2"}, {9, "3GP"}, {10, "MP4"}, {11, "MOV"},
 };
 
-[[nodiscard]] bool appendCodec(FixedText &tag, std::string_view mark, int codecId, int profileId)
+/// Begins the tag with a codec's name. Until the registry has given it, the caller's buffer stays
+/// as it was.
+std::optional<FixedText> beginTag(char *buffer, int codecId)
+{
+    RegistryText codec;
+    if (CodecIDToName(codec.buffer, codecId) != 0) return std::nullopt;
+    FixedText tag(buffer, VORNAK_TAG_SIZE);
+    tag.appendCut(codec.after(VORNAK_CODEC_PREFIX));
+    return tag;
+}
+
+[[nodiscard]] bool appendCodec(FixedText &tag, int codecId)
 {
     RegistryText codec;
     if (CodecIDToName(codec.buffer, codecId) != 0) return false;
-    tag.appendCut(mark);
+    tag.appendCut("_");
     tag.appendCut(codec.after(VORNAK_CODEC_PREFIX));
+    return true;
+}
+
+[[nodiscard]] bool appendProfile(FixedText &tag, int profileId, int codecId)
+{
     if (profileId <= 0) {
         tag.appendCut("_@");
         return true;
@@ -79,20 +96,21 @@ std::string_view brandText(int formatId, std::string_view name)
 
 } // namespace
 
-bool writeMusicTag(const TRANSCODE_AUDIO_MAPPING_ST &rule, int formatId, char *tag)
+bool writeMusicTag(const TRANSCODE_AUDIO_MAPPING_ST &rule, int formatId, char *buffer)
 {
-    FixedText text(tag, VORNAK_TAG_SIZE);
-    return appendCodec(text, "", rule.aCodecId, rule.aProfileId) &&
-           appendContainer(text, formatId, "-", [](std::string_view name) { return name; });
+    std::optional<FixedText> tag = beginTag(buffer, rule.aCodecId);
+    return tag && appendProfile(*tag, rule.aProfileId, rule.aCodecId) &&
+           appendContainer(*tag, formatId, "-", [](std::string_view name) { return name; });
 }
 
 bool writeVideoTag(const TRANSCODE_VIDEO_MAPPING_ST &video, const TRANSCODE_AUDIO_MAPPING_ST &audio,
-                   int formatId, char *tag)
+                   int formatId, char *buffer)
 {
-    FixedText text(tag, VORNAK_TAG_SIZE);
-    return appendCodec(text, "", video.vCodecId, video.vProfileId) &&
-           appendCodec(text, "_", audio.aCodecId, audio.aProfileId) &&
-           appendContainer(text, formatId, ".",
+    std::optional<FixedText> tag = beginTag(buffer, video.vCodecId);
+    return tag && appendProfile(*tag, video.vProfileId, video.vCodecId) &&
+           appendCodec(*tag, audio.aCodecId) &&
+           appendProfile(*tag, audio.aProfileId, audio.aCodecId) &&
+           appendContainer(*tag, formatId, ".",
                            [&](std::string_view name) { return brandText(formatId, name); });
 }
 

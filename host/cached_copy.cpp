@@ -17,7 +17,8 @@ namespace {
 bool canOpen(const char *path)
 {
     int descriptor = -1;
-    do descriptor = open(path, O_RDONLY | O_CLOEXEC);
+    // without waiting for the other end of a FIFO
+    do descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) return false;
     close(descriptor);

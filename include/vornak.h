@@ -394,7 +394,7 @@ VORNAK_API int genAudioTranscodeParameter(int audioIndex,
  * @return 0, or 1: null table or option buffer, a position at or past its table's count, no
  *         container option, an id that the registry can't name, a text that does not fit.
  *         Then `option` is empty and `tag` untouched, unless only the tag failed: then
- *         `option` is complete and `tag` holds what was built, which may be the empty text.
+ *         `option` is complete and `tag` holds what was built; never begun, it is untouched.
  */
 VORNAK_API int getMusicTranscodeParams2(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable,
                                         int audioIndex, int formatIndex, char *option, char *tag,

@@ -33,10 +33,10 @@ int findVideoSubtitlesByFullPath(const char *videoPath, VIDEO_SUBTITLE_ST *list,
     const std::string_view path(videoPath);
     const std::size_t slash = path.rfind('/');
     if (slash == std::string_view::npos) return 1;
-    // A folder too long for its buffer is refused, as the start of it would be another folder.
-    // Of a long name only the stem counts, which has a bound of its own.
-    char buffer[1024];
-    FixedText folder(buffer);
-    if (!folder.append(path.substr(0, slash + 1))) return 1;
-    return findVideoSubtitles(buffer, videoPath + slash + 1, list, reserved);
+    // A folder too long for its buffer is refused, as the start of it would be another folder; a
+    // name is cut.
+    char folder[1024], name[1024];
+    if (!FixedText(folder).append(path.substr(0, slash + 1))) return 1;
+    copyCut(name, sizeof name, path.substr(slash + 1));
+    return findVideoSubtitles(folder, name, list, reserved);
 }
