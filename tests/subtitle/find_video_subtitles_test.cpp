@@ -242,8 +242,8 @@ TEST_F(FindVideoSubtitles, splitsAFullPathAtItsLastSlash)
         {temp / "a.b/", 1}, // the empty stem: every subtitle file belongs
         {temp / "a.b", 1},
         {temp / "b.mkv", 0},
-        // a name that can't be a file's: no other video's subtitles are its own
-        {temp / ("x." + std::string(1100, 'y') + ".mkv"), 0},
+        // cut after 1023 characters, and the stem taken of what is left
+        {temp / ("x." + std::string(1100, 'y') + ".mkv"), 1},
         {temp / (std::string(1100, 'x') + ".mkv"), 0},
     };
     for (const auto &c : cases) {
