@@ -158,10 +158,12 @@ int XMLNode::nChildNode(const char *name) const
 const char *XMLNode::getAttribute(const char *name, int index) const
 {
     if (isEmpty() || !name || index < 0) return nullptr;
-    for (const pugi::xml_attribute attribute : data_->node.attributes()) {
-        if (std::strcmp(attribute.name(), name) == 0 && index-- == 0) return attribute.value();
+    pugi::xml_attribute found = data_->node.attribute(name);
+    while (found && index > 0) {
+        found = found.next_attribute();
+        if (std::strcmp(found.name(), name) == 0) --index;
     }
-    return nullptr;
+    return found ? found.value() : nullptr;
 }
 
 const char *XMLNode::getAttribute(const char *name, int *iterator) const
