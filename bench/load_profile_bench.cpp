@@ -16,7 +16,7 @@
 
 int CodecNameToID(const char *name, int *id)
 {
-    *id = name[0];
+    *id = static_cast<unsigned char>(name[0]);
     return 0;
 }
 

@@ -226,9 +226,10 @@ TEST_F(LoadProfileTest, LoadsRulesByTheHundredThousand)
 
 TEST_F(LoadProfileTest, IgnoresAMillionNestedElements)
 {
-    std::string nested;
-    for (int i = 0; i < 1'000'000; ++i) nested += "<VCODEC NAME='h264'>";
-    for (int i = 0; i < 1'000'000; ++i) nested += "</VCODEC>";
+    std::string nested = "<VCODEC NAME='h264'>";
+    for (int i = 0; i < 1'000'000; ++i) nested += "<X>";
+    for (int i = 0; i < 1'000'000; ++i) nested += "</X>";
+    nested += "</VCODEC>";
     EXPECT_EQ(describe(*load(video(nested))), "device name='d' flags=5\n  no table\n  free 1\n");
     EXPECT_EQ(load(video(nested.substr(0, nested.size() - 1))), nullptr);
 }

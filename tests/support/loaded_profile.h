@@ -73,6 +73,9 @@ public:
         return out_.str();
     }
 
+    /// Whether all free records were clear.
+    bool allClear() const { return allClear_; }
+
 private:
     void begin(const char *kind) { out_ << std::string(2 * depth_, ' ') << kind; }
     void add(const char *name, int value)
@@ -159,7 +162,9 @@ private:
         begin("free");
         out_ << ' ' << end - record << '\n';
         for (; record < end; ++record) {
-            if (!isClear(*record)) begin("but not clear\n");
+            if (isClear(*record)) continue;
+            allClear_ = false;
+            begin("but not clear\n");
         }
     }
 
@@ -177,6 +182,7 @@ private:
 
     std::ostringstream out_;
     std::size_t depth_ = 0;
+    bool allClear_ = true;
 };
 
 inline std::string describe(const TRANSCODE_DEVICE_PROFILE_ST &profile)
