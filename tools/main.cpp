@@ -11,7 +11,7 @@
 namespace vornak::tool {
 namespace {
 
-constexpr AddSubcommand s_Subcommands[] = {nullptr}; // in the order of the help text
+constexpr AddSubcommand s_Subcommands[] = {addProfile}; // in the order of the help text
 
 int run(int argc, char **argv)
 {

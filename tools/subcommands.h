@@ -10,4 +10,6 @@ namespace vornak::tool {
 
 using AddSubcommand = void (*)(CLI::App &app, int &status);
 
+void addProfile(CLI::App &app, int &status);
+
 } // namespace vornak::tool

@@ -1,0 +1,167 @@
+// docs/profile-format.md: what it lists is what there is, and what it shows is what happens.
+#include "id_names.h"
+#include "profile_check/finding.h"
+#include "profile_check/schema.h"
+#include "registry_names.h"
+#include "vornak_host.h"
+
+#include "tests/support/process.h"
+#include "tests/support/temp_dir.h"
+
+#include <gmock/gmock.h>
+#include <regex>
+#include <sstream>
+
+namespace vornak::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+std::string guide()
+{
+    std::ifstream file(VORNAK_SOURCE_DIR "/docs/profile-format.md");
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+/// The text below a heading, up to the next one.
+std::string section(const std::string &heading)
+{
+    const std::string text = guide();
+    const std::size_t start = text.find(heading + "\n");
+    EXPECT_NE(start, std::string::npos) << heading;
+    if (start == std::string::npos) return {};
+    return text.substr(start, text.find("\n#", start + 1) - start);
+}
+
+Names codeSpans(const std::string &text)
+{
+    static const std::regex span("`([^`]+)`");
+    Names names;
+    for (std::sregex_iterator i(text.begin(), text.end(), span), end; i != end; ++i)
+        names.push_back((*i)[1]);
+    return names;
+}
+
+/// The cells of each row of the tables in a section, headings left out.
+std::vector<Names> rows(const std::string &text)
+{
+    std::vector<Names> all;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with("| `")) continue;
+        Names cells;
+        std::istringstream cellStream(line.substr(2));
+        for (std::string cell; std::getline(cellStream, cell, '|');)
+            cells.push_back(
+                cell.substr(cell.find_first_not_of(' '),
+                            cell.find_last_not_of(' ') - cell.find_first_not_of(' ') + 1));
+        all.push_back(cells);
+    }
+    return all;
+}
+
+TEST(ProfileGuide, ListsTheNamesOfTheRegistry)
+{
+    Names video, audio;
+    for (const RegistryName &row : codecNames()) {
+        if (row.id > 0 && row.id < 0x10000) video.emplace_back(row.name);
+        if (row.id >= 0x10000 && row.id < 0x17000) audio.emplace_back(row.name);
+    }
+    EXPECT_EQ(codeSpans(section("### Video codecs")), video);
+    EXPECT_EQ(codeSpans(section("### Audio codecs")), audio);
+    EXPECT_EQ(codeSpans(section("### Containers")), tool::knownContainers());
+
+    Names exceptions;
+    for (const Names &row : rows(section("### Play exceptions")))
+        exceptions.push_back(codeSpans(row.front()).front());
+    EXPECT_EQ(exceptions, tool::knownPlayExceptions());
+}
+
+TEST(ProfileGuide, ListsProfilesAndSubtypesByTheirOwner)
+{
+    Names profiles, subtypes;
+    int last = -1;
+    for (const ProfileName &row : profileNames()) {
+        if (row.codecId != last) profiles.push_back(tool::codecText(row.codecId));
+        last = row.codecId;
+        profiles.emplace_back(row.name);
+    }
+    for (const SubtypeName &row : subtypeNames()) {
+        if (row.containerId != last) subtypes.push_back(tool::containerText(row.containerId));
+        last = row.containerId;
+        subtypes.emplace_back(row.name);
+    }
+    EXPECT_EQ(codeSpans(section("### Profiles")), profiles);
+    EXPECT_EQ(codeSpans(section("### Subtypes")), subtypes);
+}
+
+TEST(ProfileGuide, ListsElementsAttributesAndFindings)
+{
+    std::vector<Names> attributes, documented;
+    for (const tool::AttributeRow &row : tool::attributeRows()) {
+        attributes.push_back({row.name});
+        for (const tool::ElementRow &element : tool::elementRows())
+            if ((row.elements & element.element) != 0) attributes.back().emplace_back(element.name);
+    }
+    std::vector<Names> elements, documentedElements;
+    for (const tool::ElementRow &row : tool::elementRows()) {
+        elements.push_back({row.name});
+        for (const tool::ElementRow &parent : tool::elementRows())
+            if ((row.parents & parent.element) != 0) elements.back().emplace_back(parent.name);
+    }
+    for (const Names &row : rows(section("## Reference: elements and attributes"))) {
+        Names names = codeSpans(row[0] + row[1]);
+        (row.size() == 2 ? documentedElements : documented).push_back(names);
+    }
+    EXPECT_EQ(documentedElements, elements);
+    EXPECT_EQ(documented, attributes);
+
+    std::vector<Names> findings, documentedFindings;
+    for (const tool::FaultKind &kind : tool::faultKinds())
+        findings.push_back({kind.id, tool::severityName(kind.severity)});
+    for (const Names &row : rows(section("## Reference: what check reports")))
+        documentedFindings.push_back({codeSpans(row[0]).front(), row[1]});
+    EXPECT_EQ(documentedFindings, findings);
+}
+
+/// A profile of what a block of the guide shows, which may be a part of one.
+std::string wholeProfile(const std::string &block)
+{
+    const std::pair<const char *, const char *> wrappers[] = {
+        {"<VCODEC", "VIDEO"}, {"<ACODEC", "MUSIC"}, {"<MUSIC", "DEVICE"}, {"<VIDEO", "DEVICE"}};
+    for (const auto &[start, parent] : wrappers)
+        if (block.starts_with(start)) {
+            const std::string name = parent;
+            const std::string attributes = name == "DEVICE" ? " NAME=\"T\"" : "";
+            return wholeProfile("<" + name + attributes + ">" + block + "</" + name + ">");
+        }
+    return block;
+}
+
+TEST(ProfileGuide, ShowsWhatHappens)
+{
+    const std::string text = guide();
+    const std::regex block("```(xml|console)\n([^`]*)```");
+    const TempDir dir;
+    int profiles = 0;
+    for (std::sregex_iterator i(text.begin(), text.end(), block), end; i != end; ++i) {
+        if ((*i)[1] == "console") continue;
+        ++profiles;
+        dir.write("kitchen.xml", wholeProfile((*i)[2]));
+        const ProcessResult result =
+            run({"sh", "-c",
+                 "cd '" + dir.path().string() + "' && '" VORNAK_CLI "' profile check kitchen.xml"});
+        const auto next = std::next(i);
+        const std::string shown = next != end && (*next)[1] == "console" ? (*next)[2].str() : "";
+        EXPECT_EQ(result.status, shown.empty() ? 0 : 1) << (*i)[2] << result.out;
+        if (!shown.empty()) {
+            EXPECT_EQ(shown, "$ vornak profile check kitchen.xml\n" + result.out);
+        }
+    }
+    EXPECT_GE(profiles, 6);
+}
+
+} // namespace
+} // namespace vornak::test

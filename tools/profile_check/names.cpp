@@ -1,0 +1,182 @@
+// Names that the registry doesn't know, or that don't go together.
+#include "checks.h"
+
+#include "id_names.h"
+#include "registry_names.h"
+#include "vornak_host.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <optional>
+#include <ranges>
+#include <string_view>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::size_t kNameListCapacity = 1023; // characters that the loader looks at
+
+constexpr int kFirstAudio = 0x10000; // codec ids of sound begin here,
+constexpr int kFirstOther = 0x17000; // and end here
+
+std::vector<std::string> knownCodecs()
+{
+    std::vector<std::string> names;
+    for (const RegistryName &row : codecNames()) names.emplace_back(row.name);
+    return names;
+}
+
+std::vector<std::string> profilesOf(int codecId)
+{
+    std::vector<std::string> names;
+    for (const ProfileName &row : profileNames())
+        if (row.codecId == codecId) names.emplace_back(row.name);
+    return names;
+}
+
+std::string oneOf(const std::vector<std::string> &names, std::string_view otherwise)
+{
+    if (names.empty()) return std::string(otherwise);
+    return fmt::format("known are {}", fmt::join(names, ", "));
+}
+
+void checkCodecName(const ElementPlace &place, pugi::xml_attribute name, Report &report)
+{
+    const std::optional<int> codec = codecOf(place.element);
+    if (!codec)
+        return report.add(Fault::UnknownCodec, place.element, name,
+                          fmt::format("{} is no codec known here: the {} is left out", shown(name),
+                                      place.row.name),
+                          report.suggest(name.value(), knownCodecs(), "see the list of codecs"));
+    const bool fits = place.row.element == kVcodec
+                          ? *codec < kFirstAudio
+                          : *codec == 0 || (*codec >= kFirstAudio && *codec < kFirstOther);
+    if (!fits)
+        report.add(Fault::CodecKind, place.element, name,
+                   fmt::format("{} is no {} codec: no source fits this {}", shown(name),
+                               place.row.element == kVcodec ? "video" : "audio", place.row.name),
+                   place.row.element == kVcodec ? "make it an ACODEC" : "make it a VCODEC");
+}
+
+void checkContainerName(const ElementPlace &place, pugi::xml_attribute name, Report &report)
+{
+    int id = 0;
+    if (ContainerFormatNameToID(name.value(), nullptr, &id) != 0)
+        return report.add(
+            Fault::UnknownContainer, place.element, name,
+            fmt::format("{} is no container known here: the FORMAT is left out", shown(name)),
+            report.suggest(name.value(), knownContainers(), "see the list of containers"));
+    const pugi::xml_attribute subtype = place.element.attribute("SUBTYPE");
+    if (!subtype || ContainerFormatNameToID(name.value(), subtype.value(), &id) == 0) return;
+    const std::vector<std::string> known = knownSubtypes(id & 0xFFFF);
+    report.add(Fault::UnknownSubtype, place.element, subtype,
+               fmt::format("{} is no subtype of {}: the FORMAT is left out", shown(subtype),
+                           excerpt(name.value())),
+               report.suggest(subtype.value(), known, oneOf(known, "leave SUBTYPE out")));
+}
+
+/// The names of a list as the loader splits it; of a list that is too long, those that it sees.
+std::vector<std::string> splitNames(std::string_view value)
+{
+    std::string kept(value);
+    std::erase(kept, ' ');
+    kept.resize(std::min(kept.size(), kNameListCapacity));
+    std::vector<std::string> names;
+    for (const auto piece : std::views::split(kept, '|'))
+        if (!piece.empty()) names.emplace_back(piece.begin(), piece.end());
+    return names;
+}
+
+bool isTooLong(std::string_view value)
+{
+    return value.size() - static_cast<std::size_t>(std::ranges::count(value, ' ')) >
+           kNameListCapacity;
+}
+
+/// What to look up, and what to say of a name that isn't there.
+struct ListKind {
+    Fault fault;
+    int (*lookup)(const char *name, int *bit);
+    const char *what;
+    const char *ifNoneIsLeft;
+};
+
+void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKind &kind,
+               const std::vector<std::string> &known, Report &report)
+{
+    if (isTooLong(list.value()))
+        report.add(Fault::NameListTooLong, place.element, list,
+                   fmt::format("{} is longer than {} characters without its blanks: what lies "
+                               "beyond is ignored",
+                               shown(list), kNameListCapacity),
+                   "shorten it");
+    const std::vector<std::string> names = splitNames(list.value());
+    int bit = 0;
+    const bool noneIsLeft = std::ranges::none_of(
+        names, [&](const std::string &name) { return kind.lookup(name.c_str(), &bit) == 0; });
+    for (const std::string &name : names)
+        if (kind.lookup(name.c_str(), &bit) != 0)
+            report.add(kind.fault, place.element, list,
+                       fmt::format("\"{}\" is no {} known here: it is ignored{}", excerpt(name),
+                                   kind.what, noneIsLeft ? kind.ifNoneIsLeft : ""),
+                       report.suggest(name, known, oneOf(known, "leave it out")));
+}
+
+constexpr ListKind kProfiles = {Fault::UnknownProfile, ProfileNameToID, "profile",
+                                ", and so every profile is accepted"};
+constexpr ListKind kExceptions = {Fault::UnknownException, PlayExceptionNameToID, "play exception",
+                                  ", and so nothing is excepted"};
+
+void checkProfilesFit(const ElementPlace &place, pugi::xml_attribute list, int codecId,
+                      const std::vector<std::string> &known, Report &report)
+{
+    int bit = 0;
+    for (const std::string &name : splitNames(list.value())) {
+        if (ProfileNameToID(name.c_str(), &bit) != 0) continue; // said already
+        if (codecHasProfile(codecId, name.c_str())) continue;
+        report.add(Fault::ForeignProfile, place.element, list,
+                   fmt::format("{} has no profile \"{}\"",
+                               excerpt(place.element.attribute("NAME").value()), excerpt(name)),
+                   oneOf(known, "no profiles of this codec are known: leave PROFILE out"));
+    }
+}
+
+} // namespace
+
+std::optional<int> codecOf(pugi::xml_node element)
+{
+    int id = 0;
+    if (CodecNameToID(element.attribute("NAME").value(), &id) != 0) return std::nullopt;
+    return id;
+}
+
+void checkName(const ElementPlace &place, Report &report)
+{
+    if ((place.row.element & (kVcodec | kAcodec | kFormat)) == 0) return;
+    const pugi::xml_attribute name = place.element.attribute("NAME");
+    if (*name.value() == '\0')
+        return report.add(Fault::MissingName, place.element, name,
+                          fmt::format("{} without a NAME is left out", place.row.name),
+                          "name what it is for");
+    if (place.row.element == kFormat)
+        checkContainerName(place, name, report);
+    else
+        checkCodecName(place, name, report);
+}
+
+void checkNameLists(const ElementPlace &place, Report &report)
+{
+    if ((place.row.element & (kVcodec | kAcodec)) == 0) return;
+    if (const pugi::xml_attribute list = place.element.attribute("PROFILE")) {
+        const std::optional<int> codec = codecOf(place.element);
+        const std::vector<std::string> known =
+            codec ? profilesOf(*codec) : std::vector<std::string>{};
+        checkList(place, list, kProfiles, known, report);
+        if (codec && *codec > 0) checkProfilesFit(place, list, *codec, known, report);
+    }
+    const pugi::xml_attribute exceptions = place.element.attribute("PLAY_EXCEPTION");
+    if (exceptions && place.row.element == kVcodec)
+        checkList(place, exceptions, kExceptions, knownPlayExceptions(), report);
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,22 @@
+// vornak profile: the subcommands that look at a profile alone.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace vornak::tool {
+
+struct ProfileOptions {
+    std::string path;
+    bool json = false;
+};
+
+void addProfileOptions(CLI::App &command, ProfileOptions &options);
+
+void addProfileShow(CLI::App &app, int &status);
+void addProfileCheck(CLI::App &app, int &status);
+
+} // namespace vornak::tool
