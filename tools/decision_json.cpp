@@ -4,6 +4,7 @@
 #include "id_names.h"
 #include "printable.h"
 #include "profile_session.h"
+#include "surroundings.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,6 +18,11 @@ constexpr int kVersion = 1;
 Json textOrNull(const char *text)
 {
     return text ? Json(printable(text)) : Json();
+}
+
+Json textOrNull(const std::string &text)
+{
+    return text.empty() ? Json() : Json(printable(text));
 }
 
 Json rule(const RuleRef &ref, const std::string &name, const ProfileSession &session)
@@ -106,7 +112,7 @@ Json source(const VideoStream &video, int playExceptions)
 {
     return {{"codec", printable(video.codecName)},
             {"codecId", video.codecId},
-            {"profile", video.profileName.empty() ? Json() : Json(printable(video.profileName))},
+            {"profile", textOrNull(video.profileName)},
             {"profileBits", video.profile},
             {"level", video.level},
             {"width", video.width},
@@ -118,18 +124,12 @@ Json source(const VideoStream &video, int playExceptions)
 
 Json source(const AudioTrack &track)
 {
-    return {{"number", track.number},
-            {"codec", printable(track.codecName)},
-            {"codecId", track.codecId},
-            {"profile", track.profileName.empty() ? Json() : Json(printable(track.profileName))},
-            {"profileBits", track.profile},
-            {"level", track.level},
-            {"channels", track.channels},
-            {"sampleRate", track.sampleRate},
-            {"bitrate", track.bitrate},
-            {"bitrateEstimated", track.bitrateEstimated},
-            {"default", track.isDefault},
-            {"language", printable(track.language)}};
+    return {{"number", track.number},       {"codec", printable(track.codecName)},
+            {"codecId", track.codecId},     {"profile", textOrNull(track.profileName)},
+            {"profileBits", track.profile}, {"level", track.level},
+            {"channels", track.channels},   {"sampleRate", track.sampleRate},
+            {"bitrate", track.bitrate},     {"bitrateEstimated", track.bitrateEstimated},
+            {"default", track.isDefault},   {"language", printable(track.language)}};
 }
 
 Json source(const Decision &decision)
@@ -168,6 +168,32 @@ Json forbidding(const Explanation &explanation, const ProfileSession &session)
              {"rule", rule(ref, isVideoRule ? RuleKind::Codec : RuleKind::Container, session)}});
     }
     return list;
+}
+
+Json subtitles(const Surroundings &around)
+{
+    Json list = Json::array();
+    for (const SubtitleFile &file : around.subtitles)
+        list.push_back({{"name", printable(file.name)},
+                        {"nameHex", hexBytes(file.name)},
+                        {"kind", file.kind},
+                        {"language", textOrNull(file.language)}});
+    return list;
+}
+
+Json hardware(const Surroundings &around)
+{
+    return {{"allowedByRule", around.ruleAllowsHardware},
+            {"agent", around.hardwareAgent},
+            {"serves", around.hardwareServes()}};
+}
+
+Json elements(const Surroundings &around)
+{
+    return {{"demuxer", textOrNull(around.demuxer)},
+            {"videoDecoder", textOrNull(around.videoDecoder)},
+            {"audioDecoder", textOrNull(around.audioDecoder)},
+            {"muxer", textOrNull(around.muxer)}};
 }
 
 std::string_view nameOf(Verdict verdict)
@@ -231,7 +257,8 @@ std::string jsonHead(const DecisionOptions &options, const DecisionRequest &requ
 }
 
 std::string jsonOf(const std::string &path, const Decision &decision,
-                   const Explanation &explanation, const ProfileSession &session, bool withVisits)
+                   const Explanation &explanation, const Surroundings &around,
+                   const ProfileSession &session, bool withVisits)
 {
     Json json = pathFields(path);
     json["outcome"] = nameOf(decision.outcome);
@@ -244,6 +271,9 @@ std::string jsonOf(const std::string &path, const Decision &decision,
     json["container"] = part(explanation.container, decision.formatIndex, true, session);
     json["forbiddenBy"] = forbidding(explanation, session);
     json["output"] = output(decision);
+    json["subtitles"] = subtitles(around);
+    json["hardware"] = decision.isVideo ? hardware(around) : Json();
+    json["elements"] = elements(around);
     if (withVisits) json["visited"] = visits(explanation, session);
     return json.dump();
 }

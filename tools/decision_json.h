@@ -9,6 +9,7 @@
 namespace vornak::tool {
 
 class ProfileSession;
+struct Surroundings;
 struct DecisionOptions;
 
 /// The document up to its list of files.
@@ -17,7 +18,8 @@ std::string jsonHead(const DecisionOptions &options, const DecisionRequest &requ
 
 /// An entry of the list, without the comma.
 std::string jsonOf(const std::string &path, const Decision &decision,
-                   const Explanation &explanation, const ProfileSession &session, bool withVisits);
+                   const Explanation &explanation, const Surroundings &around,
+                   const ProfileSession &session, bool withVisits);
 std::string jsonOf(const std::string &path, const Undecided &undecided);
 
 /// What follows the list.

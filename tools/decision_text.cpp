@@ -5,6 +5,7 @@
 #include "printable.h"
 #include "profile_session.h"
 #include "reason_text.h"
+#include "surroundings.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -176,8 +177,63 @@ std::string visitLines(const std::string &heading, const std::vector<Visit> &vis
     return text;
 }
 
-std::string allVisits(const Decision &decision, const Explanation &explanation,
-                      const ProfileSession &session)
+std::string subtitlesText(const std::vector<SubtitleFile> &files)
+{
+    std::string text;
+    for (const SubtitleFile &file : files) {
+        if (!text.empty()) text += ", ";
+        text += fmt::format("{} ({}{}{})", printable(file.name), file.kind,
+                            file.language.empty() ? "" : ", ", printable(file.language));
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::string hardwareText(const Surroundings &around, const RuleRef &rule,
+                         const ProfileSession &session)
+{
+    const std::string name = ruleText(rule, session);
+    if (!around.ruleAllowsHardware)
+        return fmt::format("{} does not allow the hardware transcoder", name);
+    if (!around.hardwareServes())
+        return fmt::format("{} allows the hardware transcoder, but none is installed", name);
+    return fmt::format("{} allows the hardware transcoder, and agent {} is installed", name,
+                       around.hardwareAgent);
+}
+
+std::string elementText(const char *element)
+{
+    return element ? printable(element) : "none";
+}
+
+} // namespace
+
+std::string textOf(const std::string &path, const Decision &decision,
+                   const Explanation &explanation, const ProfileSession &session)
+{
+    const Colours &c = colours();
+    std::string text =
+        fmt::format("{}{}{}: {}\n", c.name, printable(path), c.reset, sourceText(decision));
+    text += partLines(decision, explanation, session);
+    return text +
+           (decision.isRefused() ? forbiddenLine(explanation, session) : resultLines(decision));
+}
+
+std::string textOf(const Surroundings &around, const Decision &decision,
+                   const Explanation &explanation, const ProfileSession &session)
+{
+    std::string text, videoDecoder;
+    if (decision.isVideo) {
+        text = fmt::format("  subtitles: {}\n  hardware: {}\n", subtitlesText(around.subtitles),
+                           hardwareText(around, explanation.video.rule, session));
+        videoDecoder = fmt::format(", video decoder {}", elementText(around.videoDecoder));
+    }
+    return text + fmt::format("  elements: demuxer {}{}, audio decoder {}, muxer {}\n",
+                              elementText(around.demuxer), videoDecoder,
+                              elementText(around.audioDecoder), elementText(around.muxer));
+}
+
+std::string visitsText(const Decision &decision, const Explanation &explanation,
+                       const ProfileSession &session)
 {
     std::string text, where;
     if (decision.isVideo) {
@@ -193,20 +249,6 @@ std::string allVisits(const Decision &decision, const Explanation &explanation,
         where = " in audio " + ruleText(explanation.searchedRule, session);
     return text + visitLines("container entries visited" + where, explanation.entryVisits,
                              Kind::Entry, decision, session);
-}
-
-} // namespace
-
-std::string textOf(const std::string &path, const Decision &decision,
-                   const Explanation &explanation, const ProfileSession &session, bool withVisits)
-{
-    const Colours &c = colours();
-    std::string text =
-        fmt::format("{}{}{}: {}\n", c.name, printable(path), c.reset, sourceText(decision));
-    text += partLines(decision, explanation, session);
-    text += decision.isRefused() ? forbiddenLine(explanation, session) : resultLines(decision);
-    if (withVisits) text += allVisits(decision, explanation, session);
-    return text;
 }
 
 std::string textOf(const Totals &totals)

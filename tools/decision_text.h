@@ -10,11 +10,19 @@
 namespace vornak::tool {
 
 class ProfileSession;
+struct Surroundings;
 
 /// The lines of one file: its streams, what happens to each part and why, and the output.
-/// @param withVisits  also the rules that were visited
 std::string textOf(const std::string &path, const Decision &decision,
-                   const Explanation &explanation, const ProfileSession &session, bool withVisits);
+                   const Explanation &explanation, const ProfileSession &session);
+
+/// The lines about subtitles, hardware and elements.
+std::string textOf(const Surroundings &around, const Decision &decision,
+                   const Explanation &explanation, const ProfileSession &session);
+
+/// The rules that were visited.
+std::string visitsText(const Decision &decision, const Explanation &explanation,
+                       const ProfileSession &session);
 
 /// The line that sums up.
 std::string textOf(const Totals &totals);

@@ -15,6 +15,8 @@ namespace {
 constexpr Colours s_Coloured = {"\033[1m", "\033[32m", "\033[33m", "\033[31m", "\033[0m"};
 constexpr Colours s_Plain = {};
 
+int s_Output = STDOUT_FILENO; // where the tool's own output goes
+
 /// Writes all of it, or returns the error.
 int writeAll(int descriptor, std::string_view text)
 {
@@ -31,7 +33,7 @@ bool isColoured()
 {
     const char *refused = std::getenv("NO_COLOR");
     const char *terminal = std::getenv("TERM");
-    return (!refused || !*refused) && isatty(STDOUT_FILENO) == 1 &&
+    return (!refused || !*refused) && isatty(s_Output) == 1 &&
            (!terminal || std::string_view(terminal) != "dumb");
 }
 
@@ -40,7 +42,7 @@ bool isColoured()
 // Threads may still be at work, so the process ends here and now.
 void writeOut(std::string_view text)
 {
-    const int error = writeAll(STDOUT_FILENO, text);
+    const int error = writeAll(s_Output, text);
     if (error == 0) return;
     if (error != EPIPE) complain("standard output: " + std::generic_category().message(error));
     _exit(kIncomplete);
@@ -57,6 +59,15 @@ void keepStandardDescriptors()
         opened = open("/dev/null", O_RDWR); // NOLINT: stays open across exec, as those three do
         if (opened > STDERR_FILENO) close(opened);
     }
+}
+
+void claimStandardOutput()
+{
+    if (s_Output != STDOUT_FILENO) return;
+    const int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (own >= 0 && nowhere >= 0 && dup2(nowhere, STDOUT_FILENO) >= 0) s_Output = own;
+    if (nowhere >= 0) close(nowhere);
 }
 
 const Colours &colours()

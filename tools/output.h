@@ -17,6 +17,10 @@ void complain(std::string_view message);
 /// takes their place.
 void keepStandardDescriptors();
 
+/// From now on standard output is for writeOut() alone: what the library prints there is lost.
+/// For what runs after the command line is parsed; call it before the first thread starts.
+void claimStandardOutput();
+
 /// Colours for standard output; every one is the empty text unless it is a terminal that may be
 /// coloured.
 struct Colours {

@@ -27,12 +27,17 @@ void release(TRANSCODE_AUDIO_MAPPING_ST *table) noexcept
     std::free(table);
 }
 
-std::vector<std::string> printableLines(const std::string &text)
+/// The library's lines, each without the place in its source, "[NAME:LINE] ", at the beginning.
+std::vector<std::string> warningsIn(const std::string &text)
 {
-    std::vector<std::string> lines;
+    std::vector<std::string> warnings;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(printable(line));
-    return lines;
+    for (std::string line; std::getline(stream, line);) {
+        const std::size_t place = line.starts_with('[') ? line.find("] ") : std::string::npos;
+        if (place != std::string::npos) line.erase(0, place + 2);
+        warnings.push_back(printable(line));
+    }
+    return warnings;
 }
 
 } // namespace
@@ -56,7 +61,7 @@ ProfileSession::ProfileSession(const std::string &path)
         DivertedOutput messages(STDERR_FILENO);
         profile_.reset(
             ParseSingleTranscodeXML(path.c_str(), VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0));
-        warnings_ = printableLines(messages.take());
+        warnings_ = warningsIn(messages.take());
     }
     if (!profile_) throw ProfileError(path, 0, "the library refuses to load it");
     findLines(document);

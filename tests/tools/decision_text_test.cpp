@@ -135,7 +135,9 @@ std::string decided(const ProfileSession &session, const File &file, const Decis
     if (const auto *undecided = std::get_if<Undecided>(&result))
         return fmt::format("{}: {}\n", undecided->code, undecided->message);
     const auto &decision = std::get<Decision>(result);
-    return textOf("f", decision, explain(decision, request), session, withVisits);
+    const Explanation explanation = explain(decision, request);
+    return textOf("f", decision, explanation, session) +
+           (withVisits ? visitsText(decision, explanation, session) : "");
 }
 
 struct Case {
