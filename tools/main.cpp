@@ -11,7 +11,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr AddSubcommand s_Subcommands[] = {addProfile}; // in the order of the help text
+constexpr AddSubcommand s_Subcommands[] = {
+    addDecide,
+    addProfile,
+}; // in the order of the help text
 
 int run(int argc, char **argv)
 {

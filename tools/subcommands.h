@@ -10,6 +10,7 @@ namespace vornak::tool {
 
 using AddSubcommand = void (*)(CLI::App &app, int &status);
 
+void addDecide(CLI::App &app, int &status);
 void addProfile(CLI::App &app, int &status);
 
 } // namespace vornak::tool

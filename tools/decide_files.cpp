@@ -1,0 +1,86 @@
+#include "decide_files.h"
+
+#include "media_list.h"
+#include "media_probe.h"
+#include "ordered_work.h"
+#include "output.h"
+#include "printable.h"
+#include "progress.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <iostream>
+#include <thread>
+
+namespace vornak::tool {
+namespace {
+
+FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
+                      const MediaItem &item)
+{
+    if (!item.error.empty()) return Undecided{"cannot-open", item.error};
+    ProbeResult probe = probeMedia(item.path);
+    if (!probe.media) return Undecided{"cannot-probe", probe.error};
+    return decide(session, request, std::move(*probe.media));
+}
+
+Outcome outcomeOf(const FileResult &result)
+{
+    return std::visit([](const auto &any) { return any.outcome; }, result);
+}
+
+/// How many files there will be, for the progress; 0 where nobody sees it or a list is to come.
+std::size_t countFiles(const std::vector<std::string> &media)
+{
+    if (!Progress::isShown() || std::find(media.begin(), media.end(), "-") != media.end()) return 0;
+    MediaList list(media, std::cin);
+    std::size_t count = 0;
+    while (list.next()) ++count;
+    return count;
+}
+
+struct Rendered {
+    std::string text, complaint;
+    Outcome outcome;
+};
+
+} // namespace
+
+Totals decideFiles(const ProfileSession &session, const DecisionRequest &request,
+                   const std::vector<std::string> &media, std::string_view separator,
+                   const RenderFile &render)
+{
+    Totals totals;
+    MediaList list(media, std::cin);
+    Progress progress(countFiles(media));
+    bool first = true;
+
+    const auto decideOne = [&](const MediaItem &item) {
+        const FileResult result = decideFile(session, request, item);
+        Rendered rendered{render(item.path, result), {}, outcomeOf(result)};
+        if (const auto *undecided = std::get_if<Undecided>(&result))
+            rendered.complaint = fmt::format("{}: {}", printable(item.path), undecided->message);
+        return rendered;
+    };
+    const auto emit = [&](const Rendered &rendered) {
+        progress.hide();
+        if (!rendered.text.empty()) {
+            if (!first) writeOut(separator);
+            writeOut(rendered.text);
+            first = false;
+        }
+        if (!rendered.complaint.empty()) {
+            complain(rendered.complaint);
+            ++totals.undecided;
+        }
+        ++totals.files;
+        ++totals.outcomes[static_cast<std::size_t>(rendered.outcome)];
+        progress.advance();
+    };
+    workInOrder(
+        std::thread::hardware_concurrency(), [&] { return list.next(); }, decideOne, emit);
+    totals.skipped = list.skipped();
+    return totals;
+}
+
+} // namespace vornak::tool
