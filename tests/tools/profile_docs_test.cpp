@@ -17,9 +17,9 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::string guide()
+std::string page(const std::string &name)
 {
-    std::ifstream file(VORNAK_SOURCE_DIR "/docs/profile-format.md");
+    std::ifstream file(VORNAK_SOURCE_DIR "/docs/" + name);
     std::stringstream text;
     text << file.rdbuf();
     return text.str();
@@ -28,7 +28,7 @@ std::string guide()
 /// The text below a heading, up to the next one.
 std::string section(const std::string &heading)
 {
-    const std::string text = guide();
+    const std::string text = page("profile-format.md");
     const std::size_t start = text.find(heading + "\n");
     EXPECT_NE(start, std::string::npos) << heading;
     if (start == std::string::npos) return {};
@@ -142,7 +142,7 @@ std::string wholeProfile(const std::string &block)
 
 TEST(ProfileGuide, ShowsWhatHappens)
 {
-    const std::string text = guide();
+    const std::string text = page("profile-format.md");
     const std::regex block("```(xml|console)\n([^`]*)```");
     const TempDir dir;
     int profiles = 0;
@@ -151,8 +151,7 @@ TEST(ProfileGuide, ShowsWhatHappens)
         ++profiles;
         dir.write("kitchen.xml", wholeProfile((*i)[2]));
         const ProcessResult result =
-            run({"sh", "-c",
-                 "cd '" + dir.path().string() + "' && '" VORNAK_CLI "' profile check kitchen.xml"});
+            run({"env", "-C", dir.path(), VORNAK_CLI, "profile", "check", "kitchen.xml"});
         const auto next = std::next(i);
         const std::string shown = next != end && (*next)[1] == "console" ? (*next)[2].str() : "";
         EXPECT_EQ(result.status, shown.empty() ? 0 : 1) << (*i)[2] << result.out;
@@ -161,6 +160,27 @@ TEST(ProfileGuide, ShowsWhatHappens)
         }
     }
     EXPECT_GE(profiles, 6);
+}
+
+TEST(ProfileGuide, ShowsTheJsonThatIsPrinted)
+{
+    const std::string text = page("json.md");
+    const auto blockAfter = [&](const std::string &start, std::size_t from) {
+        const std::size_t begin = text.find(start, from) + start.size();
+        return text.substr(begin, text.find("```\n", begin) - begin);
+    };
+    const TempDir dir;
+    const std::string title = "# The JSON of `vornak profile ";
+    const std::size_t first = text.find(title + "check`\n");
+    ASSERT_NE(first, std::string::npos);
+    dir.write("kitchen.xml", blockAfter("```xml\n", first));
+    for (const std::string subcommand : {"check", "show"}) {
+        const std::size_t at = text.find(title + subcommand + "`\n");
+        ASSERT_NE(at, std::string::npos);
+        const ProcessResult result = run(
+            {"env", "-C", dir.path(), VORNAK_CLI, "profile", subcommand, "--json", "kitchen.xml"});
+        EXPECT_EQ(result.out, blockAfter("```json\n", at));
+    }
 }
 
 } // namespace
