@@ -640,7 +640,8 @@ VORNAK_SIZE(BD_FORMAT_ST, 2056, 2056);
  * @param folder  root of the disc, ending in "/"
  * @param out     receives the index file's path, cut to outSize - 1 characters; outSize 0
  *                writes nothing
- * @return VORNAK_DISC_DVD, VORNAK_DISC_BD, or 0: neither, or a bad argument
+ * @return VORNAK_DISC_DVD, VORNAK_DISC_BD, or 0: neither, or a bad argument. What lies at a path
+ *         of 1024 characters or more inside a disc counts as absent, here and below.
  */
 VORNAK_API int parseMountedFolder(const char *folder, char *out, unsigned outSize);
 

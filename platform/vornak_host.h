@@ -35,7 +35,7 @@ extern VORNAK_HOST_API int g_debug_level;
 
 /* Names to ids. `name` is not null; the id is written on success only. */
 
-/** A codec's id; 0 is the wildcard, above 0 a codec. */
+/** A codec's id; 0 is the wildcard, above 0 a codec; -1 counts as unknown. */
 VORNAK_HOST_API int CodecNameToID(const char *name, int *id);
 
 /** The bit of a codec profile; it is ORed with others. */
@@ -120,7 +120,7 @@ public:
     const char *getAttribute(const char *name, int *iterator = nullptr) const;
 
     /** Whether this is no node at all. */
-    bool isEmpty() const noexcept { return data_ == nullptr; }
+    bool isEmpty() const noexcept;
 
     /** The empty node. */
     static const XMLNode emptyXMLNode;

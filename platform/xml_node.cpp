@@ -147,6 +147,11 @@ XMLNode XMLNode::getChildNode(const char *name, int index) const
     return child ? XMLNode(new Data(data_->document, child)) : XMLNode();
 }
 
+bool XMLNode::isEmpty() const noexcept
+{
+    return data_ == nullptr;
+}
+
 int XMLNode::nChildNode(const char *name) const
 {
     if (isEmpty() || !name) return 0;

@@ -31,12 +31,13 @@ void loadVideo(TRANSCODE_DEVICE_PROFILE_ST &profile, const XMLNode &device)
     if (!section.isEmpty()) parseVideoRules(&profile.pVideoTable, section);
 }
 
-XMLNode openDevice(const char *path)
+/// The document's root, or the empty node.
+XMLNode openDocument(const char *path)
 {
     int error = 0;
     XMLNode document = XMLNode::openFileHelper(path, &error);
     if (error != 0) document = XMLNode::emptyXMLNode;
-    return document.isEmpty() ? document : document.getChildNode("DEVICE", 0);
+    return document;
 }
 
 } // namespace
@@ -47,7 +48,9 @@ TRANSCODE_DEVICE_PROFILE_ST *ParseSingleTranscodeXML(const char *path, int media
 try {
     using namespace vornak;
     if (!path) return nullptr;
-    const XMLNode device = openDevice(path);
+    const XMLNode document = openDocument(path);
+    if (document.isEmpty()) return nullptr;
+    const XMLNode device = document.getChildNode("DEVICE", 0);
     if (device.isEmpty()) return nullptr;
 
     ProfileOwner profile = allocateProfile();
