@@ -14,12 +14,19 @@
 namespace vornak {
 namespace {
 
-bool canOpen(const char *path)
+int openToRead(const char *path, int flags)
 {
     int descriptor = -1;
-    // without waiting for the other end of a FIFO
-    do descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    do descriptor = open(path, O_RDONLY | O_CLOEXEC | flags);
     while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+/// Doesn't wait for the other end of a FIFO, but for a process that holds a lease on the file.
+bool canOpen(const char *path)
+{
+    int descriptor = openToRead(path, O_NONBLOCK);
+    if (descriptor < 0 && errno == EWOULDBLOCK) descriptor = openToRead(path, 0);
     if (descriptor < 0) return false;
     close(descriptor);
     return true;

@@ -483,9 +483,10 @@ VORNAK_API int guessMusicTranscodeFileLength(const TRANSCODE_AUDIO_MAPPING_ST *p
 
 /**
  * Reads one value of the add-on registry by running the configuration query tool.
- * @param section, key  letters, digits, "_", "-" and "." alone; anything else is refused
- *                      without starting a process
- * @param value         receives the value, cut to size - 1 characters
+ * @param section, key  letters, digits, "_", "-" and "." alone, together at most 982
+ *                      characters; anything else is refused without starting a process
+ * @param value         receives the first line that the tool prints, cut to size - 1 characters
+ *                      and to 1023; an empty line is a value
  * @param size          bytes of `value`, 1 or more
  * @return 0, or 1: refused, or the tool printed nothing. `value` is then untouched.
  */
@@ -497,7 +498,8 @@ VORNAK_API int isHWFfmpegExist(void);
 /**
  * Asks the add-on registry for the hardware transcode agent; runs the query tool up to twice.
  * @return 2: the second-generation agent is installed, 1: only the first, 0: none, or the
- *         add-on is not enabled
+ *         add-on is not enabled. An agent whose path would have 1024 characters or more counts
+ *         as absent.
  */
 VORNAK_API int isVATranscodeExist(void);
 
@@ -506,6 +508,8 @@ VORNAK_API int isVATranscodeExist(void);
 /**
  * Finds the directory in which the appliance's well-known shares live.
  * @param root  receives the directory, ending in "/"; VORNAK_VOLUME_ROOT_SIZE bytes
+ * @return 0, or 1 with `root` untouched: no share, or the first one resolves to a path without
+ *         its name
  */
 VORNAK_API int getMainMountPath(char *root);
 
