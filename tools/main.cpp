@@ -12,9 +12,14 @@ namespace vornak::tool {
 namespace {
 
 constexpr AddSubcommand s_Subcommands[] = {
+    // in the order of the help text
     addDecide,
     addProfile,
-}; // in the order of the help text
+    addElements,
+    addCached,
+    addAppliance,
+    addLock,
+};
 
 int run(int argc, char **argv)
 {
@@ -24,8 +29,7 @@ int run(int argc, char **argv)
     app.set_version_flag("--version", "vornak " VORNAK_VERSION);
     app.require_subcommand(1);
     int status = kDone;
-    for (const AddSubcommand add : s_Subcommands)
-        if (add) add(app, status);
+    for (const AddSubcommand add : s_Subcommands) add(app, status);
     try {
         parseCommandLine(app, argc, argv);
     } catch (const CLI::Success &request) {

@@ -10,6 +10,10 @@ namespace vornak::tool {
 
 using AddSubcommand = void (*)(CLI::App &app, int &status);
 
+void addAppliance(CLI::App &app, int &status);
+void addCached(CLI::App &app, int &status);
+void addElements(CLI::App &app, int &status);
+void addLock(CLI::App &app, int &status);
 void addDecide(CLI::App &app, int &status);
 void addProfile(CLI::App &app, int &status);
 

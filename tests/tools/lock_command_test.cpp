@@ -1,0 +1,299 @@
+// vornak lock, as a program, on a lock that nobody else sees.
+#include "vornak.h"
+
+#include "tests/support/private_mounts.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <pty.h>
+#include <thread>
+
+namespace vornak::test {
+namespace {
+
+constexpr const char *kTool = VORNAK_CLI;
+
+/// The tool at work, with its standard output to read from.
+class Running {
+public:
+    explicit Running(std::vector<std::string> arguments)
+    {
+        int ends[2];
+        if (pipe(ends) != 0) throw std::runtime_error("pipe failed");
+        child_ = fork();
+        if (child_ == 0) {
+            dup2(ends[1], STDOUT_FILENO);
+            close(ends[0]);
+            close(ends[1]);
+            execute(arguments);
+        }
+        close(ends[1]);
+        out_ = ends[0];
+    }
+    ~Running() { close(out_); }
+    Running(const Running &) = delete;
+    Running &operator=(const Running &) = delete;
+
+    static void execute(std::vector<std::string> &arguments)
+    {
+        std::vector<char *> argv;
+        argv.reserve(arguments.size() + 1);
+        for (std::string &argument : arguments) argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        execv(argv[0], argv.data());
+        _exit(99);
+    }
+
+    std::string readLine() const
+    {
+        std::string line;
+        for (char c = 0; read(out_, &c, 1) == 1 && c != '\n';) line += c;
+        return line;
+    }
+
+    void send(int signal) const { kill(child_, signal); }
+
+    /// Waits until the tool has nothing to do.
+    void awaitSleep() const
+    {
+        const std::string file = "/proc/" + std::to_string(child_) + "/stat";
+        for (int i = 0; i < 500; ++i) {
+            std::string state;
+            std::ifstream(file) >> state >> state >> state;
+            if (state == "S") break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50)); // in the wait, not before it
+    }
+
+    int wait() const
+    {
+        int status = 0;
+        waitpid(child_, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+    }
+
+private:
+    pid_t child_ = -1;
+    int out_ = -1;
+};
+
+class LockCommandTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { whyNot() = enterPrivateMounts(); }
+    static std::string &whyNot()
+    {
+        static std::string reason;
+        return reason;
+    }
+
+    void SetUp() override
+    {
+        if (!whyNot().empty()) GTEST_SKIP() << whyNot();
+        shm_ = std::make_unique<ScopedMount>("none", "/dev/shm", "tmpfs");
+        ASSERT_TRUE(*shm_) << std::strerror(errno);
+    }
+
+    /// Creates the lock with that count.
+    static void setCount(int count)
+    {
+        ASSERT_EQ(Vornak_Mutex_Init(1), 0);
+        while (currentCount() > count) ASSERT_EQ(Vornak_Mutex_Lock(), 0);
+        while (currentCount() < count) ASSERT_EQ(Vornak_Mutex_Unlock(), 0);
+        Vornak_Mutex_Close();
+    }
+    static int currentCount()
+    {
+        int count = -1;
+        sem_getvalue(vornak_db_mutex, &count);
+        return count;
+    }
+    static int count()
+    {
+        EXPECT_EQ(Vornak_Mutex_Init(1), 0);
+        const int count = currentCount();
+        Vornak_Mutex_Close();
+        return count;
+    }
+
+    static std::vector<std::string> underLock(const std::string &script)
+    {
+        return {kTool, "lock", "run", "--", "/bin/sh", "-c", script};
+    }
+
+    std::unique_ptr<ScopedMount> shm_;
+    TempDir dir_;
+};
+
+constexpr int kAbsent = -1;
+
+TEST_F(LockCommandTest, StatusAndRepair)
+{
+    const struct {
+        int count;
+        const char *state, *json, *repaired;
+    } cases[] = {
+        {kAbsent, "absent, no process has opened it yet", R"("absent","count":null)",
+         "was absent, is free"},
+        {1, "free", R"("free","count":1)", "was free, is free"},
+        {0, "held", R"("held","count":0)", "was held, is free"},
+        {3, "free, but 3 processes may hold it at once: it was released too often",
+         R"("free","count":3)",
+         "was free, is free, but 3 processes may hold it at once: it was released too often"},
+    };
+    for (const auto &c : cases) {
+        sem_unlink("VORNAK_DB_SEM");
+        if (c.count != kAbsent) setCount(c.count);
+        EXPECT_EQ(run({kTool, "lock", "status"}).out,
+                  std::string("VORNAK_DB_SEM: ") + c.state + "\n");
+
+        std::string json = run({kTool, "lock", "status", "--json"}).out;
+        std::erase_if(json, [](char ch) { return ch == ' ' || ch == '\n'; });
+        EXPECT_EQ(json,
+                  std::string(
+                      R"({"document":"vornak-lock","version":1,"lock":"VORNAK_DB_SEM","state":)") +
+                      c.json + "}");
+        EXPECT_EQ(access("/dev/shm/sem.VORNAK_DB_SEM", F_OK) == 0, c.count != kAbsent);
+
+        const ProcessResult repaired = run({kTool, "lock", "repair"});
+        EXPECT_EQ(repaired.out, std::string("VORNAK_DB_SEM: ") + c.repaired + "\n");
+        EXPECT_EQ(repaired.status, 0);
+        EXPECT_EQ(count(), std::max(c.count, 1));
+    }
+}
+
+TEST_F(LockCommandTest, UnreadableLockIsAnError)
+{
+    std::filesystem::create_directory("/dev/shm/sem.VORNAK_DB_SEM");
+    for (const char *const action : {"status", "repair"}) {
+        const ProcessResult result = run({kTool, "lock", action});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, "vornak: can't open the lock VORNAK_DB_SEM: Is a directory\n");
+    }
+    const ProcessResult ran = run({kTool, "lock", "run", "--", "echo", "ran"});
+    EXPECT_EQ(ran.status, 2);
+    EXPECT_EQ(ran.out, "");
+}
+
+TEST_F(LockCommandTest, CommandRunsWithTheLockHeld)
+{
+    dir_.write("notExecutable", "");
+    const struct {
+        std::vector<std::string> command;
+        int status;
+        std::string out, err;
+    } cases[] = {
+        {{"/bin/sh", "-c", std::string(kTool) + " lock status"}, 0, "VORNAK_DB_SEM: held\n", ""},
+        {{"sh", "-c", "echo out; echo err >&2; exit 7"}, 7, "out\n", "err\n"},
+        {{"printf", "<%s>", "--", "a b", "$(id)", "--json", "-h"},
+         0,
+         "<--><a b><$(id)><--json><-h>",
+         ""},
+        {{"sh", "-c", "kill -TERM $$"}, 128 + SIGTERM, "", ""},
+        {{"sh", "-c", "kill -KILL $$"}, 128 + SIGKILL, "", ""},
+        {{"/no/such/\x1b[31m"},
+         127,
+         "",
+         "vornak: can't run /no/such/\\x1b[31m: No such file or directory\n"},
+        {{dir_ / "notExecutable"},
+         126,
+         "",
+         "vornak: can't run " + dir_ / "notExecutable" + ": Permission denied\n"},
+    };
+    for (const auto &c : cases) {
+        std::vector<std::string> arguments{kTool, "lock", "run", "--"};
+        arguments.insert(arguments.end(), c.command.begin(), c.command.end());
+        const ProcessResult result = run(arguments);
+        EXPECT_EQ(result.status, c.status) << c.command.front();
+        EXPECT_EQ(result.out, c.out);
+        EXPECT_EQ(result.err, c.err);
+        EXPECT_EQ(count(), 1) << c.command.back();
+    }
+}
+
+TEST_F(LockCommandTest, SignalsGoOnToTheCommand)
+{
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGUSR1, SIGALRM, SIGPIPE}) {
+        const Running dying(underLock("echo ready; exec sleep 60"));
+        EXPECT_EQ(dying.readLine(), "ready");
+        dying.send(signal);
+        EXPECT_EQ(dying.wait(), 128 + signal);
+        EXPECT_EQ(count(), 1);
+    }
+    // A command that takes its time keeps the lock until it is done.
+    const Running tidy(underLock("trap 'echo tidying; sleep 0.1; " + std::string(kTool) +
+                                 " lock status; exit 9' TERM; echo ready; "
+                                 "while :; do sleep 0.01; done"));
+    EXPECT_EQ(tidy.readLine(), "ready");
+    tidy.send(SIGTERM);
+    EXPECT_EQ(tidy.readLine(), "tidying");
+    EXPECT_EQ(tidy.readLine(), "VORNAK_DB_SEM: held");
+    EXPECT_EQ(tidy.wait(), 9);
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_F(LockCommandTest, CtrlCReachesTheCommandOnce)
+{
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::vector<std::string> arguments =
+            underLock("n=0; trap 'n=$((n+1))' INT; echo ready; "
+                      "while [ $n = 0 ]; do sleep 0.01; done; sleep 0.2; exit $((10+n))");
+        Running::execute(arguments);
+    }
+    std::string shown;
+    for (char c = 0; shown.find("ready") == std::string::npos && read(terminal, &c, 1) == 1;)
+        shown += c;
+    ASSERT_EQ(write(terminal, "\x03", 1), 1);
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(terminal);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 11);
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_F(LockCommandTest, OnlyTheUserEndsTheWait)
+{
+    setCount(0);
+    const Running patient(underLock("echo ran"));
+    patient.awaitSleep();
+    patient.send(SIGALRM); // interrupts the wait, but is nobody's wish to end it
+    patient.awaitSleep();
+    EXPECT_EQ(run({kTool, "lock", "repair"}).status, 0);
+    EXPECT_EQ(patient.readLine(), "ran");
+    EXPECT_EQ(patient.wait(), 0);
+    EXPECT_EQ(count(), 1);
+
+    setCount(0);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const Running impatient(underLock("echo ran"));
+        impatient.awaitSleep();
+        impatient.send(signal);
+        EXPECT_EQ(impatient.readLine(), "");
+        EXPECT_EQ(impatient.wait(), 128 + signal);
+        EXPECT_EQ(count(), 0); // still its holder's
+    }
+}
+
+TEST_F(LockCommandTest, CommandsExcludeOneAnother)
+{
+    const std::string counter = dir_.write("counter", "0\n");
+    const std::string add = std::string(kTool) + " lock run -- sh -c 'read n <" + counter +
+                            "; echo $((n+1)) >" + counter + "'";
+    const std::string often = "for i in 1 2 3 4 5 6 7 8 9 10; do " + add + "; done";
+    EXPECT_EQ(run({"sh", "-c", "(" + often + ")& (" + often + ")& (" + often + ")& wait"}).status,
+              0);
+    std::string total;
+    std::ifstream(counter) >> total;
+    EXPECT_EQ(total, "30");
+}
+
+} // namespace
+} // namespace vornak::test
