@@ -147,8 +147,10 @@ void settleBitRates(const MediaFile &file, std::vector<PlayedStream> &played)
 
 std::vector<std::int64_t> tableOfTimes(AVStream *stream)
 {
+    constexpr int kMostTimes = 100'000; // about an hour
+
     std::vector<std::int64_t> times;
-    const int count = avformat_index_get_entries_count(stream);
+    const int count = std::min(avformat_index_get_entries_count(stream), kMostTimes);
     times.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) times.push_back(avformat_index_get_entry(stream, i)->timestamp);
     return times;

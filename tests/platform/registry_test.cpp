@@ -1,4 +1,5 @@
 #include "registry_names.h"
+#include "vornak.h"
 #include "vornak_host.h"
 
 #include <gmock/gmock.h>
@@ -184,6 +185,17 @@ TEST(Codecs, WholeRangesHaveNames)
             EXPECT_TRUE(codecName(id).has_value()) << id;
     for (const int id : {-1, -2, 160, 0xFFFF, 0x1001C, 0x17002, 0x7FFFFFFF})
         EXPECT_EQ(codecName(id), std::nullopt) << id;
+}
+
+TEST(Codecs, WithADecoderInTheLibraryHaveNames)
+{
+    int decoders = 0;
+    for (int id = 1; id < 0x18000; ++id) {
+        if (!CodecId_To_GSTCodecStr(id, 0, 0, 0)) continue;
+        ++decoders;
+        EXPECT_TRUE(codecName(id).has_value()) << id;
+    }
+    EXPECT_EQ(decoders, 233);
 }
 
 TEST(Codecs, ComeBackFromTheirNames)

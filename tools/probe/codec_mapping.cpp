@@ -139,7 +139,9 @@ const char *nameOf(const AVCodecParameters &parameters)
         parameters.codec_id == AV_CODEC_ID_DTS && (parameters.profile == FF_PROFILE_DTS_HD_HRA ||
                                                    parameters.profile == FF_PROFILE_DTS_HD_MA ||
                                                    parameters.profile == FF_PROFILE_DTS_EXPRESS);
-    return isDtsHd ? "dtshd" : avcodec_get_name(parameters.codec_id);
+    if (isDtsHd) return "dtshd";
+    return parameters.codec_id == AV_CODEC_ID_NONE ? "unknown"
+                                                   : avcodec_get_name(parameters.codec_id);
 }
 
 /// The registry's id of the codec that goes by exactly this name. Aliases don't count: "avc" is

@@ -166,7 +166,7 @@ ContainerIdentity identifyContainer(const MediaFile &file)
     const ContainerName name = nameContainer(file);
     int id = 0;
     if (!name.container || ContainerFormatNameToID(name.container, name.subtype, &id) != 0)
-        return {kUnknownId, file.context()->iformat->name};
+        return {kUnknownId, isPictureContainer(file) ? "image" : file.context()->iformat->name};
     if (!name.subtype) return {id, name.container};
     return {id, std::string(name.container) + '/' + name.subtype};
 }

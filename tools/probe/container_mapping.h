@@ -9,7 +9,7 @@ class MediaFile;
 
 struct ContainerIdentity {
     int formatId = 0; ///< kUnknownId: not in the registry
-    std::string name; ///< "mp4/isom"; libavformat's for what the registry doesn't know
+    std::string name; ///< "mp4/isom"; "image", or libavformat's for what the registry doesn't know
 };
 
 ContainerIdentity identifyContainer(const MediaFile &file);

@@ -23,9 +23,13 @@ namespace {
 
 constexpr int kBufferSize = 32 * 1024;
 
-std::string systemError(int number)
+int openForReading(const std::string &path)
 {
-    return std::generic_category().message(number);
+    int number = -1;
+    // non-blocking, or a pipe without a writer would hold us up
+    do number = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    while (number < 0 && errno == EINTR);
+    return number;
 }
 
 /// Playlists open other files; by protocols of which none is allowed, or by refuseToOpen().
@@ -79,16 +83,9 @@ std::string notMedia()
 
 } // namespace
 
-MediaFile::MediaFile(const std::string &path)
+MediaFile::MediaFile(const std::string &path) : descriptor_(openForReading(path))
 {
-    keepFreedMemory();
-    startListeningToLibav();
-    if (openRegularFile(path)) openMedia(path);
-}
-
-MediaFile::Descriptor::~Descriptor()
-{
-    if (number >= 0) close(number);
+    if (isRegularFile()) openMedia(path);
 }
 
 void MediaFile::CloseIo::operator()(AVIOContext *io) const
@@ -102,14 +99,12 @@ void MediaFile::CloseContext::operator()(AVFormatContext *context) const
     avformat_close_input(&context);
 }
 
-bool MediaFile::openRegularFile(const std::string &path)
+/// Takes the size of the file that was opened just now, or says what is wrong with it.
+bool MediaFile::isRegularFile()
 {
-    // non-blocking, or a pipe without a writer would hold us up
-    do descriptor_.number = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    while (descriptor_.number < 0 && errno == EINTR);
     struct stat status {};
-    if (descriptor_.number < 0 || fstat(descriptor_.number, &status) != 0)
-        error_ = "can't be opened: " + systemError(errno);
+    if (!descriptor_ || fstat(descriptor_.get(), &status) != 0)
+        error_ = "can't be opened: " + std::generic_category().message(errno);
     else if (S_ISDIR(status.st_mode))
         error_ = "is a directory";
     else if (!S_ISREG(status.st_mode))
@@ -122,13 +117,15 @@ bool MediaFile::openRegularFile(const std::string &path)
 
 void MediaFile::openMedia(const std::string &path)
 {
+    keepFreedMemory();
+    startListeningToLibav();
     io_.reset(makeIo(this, readNext, seek));
-    AVFormatContext *context = avformat_alloc_context();
-    if (!context) throw std::bad_alloc();
+    context_.reset(avformat_alloc_context());
+    if (!context_) throw std::bad_alloc();
+    AVDictionary *options = forbidOtherFiles();
+    AVFormatContext *context = context_.release();
     context->pb = io_.get();
     context->io_open = refuseToOpen;
-
-    AVDictionary *options = forbidOtherFiles();
     const int status =
         avformat_open_input(&context, nameForGuessing(path).c_str(), nullptr, &options);
     av_dict_free(&options);
@@ -145,7 +142,7 @@ void MediaFile::openMedia(const std::string &path)
 
 std::span<const std::uint8_t> MediaFile::readStart(std::span<std::uint8_t> buffer) const
 {
-    const ssize_t got = pread(descriptor_.number, buffer.data(), buffer.size(), 0);
+    const ssize_t got = pread(descriptor_.get(), buffer.data(), buffer.size(), 0);
     return buffer.first(got > 0 ? static_cast<std::size_t>(got) : 0);
 }
 
@@ -153,7 +150,7 @@ int MediaFile::readNext(void *self, std::uint8_t *buffer, int size)
 {
     auto &file = *static_cast<MediaFile *>(self);
     ssize_t got = 0;
-    do got = pread(file.descriptor_.number, buffer, static_cast<std::size_t>(size), file.position_);
+    do got = pread(file.descriptor_.get(), buffer, static_cast<std::size_t>(size), file.position_);
     while (got < 0 && errno == EINTR);
     if (got < 0) return AVERROR(errno);
     if (got == 0) return AVERROR_EOF;

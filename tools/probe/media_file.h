@@ -1,6 +1,8 @@
 // A media file that is open for reading, with what libavformat found in it.
 #pragma once
 
+#include "descriptor.h"
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -30,13 +32,6 @@ public:
     std::span<const std::uint8_t> readStart(std::span<std::uint8_t> buffer) const;
 
 private:
-    struct Descriptor {
-        int number = -1;
-        Descriptor() = default;
-        ~Descriptor();
-        Descriptor(const Descriptor &) = delete;
-        Descriptor &operator=(const Descriptor &) = delete;
-    };
     struct CloseIo {
         void operator()(AVIOContext *io) const;
     };
@@ -44,7 +39,7 @@ private:
         void operator()(AVFormatContext *context) const;
     };
 
-    bool openRegularFile(const std::string &path);
+    bool isRegularFile();
     void openMedia(const std::string &path);
     static int readNext(void *self, std::uint8_t *buffer, int size);
     static std::int64_t seek(void *self, std::int64_t offset, int whence);
