@@ -1,7 +1,8 @@
 // Real images on real loop devices, in mounts and a /tmp that are this process's own.
 #include "host_functions.h"
+#include "tests/support/disc_images.h"
 #include "tests/support/leak_check.h"
-#include "tests/support/private_mounts.h"
+#include "tests/support/private_tmp.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 #include "vornak.h"
@@ -17,50 +18,24 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kDvd[] = "/tmp/dvd.squashfs", kBluray[] = "/tmp/bluray.ext4";
-
-/// Why no image can be mounted here, or the empty text.
-std::string makeImages()
-{
-    const TempDir source;
-    source.write("VIDEO_TS/VIDEO_TS.IFO", "");
-    source.write("VIDEO_TS/VTS_02_1.VOB", "film");
-    if (run({"mksquashfs", source / "", kDvd, "-quiet", "-no-progress"}).status != 0)
-        return "mksquashfs makes no image";
-    fs::rename(source / "VIDEO_TS", source / "BDMV");
-    source.write("BDMV/index.bdmv", "");
-    source.write("BDMV/STREAM/00001.m2ts", "film");
-    if (run({"mkfs.ext4", "-q", "-d", source / "", kBluray, "4M"}).status != 0)
-        return "mkfs.ext4 makes no image";
-    fs::create_directory("/tmp/trial");
-    fs::create_directory("/tmp/work");
-    const ProcessResult mounted = run({"mount", "-o", "loop,ro", kDvd, "/tmp/trial"});
-    if (mounted.status != 0) return "no loop mount: " + mounted.err;
-    return run({"umount", "/tmp/trial"}).err;
-}
-
 class MountIso : public LeakCheck {
 protected:
     static void SetUpTestSuite()
     {
-        s_whyNot = enterPrivateMounts();
-        if (s_whyNot.empty()) {
-            s_tmp.emplace("tmpfs", "/tmp", "tmpfs");
-            s_whyNot = *s_tmp ? makeImages() : "no tmpfs for /tmp";
-        }
+        s_tmp.emplace();
+        s_whyNot = s_tmp->whyNot().empty() ? makeDiscImages("/tmp/") : s_tmp->whyNot();
         LeakCheck::SetUpTestSuite();
     }
     static void TearDownTestSuite()
     {
         LeakCheck::TearDownTestSuite();
-        fs::current_path("/");
         s_tmp.reset();
     }
     void SetUp() override
     {
         if (!s_whyNot.empty()) GTEST_SKIP() << s_whyNot;
         hostFunctions() = {};
-        fs::current_path("/tmp/work");
+        fs::current_path("/tmp");
     }
     void TearDown() override
     {
@@ -81,7 +56,7 @@ protected:
     static inline std::string s_whyNot;
 
 private:
-    static inline std::optional<ScopedMount> s_tmp;
+    static inline std::optional<PrivateTmp> s_tmp;
 };
 
 bool isMounted(const std::string &path)
@@ -98,7 +73,7 @@ TEST_F(MountIso, mountsImagesOfAnyNameAndLeavesNothing)
         const TempDir images;
         const std::string folder = images / "a $HOME 'folder'/", image = folder + name;
         fs::create_directory(folder);
-        fs::copy(name == "plain.iso" ? kBluray : kDvd, image);
+        fs::copy(name == "plain.iso" ? "/tmp/bluray.iso" : "/tmp/dvd.iso", image);
         char mountPoint[VORNAK_MOUNT_POINT_SIZE];
         SCOPED_TRACE(name);
         ASSERT_EQ(mountIso(folder.c_str(), name.c_str(), mountPoint, sizeof mountPoint), 0);
@@ -118,7 +93,7 @@ TEST_F(MountIso, mountsOnAPlaceOfTheCallersChoice)
     const TempDir places;
     for (const std::string name : {"plain", "a b", "$(touch run)", "x;touch run", "it's\n-x*"}) {
         const std::string place = places / name;
-        EXPECT_EQ(mountIsoByPath("/tmp/", "dvd.squashfs", place.c_str()), 0) << name;
+        EXPECT_EQ(mountIsoByPath("/tmp/", "dvd.iso", place.c_str()), 0) << name;
         EXPECT_TRUE(isMounted(place)) << name;
         EXPECT_EQ(umountIso(place.c_str()), 0) << name;
         EXPECT_FALSE(fs::exists(place)) << name;
@@ -129,14 +104,14 @@ TEST_F(MountIso, mountsOnAPlaceOfTheCallersChoice)
 TEST_F(MountIso, findsTheTitleInsideAnImage)
 {
     char mountPoint[VORNAK_MOUNT_POINT_SIZE];
-    ASSERT_EQ(mountIso("/tmp/", "dvd.squashfs", mountPoint, sizeof mountPoint), 0);
+    ASSERT_EQ(mountIso("/tmp/", "dvd.iso", mountPoint, sizeof mountPoint), 0);
     DVD_FORMAT_ST dvd;
     EXPECT_EQ(parseDVDFormat((mountPoint + std::string("VIDEO_TS/")).c_str(), "VIDEO_TS.IFO", &dvd),
               0);
     EXPECT_EQ(dvd.titleNo, 2);
     EXPECT_EQ(dvd.totalSize, 4);
     EXPECT_EQ(umountIso(mountPoint), 0);
-    ASSERT_EQ(mountIso("/tmp/", "bluray.ext4", mountPoint, sizeof mountPoint), 0);
+    ASSERT_EQ(mountIso("/tmp/", "bluray.iso", mountPoint, sizeof mountPoint), 0);
     BD_FORMAT_ST disc;
     EXPECT_EQ(parseBDFormat((mountPoint + std::string("BDMV/")).c_str(), "index.bdmv", &disc), 0);
     EXPECT_STREQ(disc.fileName, "00001.m2ts");
@@ -159,13 +134,13 @@ TEST_F(MountIso, sweepsUpWhatIsMounted)
 {
     EXPECT_EQ(umountAllIso(), 1); // nothing there
     char one[VORNAK_MOUNT_POINT_SIZE], two[VORNAK_MOUNT_POINT_SIZE];
-    ASSERT_EQ(mountIso("/tmp/", "dvd.squashfs", one, sizeof one), 0);
-    ASSERT_EQ(mountIso("/tmp/", "bluray.ext4", two, sizeof two), 0);
+    ASSERT_EQ(mountIso("/tmp/", "dvd.iso", one, sizeof one), 0);
+    ASSERT_EQ(mountIso("/tmp/", "bluray.iso", two, sizeof two), 0);
     EXPECT_EQ(umountAllIso(), 0);
     EXPECT_EQ(mountPoints().size(), 0U);
 
     // A directory that isn't mounted fails the sweep before anything is removed.
-    ASSERT_EQ(mountIso("/tmp/", "dvd.squashfs", one, sizeof one), 0);
+    ASSERT_EQ(mountIso("/tmp/", "dvd.iso", one, sizeof one), 0);
     fs::create_directory("/tmp/Trans_mount_x");
     EXPECT_EQ(umountAllIso(), 1);
     EXPECT_EQ(mountPoints().size(), 2U);
@@ -182,7 +157,7 @@ TEST_F(MountIso, givesEachOfManyThreadsItsOwn)
         threads.emplace_back([&failed] {
             for (int i = 0; i < 4; ++i) {
                 char mountPoint[VORNAK_MOUNT_POINT_SIZE];
-                failed += mountIso("/tmp/", "dvd.squashfs", mountPoint, sizeof mountPoint);
+                failed += mountIso("/tmp/", "dvd.iso", mountPoint, sizeof mountPoint);
                 failed += !isMounted(mountPoint);
                 failed += umountIso(mountPoint);
             }
@@ -191,30 +166,18 @@ TEST_F(MountIso, givesEachOfManyThreadsItsOwn)
     EXPECT_EQ(failures, std::vector<int>(3));
 }
 
-constexpr char kMakeRoot[] = R"sh(
-mkdir -p /tmp/root/dev /tmp/root/proc /tmp/root/tmp /tmp/root/images
-cp /tmp/dvd.squashfs "/tmp/root/images/a 'film'.iso"
-for program in /bin/sh "$(command -v mount)" "$(command -v umount)" "$(command -v rmdir)"; do
-    cp -L --parents "$program" $(ldd "$program" | grep -o '/[^ ]*') /tmp/root
-done
-)sh";
-
-/// Another root directory, /tmp/root, with all that mounting needs.
 class MountIsoInRoot : public MountIso {
 protected:
     static void SetUpTestSuite()
     {
         MountIso::SetUpTestSuite();
         if (!s_whyNot.empty()) return;
-        s_whyNot = run({"sh", "-ec", kMakeRoot}).err;
-        s_devices.emplace("/dev", "/tmp/root/dev", nullptr, MS_BIND);
-        s_processes.emplace("/proc", "/tmp/root/proc", nullptr, MS_BIND);
-        if (!*s_devices || !*s_processes) s_whyNot = "no bind mounts";
+        s_root.emplace();
+        s_whyNot = s_root->whyNot();
     }
     static void TearDownTestSuite()
     {
-        s_devices.reset();
-        s_processes.reset();
+        s_root.reset();
         MountIso::TearDownTestSuite();
     }
     void SetUp() override
@@ -231,7 +194,7 @@ protected:
     static std::string inRoot(const char *path) { return std::string("/tmp/root") + path; }
 
 private:
-    static inline std::optional<ScopedMount> s_devices, s_processes;
+    static inline std::optional<OtherRoot> s_root;
 };
 
 TEST_F(MountIsoInRoot, mountsInsideAndStaysOutside)
@@ -241,7 +204,7 @@ TEST_F(MountIsoInRoot, mountsInsideAndStaysOutside)
     ASSERT_EQ(mountInRoot(mountPoint), 0);
     EXPECT_TRUE(fs::exists(inRoot(mountPoint) + "VIDEO_TS/VIDEO_TS.IFO"));
     EXPECT_FALSE(fs::exists(mountPoint));
-    EXPECT_TRUE(fs::exists(kDvd)); // this process's root is what it was
+    EXPECT_TRUE(fs::exists("/tmp/dvd.iso")); // this process's root is what it was
     EXPECT_EQ(fs::current_path(), before);
     EXPECT_EQ(chrootUmountIso(mountPoint, "/tmp/root"), 0);
     EXPECT_FALSE(fs::exists(inRoot(mountPoint)));

@@ -283,7 +283,9 @@ TEST_F(FindVideoSubtitles, searchesNoOtherFolderThanTheOneGiven)
 TEST_F(FindVideoSubtitles, findsOneAmongTenThousand)
 {
     const TempDir temp;
-    for (int i = 0; i < 10000; ++i) temp.write("Episode " + std::to_string(i) + ".srt", "");
+    const std::string file = temp.write("file", "");
+    for (int i = 0; i < 10000; ++i)
+        fs::create_hard_link(file, temp / ("Episode " + std::to_string(i) + ".srt"));
     List list;
     Capture out(STDOUT_FILENO);
     ASSERT_EQ(

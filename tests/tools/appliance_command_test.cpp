@@ -1,5 +1,6 @@
 // The subcommands that ask the appliance, on a stand-in for one.
 #include "stand_in_appliance.h"
+#include "tests/support/doc_examples.h"
 
 #include <gtest/gtest.h>
 
@@ -31,28 +32,6 @@ protected:
     std::unique_ptr<StandInAppliance> appliance_;
 };
 
-struct Example {
-    std::string command, output;
-};
-
-/// The indented commands of a page, after "$ ", with what it shows below them.
-std::vector<Example> readExamples(const std::string &page)
-{
-    std::vector<Example> examples;
-    std::ifstream file(page);
-    bool inOutput = false;
-    for (std::string line; std::getline(file, line);) {
-        inOutput = inOutput && line.starts_with("    ");
-        if (line.starts_with("    $ ")) {
-            examples.push_back({line.substr(6), ""});
-            inOutput = true;
-        } else if (inOutput) {
-            examples.back().output += line.substr(4) + "\n";
-        }
-    }
-    return examples;
-}
-
 TEST_F(ApplianceCommandTest, ThePageShowsWhatIsPrinted)
 {
     appliance_->installQueryTool();
@@ -67,9 +46,10 @@ TEST_F(ApplianceCommandTest, ThePageShowsWhatIsPrinted)
     appliance_->write("/share/Multimedia/other.mkv", "");
     appliance_->write("/share/Multimedia/.@__thumb/transcode/film.mkv.mp4_720p", "");
 
-    const std::vector<Example> examples = readExamples(VORNAK_SOURCE_DIR "/docs/appliance.md");
+    const std::vector<DocExample> examples =
+        readDocExamples(VORNAK_SOURCE_DIR "/docs/appliance.md");
     EXPECT_GE(examples.size(), 10U);
-    for (const Example &example : examples)
+    for (const DocExample &example : examples)
         EXPECT_EQ(run("(" + example.command + ") 2>&1").out, example.output) << example.command;
 }
 
