@@ -15,6 +15,8 @@ constexpr AddSubcommand s_Subcommands[] = {
     // in the order of the help text
     addDecide,
     addProfile,
+    addSubtitles,
+    addDisc,
     addElements,
     addCached,
     addAppliance,

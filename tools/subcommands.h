@@ -16,5 +16,7 @@ void addElements(CLI::App &app, int &status);
 void addLock(CLI::App &app, int &status);
 void addDecide(CLI::App &app, int &status);
 void addProfile(CLI::App &app, int &status);
+void addSubtitles(CLI::App &app, int &status);
+void addDisc(CLI::App &app, int &status);
 
 } // namespace vornak::tool

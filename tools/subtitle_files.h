@@ -1,6 +1,7 @@
 // The subtitle files that lie beside a video.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,8 +14,18 @@ struct SubtitleFile {
     std::string language;  ///< as the name tags it; empty: not at all
 };
 
-/// The files that the library finds, nine at most, in the byte order of their names; none for a
-/// folder that can't be read. The library names its candidates on standard output meanwhile.
+struct SubtitleSearch {
+    std::string errorCode, error; ///< why the folder can't be searched; empty: it was
+    std::vector<SubtitleFile> files;
+    bool full = false;                   ///< the library's list ends here, there may be more
+    std::optional<std::string> plainSrt; ///< name of the SRT file that has the video's name
+};
+
+/// The files that the library finds, nine at most, in the byte order of their names. The library
+/// names its candidates on standard output meanwhile.
+SubtitleSearch searchSubtitles(const std::string &videoPath);
+
+/// The files alone; none for a folder that can't be searched.
 std::vector<SubtitleFile> findSubtitleFiles(const std::string &videoPath);
 
 } // namespace vornak::tool
