@@ -9,22 +9,27 @@
 #include <memory>
 #include <string>
 
+static void put(char *buffer, const char *text)
+{
+    std::memcpy(buffer, text, std::strlen(text) + 1);
+}
+
 int CodecIDToName(char *name, int id)
 {
-    std::strcpy(name, id == 28 ? "CODEC_ID_H264" : "CODEC_ID_AAC");
+    put(name, id == 28 ? "CODEC_ID_H264" : "CODEC_ID_AAC");
     return 0;
 }
 
 int ProfileIDToName(char *name, int, int codecId)
 {
-    std::strcpy(name, codecId == 28 ? "High" : "LC");
+    put(name, codecId == 28 ? "High" : "LC");
     return 0;
 }
 
 int ContainerFormatIDToName(char *name, char *subtype, int)
 {
-    std::strcpy(name, "FORMAT_MP4");
-    std::strcpy(subtype, "BRAND_isom");
+    put(name, "FORMAT_MP4");
+    put(subtype, "BRAND_isom");
     return 0;
 }
 

@@ -46,7 +46,7 @@ void writeHead(const DecideOptions &options, const DecisionRequest &request,
 {
     for (const std::string &warning : session.warnings())
         complain(fmt::format("warning: {}: {}", printable(options.profile), warning));
-    if (options.json) writeOut(jsonHead(options, request, session));
+    if (options.json) writeOut(jsonHead("vornak-decide", options, request, session));
 }
 
 /// Which agent is installed. The shell that runs the query tool may have something to say.

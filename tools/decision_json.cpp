@@ -238,8 +238,8 @@ Json pathFields(const std::string &path)
 
 } // namespace
 
-std::string jsonHead(const DecisionOptions &options, const DecisionRequest &request,
-                     const ProfileSession &session)
+std::string jsonHead(std::string_view document, const DecisionOptions &options,
+                     const DecisionRequest &request, const ProfileSession &session)
 {
     Json profile = pathFields(options.profile);
     profile["device"] = printable(session.profile().deviceName);
@@ -251,7 +251,7 @@ std::string jsonHead(const DecisionOptions &options, const DecisionRequest &requ
                         {"audioTrack", request.audioTrack > 0 ? Json(request.audioTrack) : Json()},
                         {"matchVideo", request.matchVideo},
                         {"playExceptions", playExceptionTexts(request.extraPlayExceptions)}};
-    return "{\"document\":\"vornak-decide\",\"version\":" + std::to_string(kVersion) +
+    return "{\"document\":" + Json(document).dump() + ",\"version\":" + std::to_string(kVersion) +
            ",\n\"profile\":" + profile.dump() + ",\n\"options\":" + asked.dump() +
            ",\n\"files\":[\n";
 }

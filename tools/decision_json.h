@@ -5,6 +5,7 @@
 #include "explanation.h"
 
 #include <string>
+#include <string_view>
 
 namespace vornak::tool {
 
@@ -12,9 +13,9 @@ class ProfileSession;
 struct Surroundings;
 struct DecisionOptions;
 
-/// The document up to its list of files.
-std::string jsonHead(const DecisionOptions &options, const DecisionRequest &request,
-                     const ProfileSession &session);
+/// The document up to its list of files. @param document  what it is called
+std::string jsonHead(std::string_view document, const DecisionOptions &options,
+                     const DecisionRequest &request, const ProfileSession &session);
 
 /// An entry of the list, without the comma.
 std::string jsonOf(const std::string &path, const Decision &decision,

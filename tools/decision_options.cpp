@@ -64,15 +64,12 @@ void addMediaArgument(CLI::App &command, std::vector<std::string> &media)
         ->type_name("");
 }
 
-void addDecisionOptions(CLI::App &command, DecisionOptions &options)
+void addMatchingOptions(CLI::App &command, DecisionOptions &options)
 {
-    addProfileOption(command, options.profile);
-    addMediaArgument(command, options.media);
     command
         .add_option("--prefer", options.prefer,
                     "Container to prefer for the output, where the rules list it")
         ->type_name("CONTAINER[/SUBTYPE]");
-    command.add_flag("--force", options.force, "Transcode whatever the rules say");
     command
         .add_option("--audio-track", options.audioTrack,
                     "Decide for this audio track, counted from 1; a video is then transcoded, "
@@ -87,6 +84,14 @@ void addDecisionOptions(CLI::App &command, DecisionOptions &options)
         ->type_name("NAME")
         ->expected(1)
         ->take_all();
+}
+
+void addDecisionOptions(CLI::App &command, DecisionOptions &options)
+{
+    addProfileOption(command, options.profile);
+    addMediaArgument(command, options.media);
+    addMatchingOptions(command, options);
+    command.add_flag("--force", options.force, "Transcode whatever the rules say");
 }
 
 DecisionRequest resolve(const DecisionOptions &options)

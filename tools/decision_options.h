@@ -26,7 +26,10 @@ struct DecisionOptions {
 void addProfileOption(CLI::App &command, std::string &profile);
 void addMediaArgument(CLI::App &command, std::vector<std::string> &media);
 
-/// The above, and those that reach the library's arguments.
+/// Those that reach the library's arguments, but for `force`.
+void addMatchingOptions(CLI::App &command, DecisionOptions &options);
+
+/// All of the above, with --force.
 void addDecisionOptions(CLI::App &command, DecisionOptions &options);
 
 /// Looks the names up in the registry. Throws std::runtime_error with a line for the user.

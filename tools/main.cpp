@@ -11,16 +11,10 @@
 namespace vornak::tool {
 namespace {
 
+// in the order of the help text
 constexpr AddSubcommand s_Subcommands[] = {
-    // in the order of the help text
-    addDecide,
-    addProfile,
-    addSubtitles,
-    addDisc,
-    addElements,
-    addCached,
-    addAppliance,
-    addLock,
+    addDecide, addProfile,  addCommand, addTranscode, addLength, addSubtitles,
+    addDisc,   addElements, addCached,  addAppliance, addLock,
 };
 
 int run(int argc, char **argv)

@@ -48,8 +48,15 @@ void writeOut(std::string_view text)
     _exit(kIncomplete);
 }
 
+std::mutex &standardErrorMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
 void complain(std::string_view message)
 {
+    const std::lock_guard alone(standardErrorMutex());
     writeAll(STDERR_FILENO, fmt::format("vornak: {}\n", message));
 }
 

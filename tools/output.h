@@ -1,6 +1,7 @@
 // Standard output and standard error of the tool.
 #pragma once
 
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,9 @@ void writeOut(std::string_view text);
 
 /// Writes "vornak: MESSAGE" and a line end to standard error. Texts from outside come printable().
 void complain(std::string_view message);
+
+/// Held by whoever writes to standard error, and by whoever diverts it while threads are at work.
+std::mutex &standardErrorMutex();
 
 /// Opens those of the three standard descriptors that the caller has closed, so that no file
 /// takes their place.

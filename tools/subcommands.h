@@ -12,11 +12,14 @@ using AddSubcommand = void (*)(CLI::App &app, int &status);
 
 void addAppliance(CLI::App &app, int &status);
 void addCached(CLI::App &app, int &status);
-void addElements(CLI::App &app, int &status);
-void addLock(CLI::App &app, int &status);
+void addCommand(CLI::App &app, int &status);
 void addDecide(CLI::App &app, int &status);
+void addDisc(CLI::App &app, int &status);
+void addElements(CLI::App &app, int &status);
+void addLength(CLI::App &app, int &status);
+void addLock(CLI::App &app, int &status);
 void addProfile(CLI::App &app, int &status);
 void addSubtitles(CLI::App &app, int &status);
-void addDisc(CLI::App &app, int &status);
+void addTranscode(CLI::App &app, int &status);
 
 } // namespace vornak::tool
