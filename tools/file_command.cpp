@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace vornak::tool {
@@ -21,6 +22,12 @@ std::string orNone(std::string_view text)
 std::string orNone(const char *text)
 {
     return text ? printable(text) : "none";
+}
+
+/// Every limit has a blank before it.
+std::string_view withoutBlank(std::string_view limits)
+{
+    return limits.substr(std::min(limits.find_first_not_of(' '), limits.size()));
 }
 
 Json orNull(const char *text)
@@ -56,7 +63,7 @@ std::string commandLines(const TranscodeCommand &command, const FileCommand &fil
         "  limits exceeded, dialect {}: {}\n"
         "  target format tag: {}\n"
         "  output: MIME type {}, DLNA profile {}\n",
-        printable(command.options), command.dialect, orNone(std::string_view(command.limits)),
+        printable(command.options), command.dialect, orNone(withoutBlank(command.limits)),
         orNone(std::string_view(command.tag)), orNone(command.mime), orNone(command.dlnaProfile));
     if (file.decision->isVideo)
         text += fmt::format("  video rule: frame value {}, hardware transcoder {}\n", command.frame,

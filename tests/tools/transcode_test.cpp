@@ -45,7 +45,7 @@ constexpr const char *kWrong = R"(<DEVICE NAME="Wrong">
     </ACODEC>
   </MUSIC>
   <VIDEO>
-    <VCODEC NAME="mpeg4" OPTION="-c:v nosuch">
+    <VCODEC NAME="h264" OPTION="-c:v nosuch">
       <ACODEC NAME="mp3" OPTION="-c:a libmp3lame"><FORMAT NAME="avi" OPTION="-f avi"/></ACODEC>
     </VCODEC>
   </VIDEO>
@@ -53,14 +53,14 @@ constexpr const char *kWrong = R"(<DEVICE NAME="Wrong">
 )";
 constexpr const char *kForbids = R"(<DEVICE NAME="Forbids">
   <MUSIC>
-    <ACODEC NAME="mp3"><FORMAT NAME="mp3" NOTRANSCODE="1"/></ACODEC>
+    <ACODEC NAME="mp3"><FORMAT NAME="mp3" NONSEEKABLE="1" NOTRANSCODE="1"/></ACODEC>
   </MUSIC>
 </DEVICE>
 )";
 constexpr const char *kPcm = R"(<DEVICE NAME="Pcm">
   <MUSIC>
-    <ACODEC NAME="pcm_s16le" OPTION="-c:a pcm_s16le -ar 44100 -ac 2">
-      <FORMAT NAME="wav" OPTION="%s"/>
+    <ACODEC NAME="pcm_s16le" OPTION="-c:a %c -ar 44100 -ac 2">
+      <FORMAT NAME="wav" OPTION="%f"/>
     </ACODEC>
   </MUSIC>
 </DEVICE>
@@ -74,16 +74,18 @@ protected:
         s_Dir->write("limits.xml", kLimits);
         s_Dir->write("wrong.xml", kWrong);
         s_Dir->write("forbids.xml", kForbids);
-        const auto pcm = [](const char *name, std::string_view container) {
+        const auto pcm = [](const char *name, const char *codec, const char *container) {
             std::string profile = kPcm;
-            profile.replace(profile.find("%s"), 2, container);
+            profile.replace(profile.find("%c"), 2, codec);
+            profile.replace(profile.find("%f"), 2, container);
             s_Dir->write(name, profile);
         };
-        pcm("pcm.xml", "-f wav -fflags +bitexact -map_metadata -1");
-        pcm("pcm-plain.xml", "-f wav");
-        pcm("pcm-bext.xml", "-f wav -write_bext 1");
-        pcm("pcm-raw.xml", "-f s16le");
-        pcm("pcm-aiff.xml", "-f aiff -c:a pcm_s16be");
+        pcm("pcm.xml", "pcm_s16le", "-f wav -fflags +bitexact -map_metadata -1");
+        pcm("pcm-plain.xml", "pcm_s16le", "-f wav");
+        pcm("pcm-bext.xml", "pcm_s16le", "-f wav -write_bext 1");
+        pcm("pcm-raw.xml", "pcm_s16le", "-f s16le");
+        pcm("pcm-aiff.xml", "pcm_s16be", "-f aiff");
+        pcm("pcm-aifc.xml", "pcm_s16le", "-f aiff");
         make("film.mkv", "testsrc2=s=320x240:r=25", "c=5.1:s=48000",
              "-c:v mpeg4 -b:v 2M -c:a flac -t 2");
         make("tracks.mkv", "testsrc2=s=160x120:r=25", "c=stereo:s=44100",
@@ -377,6 +379,10 @@ TEST_F(Transcode, LengthIsWhatComesOut)
          "song.flac: 529244 bytes for 3 s, 44 of them the header; 132300 frames\n"
          "produced: 529888 bytes, 688 of them the header: the sizes differ\n"
          "  header: +644 bytes\n"},
+        {"pcm-aifc.xml", "song.flac", 1,
+         "song.flac: 529254 bytes for 3 s, 54 of them the header; 132300 frames\n"
+         "produced: 529272 bytes, 72 of them the header: the sizes differ\n"
+         "  header: +18 bytes\n"},
         {"pcm.xml", "fraction.flac", 1,
          "fraction.flac: 529244 bytes for 3 s, 44 of them the header; 132300 frames\n"
          "produced: 458684 bytes, 44 of them the header: the sizes differ\n"

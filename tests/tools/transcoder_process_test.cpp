@@ -61,7 +61,7 @@ TEST(TranscoderProcess, ReportsItsEnd)
          {"29991", "29992", "29993", "29994", "29995", "29996", "29997", "29998", "29999",
           "30000"}},
         {"sleep 2 & exit 3", 3, {}}, // somebody keeps the pipes open
-        {"cat", 0, {}},                // nothing to read
+        {"cat", 0, {}},              // nothing to read
     };
     for (const auto &c : cases) {
         const auto end = runScript(c.script);
