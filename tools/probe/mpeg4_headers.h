@@ -1,4 +1,4 @@
-// What the headers of an MPEG-4 part 2 stream say of the features that many players lack.
+// What the headers of an MPEG-4 Visual stream say of the features that many players lack.
 #pragma once
 
 #include <cstdint>
