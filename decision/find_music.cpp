@@ -63,16 +63,19 @@ int findMusic(const AudioRule *table, const AudioSource &source, const Request &
         transcoding = true;
     }
     for (;;) {
-        const AudioRule &rule = table[positionOf(index)];
+        // Read back below instead of remembered: a host that wants neither index may pass one
+        // variable for both.
+        *answer.audioIndex = index;
         int dstFormatId = 0;
         const int result =
-            findFormat(rule.pFormatTable, request, transcoding,
+            findFormat(table[positionOf(index)].pFormatTable, request, transcoding,
                        {nullptr, answer.formatIndex, answer.mime, answer.pn, &dstFormatId});
         const bool chosen = result != VORNAK_NO_TABLE;
-        *answer.audioIndex = index;
         if (chosen && answer.dstFormatId) *answer.dstFormatId = dstFormatId;
-        if (pIsWavPcm) *pIsWavPcm = chosen && isPcm(rule.aCodecId) && dstFormatId == kWav;
-        if (result != VORNAK_NOT_ALLOWED || index == kTranscode) return result;
+        if (pIsWavPcm)
+            *pIsWavPcm = chosen && isPcm(table[positionOf(*answer.audioIndex)].aCodecId) &&
+                         dstFormatId == kWav;
+        if (result != VORNAK_NOT_ALLOWED || *answer.audioIndex == kTranscode) return result;
 
         // The stream fits, but no container does and none may be made: transcode it all.
         index = kTranscode;

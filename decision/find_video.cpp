@@ -48,7 +48,7 @@ int findVideo(const VideoRule *table, const VideoSource &video, const AudioSourc
     const VideoRule &rule = table[positionOf(index)];
     const int result = findMusic(rule.pAudioTable, audio, request, transcoding, nullptr, answer);
     if (rule.noTranscode != 1) return result;
-    if (!isTranscoded(index) && !isTranscoded(*answer.audioIndex) &&
+    if (!isTranscoded(*pVideoIndex) && !isTranscoded(*answer.audioIndex) &&
         !isTranscoded(*answer.formatIndex))
         return result;
 

@@ -121,7 +121,7 @@ typedef struct TRANSCODE_VIDEO_MAPPING_ST {
     int vaTranscode;   /* not 0: the hardware transcoder may serve this rule */
     int frame;         /* for the host */
     int tolerance;     /* pixels; above 0 the size limits become sizes to lie this close to */
-    int playException; /* set of exception bits: a source with no others is transcoded */
+    int playException; /* exception bits: a source whose own all lie in this set is refused */
     char *option;      /* transcoder options for this codec; may be null */
     int noTranscode;   /* 1: refuse the file if anything of it needs transcoding */
     int count;         /* VCODEC elements in the section */
@@ -209,7 +209,8 @@ VORNAK_API TRANSCODE_DEVICE_PROFILE_ST *ParseSingleTranscodeXML(const char *path
  * @param pIsWavPcm       may be null; receives 1 for linear PCM in WAV, else 0
  * @param forceTranscode  not 0: transcode whatever the rules say
  * @return VORNAK_DECIDED: something is transcoded; VORNAK_KEPT: the file can be sent as it is,
- *         or there is no table (then nothing is written, or *pAudioIndex alone);
+ *         or a table is missing: *pIsWavPcm is then 0, and of the other outputs those are
+ *         written that were decided before;
  *         VORNAK_NONSEEKABLE, VORNAK_NOT_ALLOWED
  */
 VORNAK_API int getMusicTranscodeIndex2(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACodecId,

@@ -6,6 +6,7 @@
 #include "video_rules.h"
 
 #include <cstdlib>
+#include <cxxabi.h>
 #include <new>
 
 namespace vornak {
@@ -31,12 +32,13 @@ void loadVideo(TRANSCODE_DEVICE_PROFILE_ST &profile, const XMLNode &device)
     if (!section.isEmpty()) parseVideoRules(&profile.pVideoTable, section);
 }
 
-/// The document's root, or the empty node.
-XMLNode openDocument(const char *path)
+/// The document's DEVICE, or the empty node.
+XMLNode openDevice(const char *path)
 {
     int error = 0;
     XMLNode document = XMLNode::openFileHelper(path, &error);
-    if (error != 0) document = XMLNode::emptyXMLNode;
+    if (error == 0) return document.getChildNode("DEVICE", 0);
+    document = XMLNode::emptyXMLNode;
     return document;
 }
 
@@ -48,9 +50,7 @@ TRANSCODE_DEVICE_PROFILE_ST *ParseSingleTranscodeXML(const char *path, int media
 try {
     using namespace vornak;
     if (!path) return nullptr;
-    const XMLNode document = openDocument(path);
-    if (document.isEmpty()) return nullptr;
-    const XMLNode device = document.getChildNode("DEVICE", 0);
+    const XMLNode device = openDevice(path);
     if (device.isEmpty()) return nullptr;
 
     ProfileOwner profile = allocateProfile();
@@ -63,6 +63,8 @@ try {
     if (mediaFlags & VORNAK_MEDIA_MUSIC) loadMusic(*profile, device);
     if (mediaFlags & VORNAK_MEDIA_VIDEO) loadVideo(*profile, device);
     return profile.release();
+} catch (abi::__forced_unwind &) { // the thread is being cancelled
+    throw;
 } catch (...) { // out of memory, or whatever a host's function throws
     return nullptr;
 }
