@@ -107,7 +107,7 @@ nlohmann::ordered_json toJson(const Question &question, const Answer &answer)
     return json;
 }
 
-int run(bool asJson)
+int runAppliance(bool asJson)
 {
     std::string text;
     nlohmann::ordered_json json{{"document", "vornak-appliance"}, {"version", 1}};
@@ -132,7 +132,7 @@ void addAppliance(CLI::App &app, int &status)
     command->footer("Examples:\n"
                     "  vornak appliance\n"
                     "  vornak appliance --json | jq -r .agent.answer\n");
-    command->callback([asJson, &status] { status = run(*asJson); });
+    command->callback([asJson, &status] { status = runAppliance(*asJson); });
 }
 
 } // namespace vornak::tool

@@ -46,18 +46,17 @@ nlohmann::ordered_json toJson(const std::string &path, const std::optional<std::
     return json;
 }
 
-int run(const CachedOptions &options)
+int runCached(const CachedOptions &options)
 {
     int status = kDone;
     auto files = nlohmann::ordered_json::array();
     MediaList list(options.media, std::cin);
     while (const std::optional<MediaItem> item = list.next()) {
         if (!item->error.empty()) {
-            complain(fmt::format("{}: {}", printable(item->path), item->error));
+            status = complainOf(item->path, item->error);
             files.push_back({{"path", printable(item->path)},
                              {"pathHex", hexBytes(item->path)},
                              {"error", item->error}});
-            status = kIncomplete;
             continue;
         }
         const std::optional<std::string> copy = findCopy(options, item->path);
@@ -95,7 +94,7 @@ void addCached(CLI::App &app, int &status)
     command->footer("Examples:\n"
                     "  vornak cached --tags 720p mp4 film.mkv\n"
                     "  vornak cached --tags 720p mp4 --json /share/Multimedia\n");
-    command->callback([options, &status] { status = run(*options); });
+    command->callback([options, &status] { status = runCached(*options); });
 }
 
 } // namespace vornak::tool

@@ -21,10 +21,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr const char *kHelp =
+constexpr const char *kCommandHelp =
     R"(Prints what a transcoder is to do about each media file, and what is announced of the output.)";
 
-constexpr const char *kExamples = R"(Examples:
+constexpr const char *kCommandExamples = R"(Examples:
   vornak command -p tv.xml film.mkv
       the option texts of the appliance's transcoder, and the line for a stock ffmpeg
   vornak command -p tv.xml --dialect 2 film.mkv
@@ -64,7 +64,7 @@ std::string_view separatorOf(Form form)
     return form == Form::Shell ? "" : "\n";
 }
 
-int run(const CommandOptions &options)
+int runCommand(const CommandOptions &options)
 {
     const Form form = options.form();
     const DecisionRequest request = resolve(options);
@@ -93,7 +93,7 @@ int run(const CommandOptions &options)
 void addCommand(CLI::App &app, int &status)
 {
     auto options = std::make_shared<CommandOptions>();
-    CLI::App *command = app.add_subcommand("command", kHelp);
+    CLI::App *command = app.add_subcommand("command", kCommandHelp);
     addDecisionOptions(*command, *options);
     addDialectOption(*command, options->dialect);
     auto *json = command->add_flag("--json", options->json, "Print a JSON document");
@@ -101,8 +101,8 @@ void addCommand(CLI::App &app, int &status)
         ->add_flag("--shell", options->shell,
                    "Print one ffmpeg line per file for a shell, and a comment for what needs none")
         ->excludes(json);
-    command->footer(kExamples);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kCommandExamples);
+    command->callback([options, &status] { status = runCommand(*options); });
 }
 
 } // namespace vornak::tool

@@ -18,10 +18,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr const char *kHelp =
+constexpr const char *kDecideHelp =
     R"(Says for each media file what a player takes of it as it is, what must be transcoded, and why.)";
 
-constexpr const char *kExamples = R"(Examples:
+constexpr const char *kDecideExamples = R"(Examples:
   vornak decide -p tv.xml film.mkv
       what the TV takes of the film, what is transcoded, and the rule that says so
   vornak decide -p tv.xml --explain film.mkv
@@ -56,7 +56,7 @@ int askForHardware()
     return isVATranscodeExist();
 }
 
-int run(const DecideOptions &options)
+int runDecide(const DecideOptions &options)
 {
     claimStandardOutput();
     const DecisionRequest request = resolve(options);
@@ -89,13 +89,13 @@ int run(const DecideOptions &options)
 void addDecide(CLI::App &app, int &status)
 {
     auto options = std::make_shared<DecideOptions>();
-    CLI::App *command = app.add_subcommand("decide", kHelp);
+    CLI::App *command = app.add_subcommand("decide", kDecideHelp);
     addDecisionOptions(*command, *options);
     command->add_flag("--explain", options->explain,
                       "List every rule visited and all that refuses the file there");
     command->add_flag("--json", options->json, "Print a JSON document");
-    command->footer(kExamples);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kDecideExamples);
+    command->callback([options, &status] { status = runDecide(*options); });
 }
 
 } // namespace vornak::tool

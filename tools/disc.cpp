@@ -26,10 +26,10 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr const char *kHelp =
+constexpr const char *kDiscHelp =
     "Says whether a folder or an image is a DVD or a Blu-ray, and which files hold its main title";
 
-constexpr const char *kExamples = R"(Examples:
+constexpr const char *kDiscExamples = R"(Examples:
   vornak disc /media/films/holiday
       a folder that holds VIDEO_TS or BDMV
   sudo vornak disc film.iso
@@ -175,15 +175,15 @@ std::string documentOf(const std::string &path, const DiscResult &result)
     return json.dump(2) + '\n';
 }
 
-struct Report {
+struct DiscReport {
     std::string out, complaint;
 };
 
-Report reportOn(const Options &options)
+DiscReport reportOn(const Options &options)
 {
     const DiscResult result = read(options);
     const auto *error = std::get_if<DiscError>(&result);
-    Report report;
+    DiscReport report;
     if (options.json)
         report.out = documentOf(options.path, result);
     else if (!error)
@@ -193,22 +193,22 @@ Report reportOn(const Options &options)
 }
 
 /// The same where an image is mounted for it, which must be unmounted whatever happens.
-Report reportOnImage(const Options &options)
+DiscReport reportOnImage(const Options &options)
 {
     const std::string both = runShielded([&] {
-        const Report report = reportOn(options);
+        const DiscReport report = reportOn(options);
         return report.complaint + '\0' + report.out;
     });
     const std::size_t end = both.find('\0');
     return {both.substr(end + 1), both.substr(0, end)};
 }
 
-int run(const Options &options)
+int runDisc(const Options &options)
 {
     if (options.path.empty()) throw CLI::RequiredError("PATH");
     std::error_code ignored;
     const bool isFolder = fs::is_directory(options.place.root + options.path, ignored);
-    const Report report = isFolder ? reportOn(options) : reportOnImage(options);
+    const DiscReport report = isFolder ? reportOn(options) : reportOnImage(options);
     writeOut(report.out);
     if (report.complaint.empty()) return kDone;
     complain(report.complaint);
@@ -220,7 +220,7 @@ int run(const Options &options)
 void addDisc(CLI::App &app, int &status)
 {
     auto options = std::make_shared<Options>();
-    CLI::App *command = app.add_subcommand("disc", kHelp);
+    CLI::App *command = app.add_subcommand("disc", kDiscHelp);
     command->add_option("PATH", options->path, "Folder or image of a disc")->type_name("");
     command->add_option("--root", options->place.root, "Mount inside this root directory")
         ->type_name("DIR");
@@ -230,7 +230,7 @@ void addDisc(CLI::App &app, int &status)
                      "fresh one under /tmp")
         ->type_name("DIR");
     command->add_flag("--json", options->json, "Print a JSON document");
-    command->footer(kExamples);
+    command->footer(kDiscExamples);
 
     CLI::App *sweep =
         command->add_subcommand(kUnmountAll, "Unmounts every image that the library has mounted");
@@ -238,7 +238,7 @@ void addDisc(CLI::App &app, int &status)
     sweep->callback([&status] { status = unmountAll(); });
     command->require_subcommand(0, 1);
     command->callback([options, command, sweep, &status] {
-        if (!command->got_subcommand(sweep)) status = run(*options);
+        if (!command->got_subcommand(sweep)) status = runDisc(*options);
     });
 }
 

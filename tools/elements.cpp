@@ -144,7 +144,7 @@ nlohmann::ordered_json toJson(const Elements &elements, std::optional<int> hardw
     return json;
 }
 
-int run(const ElementsOptions &options)
+int runElements(const ElementsOptions &options)
 {
     const Elements elements =
         options.all ? listElements(options.hardwareClass) : findElements(options);
@@ -180,7 +180,7 @@ void addElements(CLI::App &app, int &status)
     command->callback([=, &status] {
         if (!options->all && options->codec.empty() && options->container.empty())
             throw CLI::RequiredError("--codec, --container or --list");
-        status = run(*options);
+        status = runElements(*options);
     });
 }
 

@@ -19,10 +19,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr const char *kHelp =
+constexpr const char *kLengthHelp =
     R"(Estimates the size of a music file that is transcoded to linear PCM.)";
 
-constexpr const char *kExamples = R"(Examples:
+constexpr const char *kLengthExamples = R"(Examples:
   vornak length -p hifi.xml song.mp3
       the size that a server announces before there is any output
   vornak length -p hifi.xml --verify song.mp3
@@ -36,12 +36,6 @@ struct LengthOptions : DecisionOptions {
     std::string ffmpeg = "ffmpeg";
     bool verify = false;
 };
-
-int fail(const std::string &path, std::string_view why)
-{
-    complain(fmt::format("{}: {}", printable(path), why));
-    return kIncomplete;
-}
 
 /// Why the library makes no estimate.
 std::string_view refusalOf(const Decision &decision)
@@ -80,14 +74,15 @@ int compare(const PcmEstimate &pcm, const std::string &output)
 int verify(const LengthOptions &options, const Decision &decision, const PcmEstimate &pcm)
 {
     const auto made = makeCommand(decision, 1);
-    if (const auto *problem = std::get_if<std::string>(&made)) return fail(options.file, *problem);
+    if (const auto *problem = std::get_if<std::string>(&made))
+        return complainOf(options.file, *problem);
     WorkFile work(std::filesystem::temp_directory_path());
     const int status = transcode(options.ffmpeg, options.file, decision,
                                  std::get<TranscodeCommand>(made), work.path());
     return status == kDone ? compare(pcm, work.path()) : status;
 }
 
-int run(const LengthOptions &options)
+int runLength(const LengthOptions &options)
 {
     const DecisionRequest request = resolve(options);
     const ProfileSession session(options.profile);
@@ -95,10 +90,10 @@ int run(const LengthOptions &options)
 
     const FileResult result = probeAndDecide(session, request, options.file);
     if (const auto *undecided = std::get_if<Undecided>(&result))
-        return fail(options.file, undecided->message);
+        return complainOf(options.file, undecided->message);
     const auto &decision = std::get<Decision>(result);
     const auto pcm = decision.isRefused() ? std::nullopt : estimatePcm(decision);
-    if (!pcm) return fail(options.file, refusalOf(decision));
+    if (!pcm) return complainOf(options.file, refusalOf(decision));
     writeOut(textOf(options, *pcm));
     return options.verify ? verify(options, decision, *pcm) : kDone;
 }
@@ -108,7 +103,7 @@ int run(const LengthOptions &options)
 void addLength(CLI::App &app, int &status)
 {
     auto options = std::make_shared<LengthOptions>();
-    CLI::App *command = app.add_subcommand("length", kHelp);
+    CLI::App *command = app.add_subcommand("length", kLengthHelp);
     addProfileOption(*command, options->profile);
     command->add_option("MEDIA", options->file, "The music file")->required()->type_name("");
     command->add_flag("--verify", options->verify,
@@ -116,8 +111,8 @@ void addLength(CLI::App &app, int &status)
     addFfmpegOption(*command, options->ffmpeg);
     addMatchingOptions(*command, *options);
     command->add_flag("--force", options->force, "Transcode whatever the rules say");
-    command->footer(kExamples);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kLengthExamples);
+    command->callback([options, &status] { status = runLength(*options); });
 }
 
 } // namespace vornak::tool

@@ -1,6 +1,7 @@
 #include "output.h"
 
 #include "exit_status.h"
+#include "printable.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -58,6 +59,12 @@ void complain(std::string_view message)
 {
     const std::lock_guard alone(standardErrorMutex());
     writeAll(STDERR_FILENO, fmt::format("vornak: {}\n", message));
+}
+
+int complainOf(const std::string &path, std::string_view why)
+{
+    complain(fmt::format("{}: {}", printable(path), why));
+    return kIncomplete;
 }
 
 void keepStandardDescriptors()

@@ -14,6 +14,9 @@ void writeOut(std::string_view text);
 /// Writes "vornak: MESSAGE" and a line end to standard error. Texts from outside come printable().
 void complain(std::string_view message);
 
+/// The same of a file, which is made printable; returns the exit status that goes with it.
+int complainOf(const std::string &path, std::string_view why);
+
 /// Held by whoever writes to standard error, and by whoever diverts it while threads are at work.
 std::mutex &standardErrorMutex();
 

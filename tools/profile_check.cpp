@@ -16,10 +16,11 @@ namespace {
 
 constexpr int kVersion = 1;
 
-constexpr const char *kHelp = "Report what a profile says in vain: what is left out, read as "
-                              "something else, or surely not meant";
+constexpr const char *kProfileCheckHelp =
+    "Report what a profile says in vain: what is left out, read as "
+    "something else, or surely not meant";
 
-constexpr const char *kFooter = R"(Examples:
+constexpr const char *kProfileCheckFooter = R"(Examples:
   vornak profile check tv.xml
       one finding after the other: line, severity, what is wrong, its id, what to do
   vornak profile check --json tv.xml | jq -r '.findings[].id'
@@ -94,7 +95,7 @@ std::string asJson(const std::string &path, const std::vector<Finding> &findings
     return json.dump(2) + '\n';
 }
 
-int run(const ProfileOptions &options)
+int runProfileCheck(const ProfileOptions &options)
 {
     const std::vector<Finding> findings = checkProfile(options.path);
     writeOut(options.json ? asJson(options.path, findings) : asText(options.path, findings));
@@ -106,10 +107,10 @@ int run(const ProfileOptions &options)
 void addProfileCheck(CLI::App &app, int &status)
 {
     auto options = std::make_shared<ProfileOptions>();
-    CLI::App *command = app.add_subcommand("check", kHelp);
+    CLI::App *command = app.add_subcommand("check", kProfileCheckHelp);
     addProfileOptions(*command, *options);
-    command->footer(kFooter);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kProfileCheckFooter);
+    command->callback([options, &status] { status = runProfileCheck(*options); });
 }
 
 } // namespace vornak::tool

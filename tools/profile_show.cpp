@@ -16,9 +16,9 @@
 namespace vornak::tool {
 namespace {
 
-constexpr const char *kHelp = "Show the rules of a profile as the library loads them";
+constexpr const char *kProfileShowHelp = "Show the rules of a profile as the library loads them";
 
-constexpr const char *kFooter = R"(Examples:
+constexpr const char *kProfileShowFooter = R"(Examples:
   vornak profile show tv.xml
       every rule that was accepted, with its position, its line and its limits
   vornak profile show --json tv.xml | jq '.video[0].audio[].codec'
@@ -175,7 +175,7 @@ private:
     std::string text_;
 };
 
-int run(const ProfileOptions &options)
+int runProfileShow(const ProfileOptions &options)
 {
     const ProfileSession session(options.path);
     for (const std::string &warning : session.warnings())
@@ -189,10 +189,10 @@ int run(const ProfileOptions &options)
 void addProfileShow(CLI::App &app, int &status)
 {
     auto options = std::make_shared<ProfileOptions>();
-    CLI::App *command = app.add_subcommand("show", kHelp);
+    CLI::App *command = app.add_subcommand("show", kProfileShowHelp);
     addProfileOptions(*command, *options);
-    command->footer(kFooter);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kProfileShowFooter);
+    command->callback([options, &status] { status = runProfileShow(*options); });
 }
 
 } // namespace vornak::tool

@@ -19,11 +19,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char *kHelp =
+constexpr const char *kSubtitlesHelp =
     "Lists the subtitle files that belong to a video: those in its folder whose names begin with "
     "the video's name less its extension";
 
-constexpr const char *kExamples = R"(Examples:
+constexpr const char *kSubtitlesExamples = R"(Examples:
   vornak subtitles film.mkv
       the subtitle files of the film, each with its kind and its language
   vornak subtitles --json /media/films > subtitles.json
@@ -89,7 +89,7 @@ void show(const MediaItem &item, const Options &options, Totals &totals)
 {
     const SubtitleSearch found = search(item);
     const bool failed = !found.error.empty();
-    if (failed) complain(fmt::format("{}: {}", printable(item.path), found.error));
+    if (failed) complainOf(item.path, found.error);
     if (options.json)
         writeOut((totals.files > 0 ? ",\n" : "") + jsonOf(item.path, found));
     else if (!failed)
@@ -99,7 +99,7 @@ void show(const MediaItem &item, const Options &options, Totals &totals)
     totals.failed += failed;
 }
 
-int run(const Options &options)
+int runSubtitles(const Options &options)
 {
     claimStandardOutput();
     if (options.json) writeOut("{\"document\":\"vornak-subtitles\",\"version\":1,\n\"files\":[\n");
@@ -121,11 +121,11 @@ int run(const Options &options)
 void addSubtitles(CLI::App &app, int &status)
 {
     auto options = std::make_shared<Options>();
-    CLI::App *command = app.add_subcommand("subtitles", kHelp);
+    CLI::App *command = app.add_subcommand("subtitles", kSubtitlesHelp);
     addMediaArgument(*command, options->media);
     command->add_flag("--json", options->json, "Print a JSON document");
-    command->footer(kExamples);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kSubtitlesExamples);
+    command->callback([options, &status] { status = runSubtitles(*options); });
 }
 
 } // namespace vornak::tool

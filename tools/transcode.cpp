@@ -18,9 +18,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr const char *kHelp = R"(Transcodes a media file with ffmpeg into what a player takes.)";
+constexpr const char *kTranscodeHelp =
+    R"(Transcodes a media file with ffmpeg into what a player takes.)";
 
-constexpr const char *kExamples = R"(Examples:
+constexpr const char *kTranscodeExamples = R"(Examples:
   vornak transcode -p tv.xml film.mkv -o film-for-the-tv.ts --verify
       transcodes what the TV doesn't take, then sees whether it takes the result
   vornak transcode -p tv.xml film.mkv -o film.ts --audio-track 2 --ffmpeg ~/bin/ffmpeg
@@ -39,12 +40,6 @@ struct TranscodeOptions : DecisionOptions {
     bool copy = false;
     bool verify = false;
 };
-
-int fail(const std::string &path, std::string_view why)
-{
-    complain(fmt::format("{}: {}", printable(path), why));
-    return kIncomplete;
-}
 
 /// Where the output goes, which isn't where the source is.
 std::string findPlace(const TranscodeOptions &options)
@@ -83,11 +78,11 @@ int verify(const TranscodeOptions &options, const ProfileSession &session)
     const DecisionRequest request{.matchVideo = !options.noMatchVideo};
     const FileResult result = probeAndDecide(session, request, options.output);
     if (const auto *undecided = std::get_if<Undecided>(&result))
-        return fail(options.output, "not verified: " + undecided->message);
+        return complainOf(options.output, "not verified: " + undecided->message);
     const auto &decision = std::get<Decision>(result);
     if (decision.outcome != Outcome::Kept)
-        return fail(options.output, "not verified, it would not be sent as it is: " +
-                                        reasonsOf(decision, request, session));
+        return complainOf(options.output, "not verified, it would not be sent as it is: " +
+                                              reasonsOf(decision, request, session));
     writeOut(fmt::format("{}: verified, it is sent as it is\n", printable(options.output)));
     return kDone;
 }
@@ -96,7 +91,8 @@ int transcodeFile(const TranscodeOptions &options, const ProfileSession &session
                   const Decision &decision)
 {
     const auto made = makeCommand(decision, options.dialect);
-    if (const auto *problem = std::get_if<std::string>(&made)) return fail(options.file, *problem);
+    if (const auto *problem = std::get_if<std::string>(&made))
+        return complainOf(options.file, *problem);
 
     const std::string place = findPlace(options);
     WorkFile work(folderOf(place));
@@ -109,7 +105,7 @@ int transcodeFile(const TranscodeOptions &options, const ProfileSession &session
     return options.verify ? verify(options, session) : kDone;
 }
 
-int run(const TranscodeOptions &options)
+int runTranscode(const TranscodeOptions &options)
 {
     const DecisionRequest request = resolve(options);
     const ProfileSession session(options.profile);
@@ -117,11 +113,11 @@ int run(const TranscodeOptions &options)
 
     const FileResult result = probeAndDecide(session, request, options.file);
     if (const auto *undecided = std::get_if<Undecided>(&result))
-        return fail(options.file, undecided->message);
+        return complainOf(options.file, undecided->message);
     const auto &decision = std::get<Decision>(result);
     if (decision.isRefused())
-        return fail(options.file, "refused, NOTRANSCODE forbids to transcode: " +
-                                      reasonsOf(decision, request, session));
+        return complainOf(options.file, "refused, NOTRANSCODE forbids to transcode: " +
+                                            reasonsOf(decision, request, session));
     if (!needsCommand(decision)) return keepAsItIs(options);
     return transcodeFile(options, session, decision);
 }
@@ -131,7 +127,7 @@ int run(const TranscodeOptions &options)
 void addTranscode(CLI::App &app, int &status)
 {
     auto options = std::make_shared<TranscodeOptions>();
-    CLI::App *command = app.add_subcommand("transcode", kHelp);
+    CLI::App *command = app.add_subcommand("transcode", kTranscodeHelp);
     addProfileOption(*command, options->profile);
     command->add_option("MEDIA", options->file, "The media file")->required()->type_name("");
     command->add_option("-o,--output", options->output, "The file to write")
@@ -146,8 +142,8 @@ void addTranscode(CLI::App &app, int &status)
     addMatchingOptions(*command, *options);
     command->add_flag("--always", options->DecisionOptions::force,
                       "Transcode whatever the rules say");
-    command->footer(kExamples);
-    command->callback([options, &status] { status = run(*options); });
+    command->footer(kTranscodeExamples);
+    command->callback([options, &status] { status = runTranscode(*options); });
 }
 
 } // namespace vornak::tool

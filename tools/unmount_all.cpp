@@ -72,8 +72,7 @@ int unmountAll()
             writeOut(fmt::format("unmounted {}\n", printable(path)));
             continue;
         }
-        complain(fmt::format("{}: {}", printable(path), why));
-        status = kIncomplete;
+        status = complainOf(path, why);
     }
     return status;
 }
