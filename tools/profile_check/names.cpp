@@ -1,4 +1,5 @@
 // Names that the registry doesn't know, or that don't go together.
+#include "bar_list.h"
 #include "checks.h"
 
 #include "id_names.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <optional>
-#include <ranges>
 #include <string_view>
 
 namespace vornak::tool {
@@ -81,10 +81,7 @@ std::vector<std::string> splitNames(std::string_view value)
     std::string kept(value);
     std::erase(kept, ' ');
     kept.resize(std::min(kept.size(), kNameListCapacity));
-    std::vector<std::string> names;
-    for (const auto piece : std::views::split(kept, '|'))
-        if (!piece.empty()) names.emplace_back(piece.begin(), piece.end());
-    return names;
+    return splitAtBars(kept);
 }
 
 bool isTooLong(std::string_view value)

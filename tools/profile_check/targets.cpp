@@ -1,4 +1,5 @@
 // Whether what is transcoded into is described, and makes what the player takes.
+#include "bar_list.h"
 #include "checks.h"
 
 #include "id_names.h"
@@ -10,7 +11,6 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <iterator>
-#include <ranges>
 #include <string>
 #include <string_view>
 
@@ -169,12 +169,10 @@ void checkForbidden(int noTranscode, pugi::xml_node element, const char *effect,
 /// Whether a muxer writes one of the subtypes that lead to the id.
 bool writesSubtype(const MuxerRow &row, int formatId)
 {
-    return std::ranges::any_of(
-        std::views::split(std::string_view(row.subtypes), '|'), [&](const auto &piece) {
-            const std::string name(piece.begin(), piece.end());
-            int id = 0;
-            return ContainerFormatNameToID(row.container, name.c_str(), &id) == 0 && id == formatId;
-        });
+    return std::ranges::any_of(splitAtBars(row.subtypes), [&](const std::string &name) {
+        int id = 0;
+        return ContainerFormatNameToID(row.container, name.c_str(), &id) == 0 && id == formatId;
+    });
 }
 
 void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &report)
