@@ -66,6 +66,9 @@ struct Decision {
         return track < 0 ? nullptr : &media.audio[static_cast<std::size_t>(track)];
     }
     bool isRefused() const { return result == VORNAK_NOT_ALLOWED; }
+    /// Whether the output can be sought in. Not of a refusal, which has none. What is made while it
+    /// is sent can't be where NONSEEKABLE says so; the library looks at that for transcodes only.
+    bool isSeekable() const { return outcome == Outcome::Kept || entry->nonSeekable != 1; }
     bool transcodesVideo() const { return isTranscoded(videoIndex); }
     bool transcodesAudio() const { return isTranscoded(audioIndex) && !isSilent; }
 };

@@ -155,7 +155,7 @@ Json output(const Decision &decision)
             {"formatId", decision.outputFormatId},
             {"mime", textOrNull(decision.mime)},
             {"dlnaProfile", textOrNull(decision.dlnaProfile)},
-            {"seekable", decision.result != VORNAK_NONSEEKABLE}};
+            {"seekable", decision.isSeekable()}};
 }
 
 Json forbidding(const Explanation &explanation, const ProfileSession &session)

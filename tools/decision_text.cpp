@@ -51,7 +51,7 @@ std::string sourceText(const Decision &decision)
 bool lacksOutputRule(const Part &part)
 {
     return std::none_of(part.reasons.begin(), part.reasons.end(), [&](const Reason &reason) {
-        return reason.rule.record == part.rule.record && !reason.refusal;
+        return reason.rule.record == part.rule.record && !reason.refusal && reason.exceptions == 0;
     });
 }
 
@@ -125,14 +125,14 @@ std::string resultLines(const Decision &decision)
 {
     const Colours &c = colours();
     const bool sameContainer = decision.outputFormatId == decision.media.formatId;
-    return fmt::format(
-        "  result: {}{}{}{}\n"
-        "  output: container {}, MIME type {}, DLNA profile {}\n",
-        decision.outcome == Outcome::Kept ? c.good : c.change, resultText(decision), c.reset,
-        decision.result == VORNAK_NONSEEKABLE ? ", into an output that can't be sought in" : "",
-        sameContainer ? printable(decision.media.containerName)
-                      : containerText(decision.outputFormatId),
-        announced(decision.mime), announced(decision.dlnaProfile));
+    return fmt::format("  result: {}{}{}{}\n"
+                       "  output: container {}, MIME type {}, DLNA profile {}\n",
+                       decision.outcome == Outcome::Kept ? c.good : c.change, resultText(decision),
+                       c.reset,
+                       decision.isSeekable() ? "" : ", into an output that can't be sought in",
+                       sameContainer ? printable(decision.media.containerName)
+                                     : containerText(decision.outputFormatId),
+                       announced(decision.mime), announced(decision.dlnaProfile));
 }
 
 enum class Kind { Rule, Entry };
@@ -171,7 +171,7 @@ std::string visitLines(const std::string &heading, const std::vector<Visit> &vis
             kind == Kind::Rule ? ruleText(ref, session) : entryText(ref, session);
         text += fmt::format("    {}: {}", name, verdictText(visit, kind));
         if (visit.coveredExceptions != 0)
-            text += "; " + partlyCoveredText(visit.coveredExceptions, decision.video.codecFlag);
+            text += "; " + partlyCoveredText("", visit.coveredExceptions, decision.video.codecFlag);
         text += visit.isNearestMiss ? " (the nearest miss)\n" : "\n";
     }
     return text;

@@ -75,7 +75,9 @@ Part explainAudio(const Decision &decision, const DecisionRequest &request,
         if (request.force)
             part.reasons.push_back({.code = "forced"});
         else if (taking)
-            part.reasons.push_back({.code = "container-forbidden", .rule = refTo(*taking)});
+            part.reasons.push_back({.code = decision.transcodesVideo() ? "first-container-forbidden"
+                                                                       : "container-forbidden",
+                                    .rule = refTo(*taking)});
         if (!taking) addMiss(visits, part.reasons);
     }
     return part;

@@ -28,6 +28,9 @@ constexpr CodeText s_StreamTexts[] = {
     {"container-forbidden",
      "{rule} takes it, but not in this container, and its first one must not be made "
      "(NOTRANSCODE)"},
+    {"first-container-forbidden",
+     "{rule} takes it, but its first container, which the output needs, must not be made "
+     "(NOTRANSCODE)"},
     {"play-exceptions-partly-covered", "{covered}"},
 };
 
@@ -124,7 +127,8 @@ std::string streamReasons(const Part &part, std::string_view codec, std::string_
         return fmt::format(fmt::runtime(textFor(reason.code, s_StreamTexts)),
                            fmt::arg("rule", rule), fmt::arg("codec", codec),
                            fmt::arg("where", where),
-                           fmt::arg("covered", partlyCoveredText(reason.exceptions, exceptions)));
+                           fmt::arg("covered", partlyCoveredText(again ? "" : rule,
+                                                                 reason.exceptions, exceptions)));
     });
 }
 
@@ -134,6 +138,14 @@ RuleRef chosenRule(const VideoRule *rule, int index)
 }
 
 } // namespace
+
+std::set<std::string_view> reasonCodes()
+{
+    std::set<std::string_view> codes = refusalCodes();
+    for (const CodeText &row : s_StreamTexts) codes.insert(row.code);
+    for (const CodeText &row : s_ContainerTexts) codes.insert(row.code);
+    return codes;
+}
 
 std::string ruleText(const RuleRef &rule, const ProfileSession &session)
 {
@@ -178,9 +190,10 @@ std::string containerReasons(const Decision &decision, const Part &part,
     });
 }
 
-std::string partlyCoveredText(int covered, int exceptions)
+std::string partlyCoveredText(const std::string &rule, int covered, int exceptions)
 {
-    return fmt::format("its PLAY_EXCEPTION covers {} of {} only, so it does not count",
+    return fmt::format("{} covers {} of {} only, so it does not count",
+                       rule.empty() ? "its PLAY_EXCEPTION" : "PLAY_EXCEPTION of " + rule,
                        joined(playExceptionTexts(covered)), joined(playExceptionTexts(exceptions)));
 }
 

@@ -3,12 +3,16 @@
 
 #include "explanation.h"
 
+#include <set>
 #include <string>
 #include <string_view>
 
 namespace vornak::tool {
 
 class ProfileSession;
+
+/// The codes of all reasons that there are words for.
+std::set<std::string_view> reasonCodes();
 
 /// How rules and entries are called: "rule 0 (aac, line 14)", "entry 1 (mp4, line 16)".
 std::string ruleText(const RuleRef &rule, const ProfileSession &session);
@@ -24,7 +28,8 @@ std::string containerReasons(const Decision &decision, const Part &part,
                              const ProfileSession &session);
 
 /// What keeps a rule from excluding play exceptions that its set covers in part.
-std::string partlyCoveredText(int covered, int exceptions);
+/// @param rule  its name; empty: the text before has named it
+std::string partlyCoveredText(const std::string &rule, int covered, int exceptions);
 
 /// What the source has, with its unit.
 std::string channelsText(int channels);

@@ -138,6 +138,14 @@ std::vector<Visit> walkEntries(const ContainerEntry *table, int formatId)
     });
 }
 
+std::set<std::string_view> refusalCodes()
+{
+    std::set<std::string_view> codes;
+    for (const RowNames &row : s_VideoRows) codes.insert(row.code);
+    for (const RowNames &row : s_AudioRows) codes.insert(row.code);
+    return codes;
+}
+
 const Visit *takingVisit(const std::vector<Visit> &visits)
 {
     return !visits.empty() && visits.back().takes() ? &visits.back() : nullptr;

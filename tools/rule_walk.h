@@ -6,7 +6,7 @@
 #include "decision/audio_comparisons.h"
 #include "decision/video_comparisons.h"
 
-#include <optional>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -59,6 +59,9 @@ std::vector<Visit> walkAudioRules(const AudioRule *table, const AudioSource &sou
 
 /// The visited entries, up to the one that takes the container.
 std::vector<Visit> walkEntries(const ContainerEntry *table, int formatId);
+
+/// The codes of all comparisons.
+std::set<std::string_view> refusalCodes();
 
 /// The one that takes the source, or null.
 const Visit *takingVisit(const std::vector<Visit> &visits);

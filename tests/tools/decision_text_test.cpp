@@ -1,11 +1,14 @@
 // Whole texts for sources made up here, against a profile that reaches every kind of decision.
 #include "tests/support/temp_dir.h"
+#include "tools/decision_json.h"
 #include "tools/decision_text.h"
 #include "tools/profile_session.h"
+#include "tools/surroundings.h"
 #include "vornak_host.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace vornak::test {
 namespace {
@@ -38,7 +41,7 @@ constexpr const char *kProfile = R"(<DEVICE NAME="Test player">
         <FORMAT NAME="matroska" MIME="video/x-matroska"/>
         <FORMAT NAME="any"/>
       </ACODEC>
-    </VCODEC>
+      <ACODEC NAME="mp2"><FORMAT NAME="mp4" NONSEEKABLE="1" NOTRANSCODE="1"/></ACODEC></VCODEC>
     <VCODEC NAME="h264" PROFILE="high" LEVEL="51" MAXWIDTH="720" MAXHEIGHT="576" TOLERANCE="16">
       <ACODEC NAME="any">
         <FORMAT NAME="avi"/>
@@ -136,8 +139,12 @@ std::string decided(const ProfileSession &session, const File &file, const Decis
         return fmt::format("{}: {}\n", undecided->code, undecided->message);
     const auto &decision = std::get<Decision>(result);
     const Explanation explanation = explain(decision, request);
-    return textOf("f", decision, explanation, session) +
-           (withVisits ? visitsText(decision, explanation, session) : "");
+    const std::string text = textOf("f", decision, explanation, session);
+    const auto json = nlohmann::json::parse(jsonOf("f", decision, explanation, {}, session, false));
+    if (!decision.isRefused()) {
+        EXPECT_EQ(json["output"]["seekable"], text.find("into an output") == std::string::npos);
+    }
+    return text + (withVisits ? visitsText(decision, explanation, session) : "");
 }
 
 struct Case {
@@ -213,12 +220,12 @@ TEST_F(DecisionText, NamesTheRuleAndBothValues)
   result: transcode video and audio
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
 )"},
-            {File("asf").withVideo("vc1", "", 3, 640, 360).withAudio("aac", "lc", 2, 48000),
+            {File("mp4").withVideo("vc1", "", 3, 640, 360).withAudio("mp2", "", 2, 48000),
              {},
              R"(  video: transcode: no rule for vc1; output as in rule 0 (h264, line 17)
-  audio: keep: rule 0 (aac, line 19) takes it
+  audio: transcode: rule 2 (mp2, line 27) takes it, but its first container, which the output needs, must not be made (NOTRANSCODE); output as in rule 0 (aac, line 19)
   container: transcode: entry 0 (mpegts, line 20) is the first of audio rule 0 (aac, line 19), and a stream is transcoded
-  result: transcode video
+  result: transcode video and audio
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
 )"},
         });
@@ -286,7 +293,7 @@ TEST_F(DecisionText, TakesContainersOfTheFirstFittingRuleForASilentVideo)
                                R"(  video: keep: rule 3 (mpeg4, line 38) takes it
   audio: none: the file has no audio
   container: transcode: flv, audio rule 0 (aac, line 39) does not list it; output as in entry 0 (mp4, line 40)
-  result: remux
+  result: remux, into an output that can't be sought in
   output: container mp4, MIME type none, DLNA profile none
 )"},
                               // elementary and raw forms of MPEG streams count as the usual ones
@@ -321,6 +328,14 @@ TEST_F(DecisionText, SaysWhatIsForbiddenOrCannotBeSoughtIn)
   audio: transcode: no rule for ac3 in video rule 3 (mpeg4, line 38); output as in rule 0 (aac, line 39)
   container: transcode: entry 0 (mp4, line 40) of audio rule 0 (aac, line 39) can't be sought in (NONSEEKABLE)
   result: transcode audio, into an output that can't be sought in
+  output: container mp4, MIME type none, DLNA profile none
+)"},
+            {File("mp4").withVideo("mpeg4", "simple", 1, 640, 360).withAudio("aac", "lc", 2, 48000),
+             {},
+             R"(  video: keep: rule 3 (mpeg4, line 38) takes it
+  audio: keep: rule 0 (aac, line 39) takes it
+  container: keep: entry 0 (mp4, line 40) of audio rule 0 (aac, line 39) takes it
+  result: keep
   output: container mp4, MIME type none, DLNA profile none
 )"},
             {File("mp4", "isom")
@@ -362,9 +377,9 @@ TEST_F(DecisionText, FollowsTheRequest)
   result: keep
   output: container mp4, MIME type video/mp4, DLNA profile none
 )"},
-            {usual,
+            {film().withExceptions({"interlaced", "hdr"}).withAudio("aac", "lc", 2, 48000),
              {.force = true},
-             R"(  video: transcode: forced by --force; output as in rule 0 (h264, line 17)
+             R"(  video: transcode: forced by --force; PLAY_EXCEPTION of rule 0 (h264, line 17) covers interlaced of interlaced|hdr only, so it does not count; output as in rule 0 (h264, line 17)
   audio: transcode: forced by --force; output as in rule 0 (aac, line 19)
   container: transcode: forced by --force; output as in entry 0 (mpegts, line 20)
   result: transcode video and audio
@@ -441,6 +456,7 @@ TEST_F(DecisionText, ListsWhatWasVisited)
   audio rules visited in video rule 0 (h264, line 17):
     rule 0 (aac, line 19): refuses it: 6 channels, it allows 2 (the nearest miss)
     rule 1 (ac3, line 23): another codec
+    rule 2 (mp2, line 27): another codec
   container entries visited: none
 )");
 }

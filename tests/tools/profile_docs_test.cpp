@@ -1,7 +1,9 @@
-// docs/profile-format.md: what it lists is what there is, and what it shows is what happens.
+// docs/profile-format.md and docs/json.md: what they list is what there is, and what they show is
+// what happens.
 #include "id_names.h"
 #include "profile_check/finding.h"
 #include "profile_check/schema.h"
+#include "reason_text.h"
 #include "registry_names.h"
 #include "vornak_host.h"
 
@@ -26,9 +28,9 @@ std::string page(const std::string &name)
 }
 
 /// The text below a heading, up to the next one.
-std::string section(const std::string &heading)
+std::string section(const std::string &heading, const std::string &name = "profile-format.md")
 {
-    const std::string text = page("profile-format.md");
+    const std::string text = page(name);
     const std::size_t start = text.find(heading + "\n");
     EXPECT_NE(start, std::string::npos) << heading;
     if (start == std::string::npos) return {};
@@ -55,7 +57,7 @@ std::vector<Names> rows(const std::string &text)
         std::istringstream cellStream(line.substr(2));
         for (std::string cell; std::getline(cellStream, cell, '|');)
             cells.push_back(
-                cell.substr(cell.find_first_not_of(' '),
+                cell.substr(std::min(cell.find_first_not_of(' '), cell.size()),
                             cell.find_last_not_of(' ') - cell.find_first_not_of(' ') + 1));
         all.push_back(cells);
     }
@@ -124,6 +126,15 @@ TEST(ProfileGuide, ListsElementsAttributesAndFindings)
     for (const Names &row : rows(section("## Reference: what check reports")))
         documentedFindings.push_back({codeSpans(row[0]).front(), row[1]});
     EXPECT_EQ(documentedFindings, findings);
+}
+
+TEST(JsonGuide, ListsTheReasonCodes)
+{
+    std::set<std::string> documented;
+    for (const Names &row : rows(section("## A part", "json.md")))
+        for (const std::string &code : codeSpans(row[0])) documented.insert(code);
+    const auto codes = tool::reasonCodes();
+    EXPECT_EQ(documented, std::set<std::string>(codes.begin(), codes.end()));
 }
 
 /// A profile of what a block of the guide shows, which may be a part of one.
