@@ -40,7 +40,8 @@ int sequenceLength(std::string_view text)
 // C1 controls are U+0080 to U+009F; the bidirectional marks reorder what stands around them.
 bool isControl(std::string_view sequence)
 {
-    if (sequence.size() == 2) return sequence[0] == '\xC2' && byteAt(sequence, 1) < 0xA0;
+    if (sequence.size() == 2)
+        return sequence == "\xD8\x9C" || (sequence[0] == '\xC2' && byteAt(sequence, 1) < 0xA0);
     const std::uint32_t lastTwo = byteAt(sequence, 1) << 8U | byteAt(sequence, 2);
     return sequence.size() == 3 && sequence[0] == '\xE2' &&
            ((lastTwo >= 0x808E && lastTwo <= 0x808F) || (lastTwo >= 0x80A8 && lastTwo <= 0x80AE) ||

@@ -17,20 +17,20 @@
 namespace vornak::tool {
 namespace {
 
-// As the loader's reader parses: white space in attribute values stays as it is written.
-constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol;
+// As the loader's reader parses: white space in attribute values stays as it is written. But text
+// beside the outermost element is kept, to be found.
+constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_fragment;
 
 /// The file's bytes, or nothing with the reason in errno. A profile is read more than once, so
-/// a pipe is none.
+/// a pipe is refused.
 std::optional<std::string> readFile(const std::string &path)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0) return std::nullopt;
-    if (!S_ISREG(status.st_mode)) {
-        errno = S_ISDIR(status.st_mode) ? EISDIR : ESPIPE;
-        return std::nullopt;
-    }
+    if (!S_ISREG(status.st_mode))
+        throw ProfileError(path, 0,
+                           S_ISDIR(status.st_mode) ? "it is a directory" : "it is no regular file");
     std::string text;
     char block[65536];
     for (;;) {
@@ -150,11 +150,11 @@ void ProfileDocument::parse(const std::string &path)
             document_.load_buffer(text_.data(), text_.size(), kParseFlags, pugi::encoding_utf8);
     }
     findLines();
-    if (result.status == pugi::status_no_document_element)
-        throw ProfileError(path, 0, "it holds no XML element; a profile is a DEVICE element");
     if (!result)
         throw ProfileError(path, lineAt(static_cast<std::size_t>(result.offset)),
                            fmt::format("not well-formed XML: {}", result.description()));
+    if (!document_.document_element())
+        throw ProfileError(path, 0, "it holds no XML element; a profile is a DEVICE element");
 }
 
 void ProfileDocument::findLines()

@@ -362,6 +362,8 @@ TEST(ProfileCheck, WholeDocuments)
         {"<!-- c -->\n<FOO/>\n" + music(kMp3Rule) + "\n<DEVICE/>\n<VIDEO/>",
          {"2:unknown-element", "4:repeated-section", "5:misplaced-element"}},
         {music("\n\n  channels: 2\n" + kMp3Rule), {"3:stray-text"}},
+        {"before\n<DEVICE NAME=\"T\"/>\nbehind",
+         {"1:stray-text", "2:device-without-sections", "3:stray-text"}},
         {music(kMp3Rule + "\n<ACODEC NAME=\"aac\" PROFILE=\"" + longList.substr(0, 1023) +
                "\"><FORMAT NAME=\"mp4\" MIME=\"m\" PN=\"p\" OPTION=\"-f mp4\"/></ACODEC>"),
          {}},
@@ -401,7 +403,8 @@ TEST(ProfileCheck, SaysWhatToDo)
     const struct {
         const char *rule, *problem, *advice;
     } cases[] = {
-        {R"(NAME="acc")", "NAME=\"acc\" is no codec known here", "did you mean aac?"},
+        {R"(NAME="aacc")", "NAME=\"aacc\" is no codec known here", "did you mean aac?"},
+        {R"(NAME="wmav3")", "NAME=\"wmav3\" is no codec known here", "did you mean wmav1?"},
         {R"(NAME="aac" MAXFREQUENCY="44.1K")", "becomes 8000 Hz", "such as 44100"},
         {R"(NAME="aac" PROFILE="hi")", "no profile known", "did you mean he?"},
         {R"(NAME="aac" MAXBITRATE="9999M")", "wraps around to 1409065408", "2147483647"},
@@ -459,8 +462,8 @@ TEST(ProfileCheck, WhatCannotBeLoaded)
         const char *says;
     } cases[] = {
         {dir / "missing.xml", "missing.xml: can't read it: No such file or directory"},
-        {dir.path(), "can't read it: Is a directory"},
-        {"/dev/null", "/dev/null: can't read it"},
+        {dir.path(), ": it is a directory"},
+        {"/dev/null", "/dev/null: it is no regular file"},
         {dir.write("empty.xml", ""), "empty.xml: it holds no XML element"},
         {dir.write("text.xml", "\n\nhello"), "it holds no XML element"},
         {dir.write("open.xml", "<DEVICE NAME=\"T\">\n<MUSIC>\n</DEVICE>"),
@@ -523,7 +526,7 @@ TEST(ProfileCheck, HostileTextIsEscapedAndCut)
     const TempDir dir;
     const std::string path = dir.write(
         "h.xml",
-        "<DEVICE NAME=\"\033]0;t\a\">\n<MUSIC><ACODEC NAME=\"\033[31m\xff\xc3\" PROFILE=\"\xe2\x80\xae\">"
+        "<DEVICE NAME=\"\033]0;t\a\">\n<MUSIC><ACODEC NAME=\"\033[31m\xff\xc3\" PROFILE=\"\xe2\x80\xae\xd8\x9c\">"
         "<FORMAT NAME=\"" +
             mega + "\" OPTION=\"-f " + mega + "\"/></ACODEC>" + "<\xff/>" + mega +
             "</MUSIC></DEVICE>");
@@ -532,7 +535,7 @@ TEST(ProfileCheck, HostileTextIsEscapedAndCut)
             std::vector<std::string> words = {VORNAK_CLI, "profile", subcommand, path};
             if (*format) words.emplace_back(format);
             const ProcessResult result = run(words);
-            for (const char *raw : {"\033", "\a", "\xff", "\xe2\x80\xae"})
+            for (const char *raw : {"\033", "\a", "\xff", "\xe2\x80\xae", "\xd8\x9c"})
                 EXPECT_THAT(result.out + result.err, Not(HasSubstr(raw))) << subcommand;
             EXPECT_LT(result.out.size(), 20'000U);
             if (*format) {

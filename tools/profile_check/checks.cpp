@@ -89,20 +89,6 @@ void checkVideoRules(const VideoRule *table, pugi::xml_node video, Report &repor
     }
 }
 
-void checkDocument(const ProfileDocument &document, Report &report)
-{
-    for (const pugi::xml_node element : document.device().parent().children()) {
-        if (element.type() != pugi::node_element || element == document.device()) continue;
-        const ElementRow *row = findElement(element.name());
-        const Fault fault = !row                      ? Fault::UnknownElement
-                            : row->element == kDevice ? Fault::RepeatedSection
-                                                      : Fault::MisplacedElement;
-        report.add(fault, element,
-                   fmt::format("{} beside the first DEVICE is ignored", excerpt(element.name())),
-                   "a file holds one DEVICE, and all else in it");
-    }
-}
-
 } // namespace
 
 std::vector<Finding> checkProfile(const std::string &path)
@@ -111,7 +97,7 @@ std::vector<Finding> checkProfile(const std::string &path)
     const ProfileSession session(path);
     const TRANSCODE_DEVICE_PROFILE_ST &profile = session.profile();
     Report report(document);
-    checkDocument(document, report);
+    checkBeside(document.device(), report);
     checkElements(document.device(), report);
     checkAudioRules({}, profile.pAudioTable, document.device().child("MUSIC"), report);
     checkVideoRules(profile.pVideoTable, document.device().child("VIDEO"), report);

@@ -44,6 +44,7 @@ using ElementCheck = void (*)(const ElementPlace &, Report &);
 using RuleCheck = void (*)(const Place &, Report &);
 
 // what stands where
+void checkBeside(pugi::xml_node device, Report &report);
 void checkChildren(const ElementPlace &place, Report &report);
 void checkAttributes(const ElementPlace &place, Report &report);
 void checkNeeded(const ElementPlace &place, Report &report);

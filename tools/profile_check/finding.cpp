@@ -28,6 +28,7 @@ constexpr FaultKind s_Kinds[] = {
     {Fault::CodecWithoutContainers, Severity::Error, "codec-without-containers"},
     {Fault::VideoWithoutAudio, Severity::Error, "video-without-audio"},
     {Fault::SectionWithoutRules, Severity::Warning, "section-without-rules"},
+    {Fault::DeviceWithoutSections, Severity::Warning, "device-without-sections"},
     {Fault::TooManyRules, Severity::Error, "too-many-rules"},
     {Fault::LeadingBlank, Severity::Error, "leading-blank"},
     {Fault::NumberStops, Severity::Error, "number-stops"},

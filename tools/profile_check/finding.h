@@ -33,6 +33,7 @@ enum class Fault {
     CodecWithoutContainers,
     VideoWithoutAudio,
     SectionWithoutRules,
+    DeviceWithoutSections,
     TooManyRules,
     LeadingBlank,
     NumberStops,

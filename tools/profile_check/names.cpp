@@ -19,10 +19,18 @@ constexpr std::size_t kNameListCapacity = 1023; // characters that the loader lo
 constexpr int kFirstAudio = 0x10000; // codec ids of sound begin here,
 constexpr int kFirstOther = 0x17000; // and end here
 
-std::vector<std::string> knownCodecs()
+/// Whether a codec, or the wildcard, is of the kind that the element is for.
+bool suits(int codec, unsigned element)
+{
+    if (element == kVcodec) return codec < kFirstAudio;
+    return codec == 0 || (codec >= kFirstAudio && codec < kFirstOther);
+}
+
+std::vector<std::string> knownCodecs(unsigned element)
 {
     std::vector<std::string> names;
-    for (const RegistryName &row : codecNames()) names.emplace_back(row.name);
+    for (const RegistryName &row : codecNames())
+        if (suits(row.id, element)) names.emplace_back(row.name);
     return names;
 }
 
@@ -44,14 +52,12 @@ void checkCodecName(const ElementPlace &place, pugi::xml_attribute name, Report 
 {
     const std::optional<int> codec = codecOf(place.element);
     if (!codec)
-        return report.add(Fault::UnknownCodec, place.element, name,
-                          fmt::format("{} is no codec known here: the {} is left out", shown(name),
-                                      place.row.name),
-                          report.suggest(name.value(), knownCodecs(), "see the list of codecs"));
-    const bool fits = place.row.element == kVcodec
-                          ? *codec < kFirstAudio
-                          : *codec == 0 || (*codec >= kFirstAudio && *codec < kFirstOther);
-    if (!fits)
+        return report.add(
+            Fault::UnknownCodec, place.element, name,
+            fmt::format("{} is no codec known here: the {} is left out", shown(name),
+                        place.row.name),
+            report.suggest(name.value(), knownCodecs(place.row.element), "see the list of codecs"));
+    if (!suits(*codec, place.row.element))
         report.add(Fault::CodecKind, place.element, name,
                    fmt::format("{} is no {} codec: no source fits this {}", shown(name),
                                place.row.element == kVcodec ? "video" : "audio", place.row.name),

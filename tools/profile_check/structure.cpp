@@ -34,7 +34,7 @@ void checkChildElement(const ElementPlace &place, pugi::xml_node child, Report &
                    "move its rules into the first one");
 }
 
-void reportText(const ElementPlace &place, pugi::xml_node text, Report &report)
+void reportText(pugi::xml_node text, const char *where, pugi::xml_node element, Report &report)
 {
     constexpr std::string_view kBlanks = " \t\r\n";
     std::string_view words = text.value();
@@ -42,9 +42,10 @@ void reportText(const ElementPlace &place, pugi::xml_node text, Report &report)
     const auto lines = std::ranges::count(words.substr(0, blanks), '\n');
     words.remove_prefix(blanks);
     words = words.substr(0, words.find_last_not_of(kBlanks) + 1);
-    report.add(Fault::StrayText, report.lineOf(text) + static_cast<int>(lines), place.element,
-               fmt::format("the text \"{}\" in {} is ignored", excerpt(words), place.row.name),
-               "values belong into attributes");
+    report.add(
+        Fault::StrayText, report.lineOf(text) + static_cast<int>(lines), element,
+        fmt::format("the text \"{}\" {} {} is ignored", excerpt(words), where, element.name()),
+        "values belong into attributes");
 }
 
 void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
@@ -61,11 +62,26 @@ void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Re
 
 } // namespace
 
+void checkBeside(pugi::xml_node device, Report &report)
+{
+    for (const pugi::xml_node node : device.parent().children()) {
+        if (node.type() == pugi::node_pcdata) reportText(node, "beside", device, report);
+        if (node.type() != pugi::node_element || node == device) continue;
+        const ElementRow *row = findElement(node.name());
+        const Fault fault = !row                      ? Fault::UnknownElement
+                            : row->element == kDevice ? Fault::RepeatedSection
+                                                      : Fault::MisplacedElement;
+        report.add(fault, node,
+                   fmt::format("{} beside the first DEVICE is ignored", excerpt(node.name())),
+                   "a file holds one DEVICE, and all else in it");
+    }
+}
+
 void checkChildren(const ElementPlace &place, Report &report)
 {
     for (const pugi::xml_node child : place.element.children()) {
         if (child.type() == pugi::node_element) checkChildElement(place, child, report);
-        if (child.type() == pugi::node_pcdata) reportText(place, child, report);
+        if (child.type() == pugi::node_pcdata) reportText(child, "in", place.element, report);
     }
 }
 
@@ -87,22 +103,25 @@ void checkNeeded(const ElementPlace &place, Report &report)
 {
     constexpr struct {
         unsigned element;
-        const char *child;
         Fault fault;
         const char *problem;
         const char *advice;
     } s_Needs[] = {
-        {kMusic, "ACODEC", Fault::SectionWithoutRules, "MUSIC holds no rule",
+        {kDevice, Fault::DeviceWithoutSections,
+         "DEVICE holds neither MUSIC nor VIDEO: it serves nothing", "add a section with rules"},
+        {kMusic, Fault::SectionWithoutRules, "MUSIC holds no rule",
          "add an ACODEC, or remove the section"},
-        {kVideo, "VCODEC", Fault::SectionWithoutRules, "VIDEO holds no rule",
+        {kVideo, Fault::SectionWithoutRules, "VIDEO holds no rule",
          "add a VCODEC, or remove the section"},
-        {kVcodec, "ACODEC", Fault::VideoWithoutAudio, "VCODEC without an ACODEC is left out",
+        {kVcodec, Fault::VideoWithoutAudio, "VCODEC without an ACODEC is left out",
          "add the sound that may come with this picture"},
-        {kAcodec, "FORMAT", Fault::CodecWithoutContainers, "ACODEC without a FORMAT is left out",
+        {kAcodec, Fault::CodecWithoutContainers, "ACODEC without a FORMAT is left out",
          "add the containers that the player takes it from"},
     };
+    const auto isThere = [&](const std::string &name) { return place.element.child(name.c_str()); };
     for (const auto &need : s_Needs)
-        if (place.row.element == need.element && !place.element.child(need.child))
+        if (place.row.element == need.element &&
+            std::ranges::none_of(childNames(need.element), isThere))
             report.add(need.fault, place.element, need.problem, need.advice);
 }
 
