@@ -6,6 +6,7 @@
 #include "profile_command.h"
 #include "profile_session.h"
 #include "profile_show_json.h"
+#include "reason_text.h"
 #include "rule_tables.h"
 
 #include <CLI/CLI.hpp>
@@ -33,6 +34,11 @@ void addNumber(Parts &parts, int value, fmt::format_string<int &> form)
     if (value > 0) parts.push_back(fmt::format(form, value));
 }
 
+void addChannels(Parts &parts, const char *bound, int channels)
+{
+    if (channels > 0) parts.push_back(fmt::format("{} {}", bound, channelsText(channels)));
+}
+
 void addProfiles(Parts &parts, int bits, int codecId)
 {
     if (bits > 0)
@@ -56,8 +62,8 @@ Parts limitsOf(const AudioRule &rule)
     Parts parts;
     addProfiles(parts, rule.aProfileId, rule.aCodecId);
     addNumber(parts, rule.aLevel, "level at most {}");
-    addNumber(parts, rule.maxChannels, "at most {} channels");
-    addNumber(parts, rule.minChannels, "at least {} channels");
+    addChannels(parts, "at most", rule.maxChannels);
+    addChannels(parts, "at least", rule.minChannels);
     addNumber(parts, rule.maxSampleRate, "at most {} Hz");
     addNumber(parts, rule.minSampleRate, "at least {} Hz");
     addNumber(parts, rule.maxBitrate, "at most {} bit/s");

@@ -11,7 +11,7 @@ namespace {
 constexpr const char *kProfile = R"(<DEVICE NAME="Small player">
 <MUSIC>
   <ACODEC NAME="foo"/>
-  <ACODEC NAME="aac" PROFILE="he|lc" MAXCHANNELS="2" MINFREQUENCY="44100" MAXBITRATE="320K"
+  <ACODEC NAME="aac" PROFILE="he|lc" MAXCHANNELS="2" MINCHANNELS="1" MINFREQUENCY="44100" MAXBITRATE="320K"
           OPTION="-c:a aac">
     <FORMAT NAME="mp4" SUBTYPE="isom" MIME="audio/mp4" PN="AAC_ISO" OPTION="-f mp4"/>
     <FORMAT NAME="any" NONSEEKABLE="1" NOTRANSCODE="1"/>
@@ -36,7 +36,7 @@ TEST(ProfileShow, PrintsATree)
     EXPECT_EQ(result.out, R"(Small player
 MUSIC: 1, and 1 ACODEC left out
   0 aac (line 4)
-    profile lc|he, at most 2 channels, at least 44100 Hz, at most 320000 bit/s
+    profile lc|he, at most 2 channels, at least 1 channel, at least 44100 Hz, at most 320000 bit/s
     OPTION: -c:a aac
     containers: 2
       0 mp4/isom (line 6)
@@ -74,7 +74,7 @@ TEST(ProfileShow, PrintsAJsonDocument)
         "music": [{
             "position": 0, "line": 4, "codec": "aac", "codecId": 86018,
             "profiles": ["lc", "he"], "profileBits": 9437184, "level": 0,
-            "maxChannels": 2, "minChannels": 0, "maxSampleRate": 0, "minSampleRate": 44100,
+            "maxChannels": 2, "minChannels": 1, "maxSampleRate": 0, "minSampleRate": 44100,
             "maxBitrate": 320000, "minBitrate": 0, "option": "-c:a aac", "noTranscode": 0,
             "containers": [
                 {"position": 0, "line": 6, "container": "mp4/isom", "formatId": 393224,
