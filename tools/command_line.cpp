@@ -80,6 +80,17 @@ std::string describeExtra(const CLI::App &app, std::string word)
     return fmt::format("{} {}{}", kind, printable(word), didYouMean(word, known));
 }
 
+/// The option that was given more often than it may, or null. The parser's own words for it speak
+/// of counts.
+const CLI::Option *findRepeated(const CLI::App &app)
+{
+    for (const CLI::Option *option : app.get_options())
+        if (option->get_multi_option_policy() == CLI::MultiOptionPolicy::Throw &&
+            option->count() > static_cast<std::size_t>(option->get_items_expected_max()))
+            return option;
+    return nullptr;
+}
+
 } // namespace
 
 void parseCommandLine(CLI::App &app, int argc, char **argv)
@@ -92,8 +103,11 @@ std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error
 {
     const CLI::App &chosen = chosenApp(app);
     const std::vector<std::string> extras = app.remaining(true);
-    const std::string what =
-        extras.empty() ? printable(error.what()) : describeExtra(chosen, extras.front());
+    std::string what = printable(error.what());
+    if (!extras.empty())
+        what = describeExtra(chosen, extras.front());
+    else if (const CLI::Option *repeated = findRepeated(chosen))
+        what = repeated->get_name() + " may be given once only";
     return fmt::format("{} (try: {} --help)", what, fullName(chosen));
 }
 

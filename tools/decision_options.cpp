@@ -18,7 +18,7 @@ namespace {
                          std::string_view word, const std::vector<std::string> &known)
 {
     throw std::runtime_error(fmt::format("{} {}: {} {}{}", option, printable(value), what,
-                                         printable(word), didYouMean(word, known)));
+                                         printable(word), nearestOrAll(word, known)));
 }
 
 /// The id of CONTAINER[/SUBTYPE].

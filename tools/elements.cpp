@@ -43,11 +43,9 @@ struct Elements {
     std::vector<Row> decoders, demuxers, muxers;
 };
 
-[[noreturn]] void refuse(std::string_view what, const std::string &name,
-                         const std::vector<std::string> &known)
+[[noreturn]] void refuse(std::string_view what, const std::string &name, std::string_view hint)
 {
-    throw std::runtime_error(
-        fmt::format("{} {}{}", what, printable(name), didYouMean(name, known)));
+    throw std::runtime_error(fmt::format("{} {}{}", what, printable(name), hint));
 }
 
 int codecIdOf(const std::string &name)
@@ -56,7 +54,7 @@ int codecIdOf(const std::string &name)
     if (CodecNameToID(name.c_str(), &id) == 0) return id;
     std::vector<std::string> known;
     std::ranges::transform(codecNames(), std::back_inserter(known), &RegistryName::name);
-    refuse("unknown codec", name, known);
+    refuse("unknown codec", name, didYouMean(name, known));
 }
 
 int containerIdOf(const std::string &name)
@@ -66,9 +64,9 @@ int containerIdOf(const std::string &name)
     const std::string subtype = slash == std::string::npos ? "" : name.substr(slash + 1);
     int id = 0;
     if (ContainerFormatNameToID(container.c_str(), nullptr, &id) != 0)
-        refuse("unknown container", container, knownContainers());
+        refuse("unknown container", container, nearestOrAll(container, knownContainers()));
     if (ContainerFormatNameToID(container.c_str(), subtype.c_str(), &id) != 0)
-        refuse(container + " has no subtype", subtype, knownSubtypes(id));
+        refuse(container + " has no subtype", subtype, nearestOrAll(subtype, knownSubtypes(id)));
     return id;
 }
 

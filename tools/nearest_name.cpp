@@ -57,4 +57,11 @@ std::string didYouMean(std::string_view word, const std::vector<std::string> &kn
     return name ? fmt::format("; did you mean {}?", *name) : std::string{};
 }
 
+std::string nearestOrAll(std::string_view word, const std::vector<std::string> &known)
+{
+    if (known.empty()) return "; there are none";
+    const std::string nearest = didYouMean(word, known);
+    return nearest.empty() ? fmt::format("; known are {}", fmt::join(known, ", ")) : nearest;
+}
+
 } // namespace vornak::tool

@@ -16,4 +16,7 @@ std::optional<std::string> nearestName(std::string_view word,
 /// "; did you mean NAME?", or the empty text.
 std::string didYouMean(std::string_view word, const std::vector<std::string> &known);
 
+/// The same, but all names when none is near; for lists that fit on a screen.
+std::string nearestOrAll(std::string_view word, const std::vector<std::string> &known);
+
 } // namespace vornak::tool

@@ -50,6 +50,8 @@ TEST(CommandLine, TakesAnythingAfterTwoDashes)
         {{"decide", "--profile", "p", "-z"}, "unknown option -z (try: vornak decide --help)"},
         {{"decide", "--profil", "p", "a"},
          "unknown option --profil; did you mean --profile? (try: vornak decide --help)"},
+        {{"decide", "a", "--profile", "p", "--profile", "q"},
+         "--profile may be given once only (try: vornak decide --help)"},
         {{"decide", "a"}, "--profile is required (try: vornak decide --help)"},
         {{"decode", "a"}, "unknown subcommand decode; did you mean decide? (try: vornak --help)"},
         {{"profile", "shwo"},

@@ -277,7 +277,9 @@ TEST_F(Decide, RefusesBadUsageInOneLine)
         const char *error;
     } cases[] = {
         {{"--prefer", "mkv/isoom", "kept.mp4"},
-         "vornak: --prefer mkv/isoom: the container has no subtype isoom\n"},
+         "vornak: --prefer mkv/isoom: the container has no subtype isoom; known are webm\n"},
+        {{"--prefer", "avi/isom", "kept.mp4"},
+         "vornak: --prefer avi/isom: the container has no subtype isom; there are none\n"},
         {{"--prefer", "matroshka", "kept.mp4"},
          "vornak: --prefer matroshka: there is no container matroshka; did you mean matroska?\n"},
         {{"--prefer", "any", "kept.mp4"}, "vornak: --prefer any: name one container\n"},
