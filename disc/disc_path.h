@@ -7,8 +7,11 @@
 #include <cstdint>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/types.h>
 
 namespace vornak {
+
+static_assert(sizeof(off_t) == 8, "titles are larger than 2 GB");
 
 constexpr std::size_t kDiscPathSize = 1024; // the NUL included
 

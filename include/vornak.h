@@ -587,12 +587,16 @@ VORNAK_API const char *FormatId_To_GSTMuxEncStr(int formatId, int *flagOut);
 VORNAK_API int mountIso(const char *isoFolder, const char *isoFileName, char *mountPointOut,
                         unsigned size);
 
-/** mountIso() inside the directory rootDir, in a child process; the name is a path inside it. */
+/** mountIso() inside the directory rootDir, in a child process; the name is a path inside it, and
+ *  stays in mountPointOut also when rootDir is null. The child's working directory stays where it
+ *  was: relative paths don't begin in rootDir. */
 VORNAK_API int chrootMountIso(const char *isoFolder, const char *isoFileName, char *mountPointOut,
                               unsigned size, const char *rootDir);
 
 /**
  * Mounts a disc image read-only on a directory of the caller's choice, made if it is missing.
+ * @param mountPoint  at most 1023 characters, and not more when quoted for the shell, if it holds
+ *                    anything but letters, digits and "/._-+,:@"; the whole command has 2047
  * @return 0, 1 where the call is refused, or the status of the command interpreter
  */
 VORNAK_API int mountIsoByPath(const char *isoFolder, const char *isoFileName,
@@ -602,7 +606,8 @@ VORNAK_API int mountIsoByPath(const char *isoFolder, const char *isoFileName,
 VORNAK_API int chrootMountIsoByPath(const char *isoFolder, const char *isoFileName,
                                     const char *mountPoint, const char *rootDir);
 
-/** Unmounts a mount point and removes its directory. 1 leaves what could not be undone. */
+/** Unmounts a mount point of at most 1023 characters and removes its directory. 1 leaves what
+ *  could not be undone. */
 VORNAK_API int umountIso(const char *mountPoint);
 
 /** umountIso() inside rootDir, in a child process. */
@@ -658,7 +663,8 @@ VORNAK_API int parseMountedFolder_v2(const char *folder, char *dirOut, unsigned 
  * Finds the main title of a DVD, the title set whose parts are largest together.
  * @param folder   the VIDEO_TS folder, ending in "/"
  * @param ifoName  "VIDEO_TS.IFO" in any letter case
- * @param info     cleared first; without any part its title is 0
+ * @param info     cleared first; without any part its title is 0. Where the folder can't be read,
+ *                 its name is left in it.
  */
 VORNAK_API int parseDVDFormat(const char *folder, const char *ifoName, DVD_FORMAT_ST *info);
 
@@ -714,7 +720,8 @@ extern VORNAK_API const char *g_supportSRT[2];
 VORNAK_API int findVideoSubtitles(const char *folder, const char *videoName,
                                   VIDEO_SUBTITLE_ST *list, int reserved);
 
-/** findVideoSubtitles() for the video at a full path; 1 also for a path without "/". */
+/** findVideoSubtitles() for the video at a full path; 1 also for a path without "/", or with a
+ *  folder of more than 1023 characters. */
 VORNAK_API int findVideoSubtitlesByFullPath(const char *videoPath, VIDEO_SUBTITLE_ST *list,
                                             int reserved);
 

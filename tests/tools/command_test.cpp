@@ -1,8 +1,11 @@
 // vornak command over real clips, its shell lines through a real shell.
+#include "tests/support/doc_examples.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -63,7 +66,9 @@ protected:
 
     static ProcessResult command(const Words &words)
     {
-        Words all = {"env", "-C", s_Dir->path(), VORNAK_CLI, "command", "-p", "p.xml"};
+        Words all = {"env", "-C", s_Dir->path(), VORNAK_CLI, "command"};
+        if (std::find(words.begin(), words.end(), "-p") == words.end())
+            all.insert(all.end(), {"-p", "p.xml"});
         all.insert(all.end(), words.begin(), words.end());
         return run(all);
     }
@@ -163,6 +168,42 @@ TEST_F(Command, IsTheSameForManyFiles)
     const auto result = command(words);
     EXPECT_EQ(result.out, expected);
     EXPECT_EQ(result.err, ""); // the library's own lines stay out
+}
+
+TEST_F(Command, SaysWhenThereIsNoContainerOption)
+{
+    s_Dir->write("any.xml", R"(<DEVICE NAME="Any"><MUSIC>
+      <ACODEC NAME="any"><FORMAT NAME="any"/></ACODEC>
+    </MUSIC></DEVICE>)");
+    make("-map 1 -f caf -c:a pcm_s16be", "song.caf");
+    const std::string why =
+        "the profile names no container for the output, and there is no option for caf";
+    const auto result = command({"-p", "any.xml", "--force", "song.caf"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out, testing::StartsWith("song.caf: " + why + "\n"));
+    const Json json = Json::parse(command({"-p", "any.xml", "--force", "--json", "song.caf"}).out);
+    EXPECT_EQ(json["files"][0]["error"], Json({{"code", "no-container-option"}, {"message", why}}));
+    EXPECT_EQ(json["files"][0]["command"], nullptr);
+}
+
+TEST(TranscodingPage, ShowsWhatItsCommandsPrint)
+{
+    const std::string page = VORNAK_SOURCE_DIR "/docs/transcoding.md";
+    const TempDir dir;
+    std::ifstream file(page);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const std::size_t profile = text.find("<DEVICE"), end = text.find("```", profile);
+    dir.write("tv.xml", text.substr(profile, end - profile));
+
+    const std::vector<DocExample> examples = readDocExamples(page);
+    ASSERT_EQ(examples.size(), 6U);
+    const std::string tool = std::filesystem::path(VORNAK_CLI).parent_path();
+    for (const DocExample &example : examples) {
+        const auto result =
+            run({"sh", "-c", "cd \"$1\"; PATH=$2:$PATH; exec 2>&1; " + example.command, "sh",
+                 dir.path(), tool});
+        EXPECT_EQ(result.out, example.output) << example.command;
+    }
 }
 
 TEST_F(Command, RefusesBadUsage)
