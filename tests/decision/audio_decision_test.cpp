@@ -157,6 +157,17 @@ TEST(AudioDecision, reportsMissingTables)
     EXPECT_EQ(index, kUntouched);
 }
 
+TEST(AudioDecision, takesOneVariableForBothIndexes)
+{
+    TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp3File), entry(-1)};
+    Rule table[] = {audioRule(kMp3, formats), audioRule(kAac, formats), audioRule(-1, nullptr)};
+    int index = kUntouched;
+    EXPECT_EQ(getMusicTranscodeIndex(table, kAac, 0, 0, 2, 1, 1, kMp4, &index, &index, nullptr,
+                                     nullptr, nullptr),
+              0); // its rule fits, no container does
+    EXPECT_EQ(index, 256);
+}
+
 TEST(AudioDecision, neverChoosesARulePast255)
 {
     TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp4), entry(-1)};

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <pthread.h>
 #include <thread>
 #include <vector>
 
@@ -192,6 +193,19 @@ TEST_F(LoadProfileTest, GivesUpWhenTheHostThrows)
         video("<VCODEC NAME='h264' OPTION='o'>" + good + "</VCODEC><VCODEC NAME='throws'/>"),
     };
     for (const std::string &document : documents) EXPECT_EQ(load(document), nullptr) << document;
+}
+
+TEST_F(LoadProfileTest, LetsItsThreadBeCancelled)
+{
+    const std::string path = files_.write("p.xml", music("<ACODEC NAME='cancelled'/>"));
+    pthread_t thread;
+    const auto load = [](void *name) -> void * {
+        return ParseSingleTranscodeXML(static_cast<const char *>(name), 5, 0, 0);
+    };
+    ASSERT_EQ(pthread_create(&thread, nullptr, load, const_cast<char *>(path.c_str())), 0);
+    void *end = nullptr;
+    ASSERT_EQ(pthread_join(thread, &end), 0);
+    EXPECT_EQ(end, PTHREAD_CANCELED);
 }
 
 TEST_F(LoadProfileTest, RefusesFilesThatAreNoProfiles)
