@@ -6,10 +6,10 @@
 #include "probe/media_file.h"
 #include "probe/packet_sample.h"
 #include "probe/play_exceptions.h"
+#include "probe/stated_bitrate.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <span>
+#include <bit>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -53,54 +53,6 @@ bool hasParameters(const PlayedStream &played)
                : parameters.width > 0 && parameters.height > 0;
 }
 
-const char *tagOf(const AVStream &stream, const char *key)
-{
-    const AVDictionaryEntry *entry = av_dict_get(stream.metadata, key, nullptr, 0);
-    return entry ? entry->value : nullptr;
-}
-
-/// MPEG-1 says with this that its rate varies.
-constexpr std::int64_t kVariableRate = std::int64_t{0x3FFFF} * 400;
-
-/// In bits per second; 0: none.
-std::int64_t statedBitrate(const AVStream &stream)
-{
-    const AVCodecParameters &parameters = *stream.codecpar;
-    if (parameters.bit_rate > 0 && parameters.bit_rate != kVariableRate) return parameters.bit_rate;
-    // what Matroska's authoring tools have counted
-    for (const char *key : {"BPS", "BPS-eng"})
-        if (const char *tag = tagOf(stream, key)) return std::strtoll(tag, nullptr, 10);
-    return std::int64_t{av_get_exact_bits_per_sample(parameters.codec_id)} *
-           parameters.sample_rate * parameters.ch_layout.nb_channels;
-}
-
-std::vector<PlayedStream> playedStreams(const AVFormatContext &context)
-{
-    std::vector<PlayedStream> played;
-    for (unsigned i = 0; i < context.nb_streams; ++i) {
-        AVStream *stream = context.streams[i];
-        if (!isVideo(*stream) && !isAudio(*stream)) continue;
-        played.push_back({stream, {.stated = statedBitrate(*stream), .isVideo = isVideo(*stream)}});
-    }
-    return played;
-}
-
-double durationOf(const AVFormatContext &context)
-{
-    return context.duration > 0 ? static_cast<double>(context.duration) / AV_TIME_BASE : 0;
-}
-
-/// Bits per second of all that is played; 0: unknown.
-std::int64_t wholeBitrate(const MediaFile &file)
-{
-    const AVFormatContext &context = *file.context();
-    std::int64_t bytes = file.size();
-    for (unsigned i = 0; i < context.nb_streams; ++i)
-        if (isCover(*context.streams[i])) bytes -= context.streams[i]->attached_pic.size;
-    const double seconds = durationOf(context);
-    return seconds > 0 ? static_cast<std::int64_t>(static_cast<double>(bytes) * 8 / seconds) : 0;
-}
-
 bool isMatroska(const AVFormatContext &context)
 {
     return std::string_view(context.iformat->name) == "matroska,webm";
@@ -111,38 +63,181 @@ bool isMp4(const AVFormatContext &context)
     return std::string_view(context.iformat->name).starts_with("mov,");
 }
 
-/// Whether the headers leave something open that the packets can tell.
-bool needsSample(const MediaFile &file, const std::vector<PlayedStream> &played)
+std::vector<PlayedStream> playedStreams(const MediaFile &file)
+{
+    const AVFormatContext &context = *file.context();
+    std::vector<PlayedStream> played;
+    for (unsigned i = 0; i < context.nb_streams; ++i) {
+        AVStream *stream = context.streams[i];
+        if (!isVideo(*stream) && !isAudio(*stream)) continue;
+        played.push_back(
+            {stream, {.stated = statedBitrate(file, *stream), .isVideo = isVideo(*stream)}});
+    }
+    return played;
+}
+
+std::size_t indexOf(const PlayedStream &stream)
+{
+    return static_cast<std::size_t>(stream.stream->index);
+}
+
+/// A file while more and more of it becomes known.
+struct Survey {
+    MediaFile &file;
+    std::vector<PlayedStream> played;
+    double duration = 0;              // seconds; 0: unknown
+    std::vector<SampledStream> start; // of all streams
+
+    SampledStream &startOf(const PlayedStream &stream) { return start[indexOf(stream)]; }
+};
+
+/// A file that is nothing but the frames of one stream says nowhere how long it is.
+bool isBareStream(const Survey &survey)
+{
+    return survey.played.size() == 1 && survey.duration <= 0 &&
+           guessesDuration(*survey.file.context());
+}
+
+/// A duration made from bit rates holds for steady ones: those of sound, and of pictures whose
+/// header has it (DV).
+double statedDuration(const MediaFile &file, const std::vector<PlayedStream> &played)
+{
+    const AVFormatContext &context = *file.context();
+    const bool isSteady = std::ranges::all_of(played, [&](const PlayedStream &stream) {
+        return stream.rate.stated > 0 &&
+               (!stream.rate.isVideo || file.headerBitrate(stream.stream->index) > 0);
+    });
+    if (context.duration <= 0 || (guessesDuration(context) && !isSteady)) return 0;
+    return static_cast<double>(context.duration) / AV_TIME_BASE;
+}
+
+std::int64_t playedBytes(const MediaFile &file)
+{
+    const AVFormatContext &context = *file.context();
+    std::int64_t bytes = file.size();
+    for (unsigned i = 0; i < context.nb_streams; ++i)
+        if (isCover(*context.streams[i])) bytes -= context.streams[i]->attached_pic.size;
+    return bytes;
+}
+
+/// Bits per second of all that is played; 0: unknown.
+std::int64_t wholeBitrate(const Survey &survey)
+{
+    if (survey.duration <= 0) return 0;
+    return static_cast<std::int64_t>(static_cast<double>(playedBytes(survey.file)) * 8 /
+                                     survey.duration);
+}
+
+bool hasVideo(const Survey &survey)
+{
+    return std::ranges::any_of(survey.played,
+                               [](const PlayedStream &stream) { return stream.rate.isVideo; });
+}
+
+/// A transport stream fills up its packets: sound alone makes up much less than the whole.
+bool isSongInBroadcast(const Survey &survey)
+{
+    return std::string_view(survey.file.context()->iformat->name) == "mpegts" && !hasVideo(survey);
+}
+
+bool isOpenMp3(const PlayedStream &stream)
+{
+    return stream.rate.stated <= 0 && stream.stream->codecpar->codec_id == AV_CODEC_ID_MP3;
+}
+
+/// Whether the headers leave rates open that the packets can tell.
+bool needsRates(const Survey &survey)
 {
     const auto silent = std::ranges::count_if(
-        played, [](const PlayedStream &stream) { return stream.rate.stated <= 0; });
-    const bool hasVideo =
-        std::ranges::any_of(played, [](const PlayedStream &stream) { return stream.rate.isVideo; });
-    return silent > 1 || (silent == 1 && wholeBitrate(file) <= 0) ||
-           (hasVideo && isMatroska(*file.context()));
+        survey.played, [](const PlayedStream &stream) { return stream.rate.stated <= 0; });
+    return isBareStream(survey) || silent > 1 ||
+           (silent == 1 && (wholeBitrate(survey) <= 0 || isSongInBroadcast(survey))) ||
+           std::ranges::any_of(survey.played, isOpenMp3);
 }
 
-/// What the first packets tell, one entry a stream of the file; nothing when nobody asks.
-std::vector<SampledStream> sampleFor(const MediaFile &file, std::vector<PlayedStream> &played)
+bool needsTimes(const Survey &survey)
 {
-    if (!needsSample(file, played)) return std::vector<SampledStream>(file.context()->nb_streams);
-    std::vector<SampledStream> sample = samplePackets(*file.context());
-    for (PlayedStream &stream : played) {
-        const SampledStream &sampled = sample[static_cast<std::size_t>(stream.stream->index)];
-        if (sampled.seconds > 0)
-            stream.rate.sampled =
-                static_cast<std::int64_t>(static_cast<double>(sampled.bytes) * 8 / sampled.seconds);
-    }
-    return sample;
+    return isMatroska(*survey.file.context()) && hasVideo(survey);
 }
 
-void settleBitRates(const MediaFile &file, std::vector<PlayedStream> &played)
+std::int64_t rateOf(const SampledStream &sampled)
+{
+    if (sampled.seconds <= 0) return 0;
+    return static_cast<std::int64_t>(static_cast<double>(sampled.bytes) * 8 / sampled.seconds);
+}
+
+/// How much to read first, and then at each of several places.
+struct Reading {
+    SampleSize start;
+    std::int64_t place;
+};
+
+Reading readingFor(const Survey &survey)
+{
+    constexpr std::int64_t kQuicklyRead = 1'000'000;
+    const bool readsAll = needsRates(survey) && playedBytes(survey.file) <= kQuicklyRead;
+    // what libavformat has looked at already makes the greater part of the start
+    if (!isBareStream(survey)) return {{readsAll ? kAnyNumber : 250, 4'000'000}, 250'000};
+    // a place has some seconds of sound, or the pictures from one key frame to the next
+    if (survey.played[0].rate.isVideo) return {{kAnyNumber, 4'000'000}, 500'000};
+    return {{kAnyNumber, 250'000}, 32'000};
+}
+
+/// The start counts as it is, what follows lasts as long as the places say.
+double countedDuration(const SampledStream &start, const SampledStream &places, std::int64_t rest)
+{
+    const SampledStream &like = places.seconds > 0 ? places : start;
+    if (rest <= 0 || like.bytes <= 0) return start.seconds;
+    return start.seconds +
+           like.seconds * static_cast<double>(rest) / static_cast<double>(like.bytes);
+}
+
+/// @param places  in the rest of the file, where the start isn't all of it
+void takeRate(PlayedStream &stream, const SampledStream &start, const SampledStream &places)
+{
+    stream.rate.sampled = rateOf(places.seconds > 0 ? places : start);
+    // where all frames of an MP3 stream name the same rate, that is said often enough
+    if (isOpenMp3(stream) && std::has_single_bit(start.rateCodes | places.rateCodes))
+        stream.rate.stated = stream.stream->codecpar->bit_rate;
+}
+
+/// Looks at packets for what the headers left open; at none when there is nothing.
+void takeSamples(Survey &survey)
+{
+    constexpr std::int64_t kMostForPlaces = 16'000'000;
+
+    AVFormatContext &context = *survey.file.context();
+    const bool rates = needsRates(survey);
+    survey.start.resize(context.nb_streams);
+    if (!rates && !needsTimes(survey)) return;
+    const Reading reading = readingFor(survey);
+    PacketSample start = samplePackets(context, reading.start);
+    survey.start = std::move(start.streams);
+    if (!rates) return;
+
+    const bool bare = isBareStream(survey);
+    const SampledStream &first = survey.startOf(survey.played[0]);
+    const std::int64_t rest =
+        start.isWhole ? 0 : playedBytes(survey.file) - (bare ? first.bytes : 0);
+    std::vector<SampledStream> places(survey.start.size());
+    if (rest > 0) {
+        survey.file.limitReading(kMostForPlaces);
+        places = samplePlaces(context, rest, reading.place);
+    }
+    for (PlayedStream &stream : survey.played)
+        takeRate(stream, survey.startOf(stream), places[indexOf(stream)]);
+    if (!bare) return;
+    survey.duration = countedDuration(first, places[indexOf(survey.played[0])], rest);
+    survey.played[0].rate.sampled = wholeBitrate(survey);
+}
+
+void settleBitRates(Survey &survey)
 {
     std::vector<StreamRate> rates;
-    rates.reserve(played.size());
-    for (const PlayedStream &stream : played) rates.push_back(stream.rate);
-    settleBitRates(rates, wholeBitrate(file));
-    for (std::size_t i = 0; i < played.size(); ++i) played[i].rate = rates[i];
+    rates.reserve(survey.played.size());
+    for (const PlayedStream &stream : survey.played) rates.push_back(stream.rate);
+    settleBitRates(rates, wholeBitrate(survey));
+    for (std::size_t i = 0; i < rates.size(); ++i) survey.played[i].rate = rates[i];
 }
 
 std::vector<std::int64_t> tableOfTimes(AVStream *stream)
@@ -196,7 +291,8 @@ AudioTrack describeAudio(const PlayedStream &played, int number)
 {
     const AVCodecParameters &parameters = *played.stream->codecpar;
     CodecIdentity codec = identifyCodec(parameters);
-    const char *language = tagOf(*played.stream, "language");
+    const AVDictionaryEntry *language =
+        av_dict_get(played.stream->metadata, "language", nullptr, 0);
     return {
         .number = number,
         .codecId = codec.codecId,
@@ -209,28 +305,28 @@ AudioTrack describeAudio(const PlayedStream &played, int number)
         .isDefault = (played.stream->disposition & AV_DISPOSITION_DEFAULT) != 0,
         .codecName = std::move(codec.codecName),
         .profileName = std::move(codec.profileName),
-        .language = language ? language : "",
+        .language = language ? language->value : "",
     };
 }
 
-MediaInfo describe(const MediaFile &file, std::vector<PlayedStream> played)
+MediaInfo describe(Survey survey)
 {
-    std::vector<SampledStream> sample = sampleFor(file, played);
-    settleBitRates(file, played);
+    takeSamples(survey);
+    settleBitRates(survey);
 
-    ContainerIdentity container = identifyContainer(file);
+    ContainerIdentity container = identifyContainer(survey.file);
     MediaInfo media;
     media.formatId = container.formatId;
     media.containerName = std::move(container.name);
-    media.duration = durationOf(*file.context());
-    media.stillImage = isPictureContainer(file);
-    for (const PlayedStream &stream : played)
+    media.duration = survey.duration;
+    media.stillImage = isPictureContainer(survey.file);
+    for (const PlayedStream &stream : survey.played)
         if (!stream.rate.isVideo)
             media.audio.push_back(describeAudio(stream, static_cast<int>(media.audio.size()) + 1));
         else if (!media.video)
-            media.video = describeVideo(
-                stream, gatherPictureFacts(*file.context(), stream.stream,
-                                           sample[static_cast<std::size_t>(stream.stream->index)]));
+            media.video =
+                describeVideo(stream, gatherPictureFacts(*survey.file.context(), stream.stream,
+                                                         survey.startOf(stream)));
     return media;
 }
 
@@ -238,12 +334,13 @@ MediaInfo describe(const MediaFile &file, std::vector<PlayedStream> played)
 
 ProbeResult probeMedia(const std::string &path)
 {
-    const MediaFile file(path);
+    MediaFile file(path);
     if (!file.context()) return {std::nullopt, file.error()};
-    std::vector<PlayedStream> played = playedStreams(*file.context());
+    std::vector<PlayedStream> played = playedStreams(file);
     if (played.empty()) return {std::nullopt, "holds neither audio nor video"};
     if (std::ranges::none_of(played, hasParameters)) return {std::nullopt, kNotMedia};
-    return {describe(file, std::move(played)), {}};
+    const double duration = statedDuration(file, played);
+    return {describe({file, std::move(played), duration, {}}), {}};
 }
 
 } // namespace vornak::tool

@@ -356,6 +356,69 @@ TEST_F(MediaProbe, EstimatesBitRatesThatTheFileDoesNotState)
     EXPECT_LT(probe("video_cd.mpg").video->bitrate, 5'000'000);
 }
 
+/// Six seconds of silence, then six of noise: the first frames say nothing of the others.
+TEST_F(MediaProbe, TakesNoRateFromTheFirstFrames)
+{
+    const std::vector<std::string> input = {
+        "-f", "lavfi", "-i",
+        "anullsrc=r=48000:cl=mono:d=6[a];anoisesrc=r=48000:a=0.3:d=6[b];"
+        "[a][b]concat=v=0:a=1,aformat=fltp"};
+    constexpr double kAac = 100700, kMp3 = 62800; // of 12 seconds
+    const struct {
+        const char *name, *options;
+        double rate; // 0: the file's size over two minutes
+        bool stated;
+    } cases[] = {
+        {"silent.m4a", "-c:a aac -b:a 192k", kAac, true},
+        {"silent.aac", "-c:a aac -b:a 192k", kAac, false},
+        {"silent.latm", "-c:a aac -b:a 192k", kAac, false},
+        {"silent.ts", "-c:a aac -b:a 192k", kAac, false},
+        {"silent.mp3", "-c:a libmp3lame -q:a 2", kMp3, true},
+        {"untold.mp3", "-c:a libmp3lame -q:a 2 -write_xing 0", kMp3, false},
+        {"silent.mkv", "-c:a libmp3lame -q:a 2", kMp3, false},
+        {"silent_mp3.ts", "-c:a libmp3lame -q:a 2", kMp3, false},
+        {"silent.flv", "-ar 44100 -c:a libmp3lame -q:a 2", kMp3, false},
+        {"steady.mp3", "-c:a libmp3lame -b:a 128k -write_xing 0", 128000, true}, // all say so
+        {"steady.mkv", "-c:a libmp3lame -b:a 128k", 128000, true},
+        {"steady_mp3.ts", "-c:a libmp3lame -b:a 128k", 128000, true},
+        {"steady.ac3", "-c:a ac3 -b:a 128k", 128000, true},
+        // too long to count all: the noise goes on
+        {"long.aac", "-af aloop=18:288000:288000 -c:a aac -b:a 192k", 0, false},
+        {"long.mp3", "-af aloop=18:288000:288000 -c:a libmp3lame -q:a 2 -write_xing 0", 0, false},
+    };
+    std::vector<std::string> all = input;
+    for (const auto &c : cases) {
+        const std::vector<std::string> options = words(c.options);
+        all.insert(all.end(), options.begin(), options.end());
+        all.push_back(clip(c.name));
+    }
+    runFfmpeg(all);
+    for (const auto &c : cases) {
+        const MediaInfo media = probe(c.name);
+        const double seconds = c.rate > 0 ? 12 : 120;
+        const auto bits = static_cast<double>(std::filesystem::file_size(clip(c.name))) * 8;
+        const double rate = c.rate > 0 ? c.rate : bits / seconds;
+        EXPECT_NEAR(media.duration, seconds, seconds * 0.05) << c.name;
+        EXPECT_NEAR(media.audio.at(0).bitrate, rate, rate * 0.05) << c.name;
+        EXPECT_EQ(media.audio.at(0).bitrateEstimated, !c.stated) << c.name;
+    }
+    EXPECT_EQ(probe("steady.mp3").audio.at(0).bitrate, 128000);
+}
+
+/// The same with pictures, and more of it than is read at once.
+TEST_F(MediaProbe, LooksForTheSoundAtSeveralPlaces)
+{
+    for (const char *name : {"places.mkv", "places.ts"}) {
+        runFfmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x180:d=24", "-f", "lavfi", "-i",
+                   "anullsrc=r=48000:cl=mono:d=12[a];anoisesrc=r=48000:a=0.3:d=12[b];"
+                   "[a][b]concat=v=0:a=1,aformat=fltp",
+                   "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-c:a", "aac",
+                   "-b:a", "192k", clip(name)});
+        ASSERT_GT(std::filesystem::file_size(clip(name)), 1'000'000U) << name;
+        EXPECT_NEAR(probe(name).audio.at(0).bitrate, 100700, 100700 * 0.15) << name;
+    }
+}
+
 TEST_F(MediaProbe, TellsPackedPicturesByTheEncodersName)
 {
     std::string packed = readFile(clip("xvid.avi"));

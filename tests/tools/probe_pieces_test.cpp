@@ -315,7 +315,8 @@ TEST(BitRates, AreStatedOrWhatTheOthersLeave)
         {{{0, 0, kAudio}}, 1000, {{1000, true}}},
         {{{0, 700, kVideo}, {0, 60, kAudio}}, 1000, {{940, true}, {60, true}}},
         {{{0, 60, kAudio}, {0, 700, kVideo}}, 1000, {{60, true}, {940, true}}},
-        {{{0, 60, kAudio}, {0, 70, kAudio}}, 1000, {{930, true}, {70, true}}},
+        {{{0, 60, kAudio}, {0, 70, kAudio}}, 1000, {{60, true}, {70, true}}},
+        {{{0, 0, kAudio}, {0, 70, kAudio}}, 1000, {{930, true}, {70, true}}},     // never seen
         {{{0, 700, kVideo}, {0, 60, kAudio}}, 0, {{700, true}, {60, true}}},      // length unknown
         {{{0, 700, kVideo}, {600, 0, kAudio}}, 610, {{700, true}, {600, false}}}, // cut short
         {{{0, 0, kVideo}, {600, 0, kAudio}}, 500, {{1, true}, {600, false}}},     // never 0

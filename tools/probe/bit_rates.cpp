@@ -16,7 +16,7 @@ StreamRate *findTakerOfRest(std::span<StreamRate> streams)
 {
     StreamRate *taker = nullptr;
     for (StreamRate &stream : streams) {
-        if (stream.stated > 0) continue;
+        if (stream.stated > 0 || (!stream.isVideo && stream.sampled > 0)) continue;
         if (!taker || (stream.isVideo && !taker->isVideo)) taker = &stream;
     }
     return taker;

@@ -134,10 +134,18 @@ void MediaFile::openMedia(const std::string &path)
         error_ = notMedia();
         return;
     }
+    for (unsigned i = 0; i < context->nb_streams; ++i)
+        headerBitrates_.push_back(context->streams[i]->codecpar->bit_rate);
     if (isText(*context) || avformat_find_stream_info(context, nullptr) < 0) {
         error_ = notMedia();
         context_.reset();
     }
+}
+
+std::int64_t MediaFile::headerBitrate(int stream) const
+{
+    const auto index = static_cast<std::size_t>(stream);
+    return index < headerBitrates_.size() ? headerBitrates_[index] : 0;
 }
 
 std::span<const std::uint8_t> MediaFile::readStart(std::span<std::uint8_t> buffer) const
@@ -149,12 +157,14 @@ std::span<const std::uint8_t> MediaFile::readStart(std::span<std::uint8_t> buffe
 int MediaFile::readNext(void *self, std::uint8_t *buffer, int size)
 {
     auto &file = *static_cast<MediaFile *>(self);
+    if (file.readable_ <= 0) return AVERROR_EOF;
     ssize_t got = 0;
     do got = pread(file.descriptor_.get(), buffer, static_cast<std::size_t>(size), file.position_);
     while (got < 0 && errno == EINTR);
     if (got < 0) return AVERROR(errno);
     if (got == 0) return AVERROR_EOF;
     file.position_ += got;
+    file.readable_ -= got;
     return static_cast<int>(got);
 }
 

@@ -4,9 +4,11 @@
 #include "descriptor.h"
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 struct AVFormatContext;
 struct AVIOContext;
@@ -28,6 +30,14 @@ public:
     const std::string &error() const { return error_; }
     std::int64_t size() const { return size_; }
 
+    /// What the header says, in bits per second, before anything is guessed from packets; 0:
+    /// nothing, or the stream has turned up since.
+    std::int64_t headerBitrate(int stream) const;
+
+    /// From now on the file ends for libavformat after so many bytes more: some files can be
+    /// sought in by reading all of them only.
+    void limitReading(std::int64_t bytes) { readable_ = bytes; }
+
     /// The file's first bytes, as many as fit and there are; the reading position stays.
     std::span<const std::uint8_t> readStart(std::span<std::uint8_t> buffer) const;
 
@@ -47,6 +57,8 @@ private:
     Descriptor descriptor_;
     std::int64_t size_ = 0;
     std::int64_t position_ = 0;
+    std::int64_t readable_ = std::numeric_limits<std::int64_t>::max();
+    std::vector<std::int64_t> headerBitrates_; ///< one a stream
     std::unique_ptr<AVIOContext, CloseIo> io_;
     std::unique_ptr<AVFormatContext, CloseContext> context_; // reads through what is above
     std::string error_;

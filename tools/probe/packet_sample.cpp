@@ -15,10 +15,6 @@ extern "C" {
 namespace vornak::tool {
 namespace {
 
-// What libavformat has looked at already makes the greater part of this.
-constexpr int kMostPackets = 250;
-constexpr std::int64_t kMostBytes = 4'000'000;
-
 struct FreePacket {
     void operator()(AVPacket *packet) const { av_packet_free(&packet); }
 };
@@ -36,7 +32,8 @@ double spanInSeconds(const std::vector<std::int64_t> &times, AVRational timeBase
 struct Sampling {
     SampledStream found;
     std::optional<H264Fields> fields; ///< until some pictures were seen
-    int packets = 0;
+    int packets = 0, timed = 0;       ///< `timed`: those that say how long they last
+    bool skip = false; ///< the next packet: behind a jump it may be what is left of one
 };
 
 std::vector<Sampling> startSampling(const AVFormatContext &context)
@@ -49,15 +46,25 @@ std::vector<Sampling> startSampling(const AVFormatContext &context)
     return streams;
 }
 
-void addPacket(Sampling &stream, const AVPacket &packet, AVRational timeBase)
+/// Bits 4 to 7 of the third byte; 0 means a rate of its own, 15 none.
+unsigned rateCode(const AVPacket &packet)
+{
+    const bool isFrame =
+        packet.size >= 4 && packet.data[0] == 0xFF && (packet.data[1] & 0xE0) == 0xE0;
+    return isFrame ? 1U << (packet.data[2] >> 4) : 0;
+}
+
+void addPacket(Sampling &stream, const AVPacket &packet, const AVStream &source)
 {
     constexpr int kPicturesForFields = 4;
 
     stream.found.bytes += packet.size;
-    stream.found.seconds += static_cast<double>(packet.duration) * av_q2d(timeBase);
+    stream.found.seconds += static_cast<double>(packet.duration) * av_q2d(source.time_base);
     const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
     if (time != AV_NOPTS_VALUE) stream.found.times.push_back(time);
-    if (!stream.fields || ++stream.packets > kPicturesForFields) return;
+    if (source.codecpar->codec_id == AV_CODEC_ID_MP3) stream.found.rateCodes |= rateCode(packet);
+    stream.timed += packet.duration > 0 ? 1 : 0;
+    if (++stream.packets > kPicturesForFields || !stream.fields) return;
     stream.fields->add({packet.data, static_cast<std::size_t>(packet.size)});
     stream.found.interlaced = stream.fields->isInterlaced();
 }
@@ -65,32 +72,84 @@ void addPacket(Sampling &stream, const AVPacket &packet, AVRational timeBase)
 SampledStream finish(Sampling &&stream, AVRational timeBase)
 {
     std::ranges::sort(stream.found.times);
-    if (stream.found.seconds <= 0)
+    if (stream.timed > 0)
+        stream.found.seconds *= static_cast<double>(stream.packets) / stream.timed;
+    else
         stream.found.seconds = spanInSeconds(stream.found.times, timeBase);
     return std::move(stream.found);
 }
 
-} // namespace
-
-std::vector<SampledStream> samplePackets(AVFormatContext &context)
+PacketSample readPackets(AVFormatContext &context, std::vector<Sampling> streams, SampleSize most)
 {
-    std::vector<Sampling> streams = startSampling(context);
     const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
     if (!packet) throw std::bad_alloc();
+    PacketSample sample;
     std::int64_t bytes = 0;
-    for (int i = 0; i < kMostPackets && bytes < kMostBytes; ++i) {
-        if (av_read_frame(&context, packet.get()) < 0) break;
+    for (int i = 0; i < most.packets && bytes < most.bytes; ++i) {
+        sample.isWhole = av_read_frame(&context, packet.get()) < 0;
+        if (sample.isWhole) break;
         const auto index = static_cast<std::size_t>(packet->stream_index);
         // a stream that turns up late has no place
-        if (index < streams.size())
-            addPacket(streams[index], *packet, context.streams[index]->time_base);
+        if (index < streams.size() && !std::exchange(streams[index].skip, false))
+            addPacket(streams[index], *packet, *context.streams[index]);
         bytes += packet->size;
         av_packet_unref(packet.get());
     }
-    std::vector<SampledStream> found;
     for (std::size_t i = 0; i < streams.size(); ++i)
-        found.push_back(finish(std::move(streams[i]), context.streams[i]->time_base));
-    return found;
+        sample.streams.push_back(finish(std::move(streams[i]), context.streams[i]->time_base));
+    return sample;
+}
+
+/// Streams of frames and broadcasts are found again from any byte; the others know their times.
+bool isSoughtByBytes(const AVFormatContext &context)
+{
+    return (context.iformat->flags & (AVFMT_GENERIC_INDEX | AVFMT_TS_DISCONT)) != 0;
+}
+
+bool seekToByte(AVFormatContext &context, std::int64_t byte)
+{
+    return av_seek_frame(&context, -1, byte, AVSEEK_FLAG_BYTE) >= 0;
+}
+
+/// Not to key frames alone: where seconds lie between them, all places might be the same.
+bool seekToTime(AVFormatContext &context, std::int64_t time)
+{
+    return time > 0 &&
+           av_seek_frame(&context, -1, time, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY) >= 0;
+}
+
+} // namespace
+
+PacketSample samplePackets(AVFormatContext &context, SampleSize most)
+{
+    return readPackets(context, startSampling(context), most);
+}
+
+std::vector<SampledStream> samplePlaces(AVFormatContext &context, std::int64_t bytes,
+                                        std::int64_t bytesEach)
+{
+    constexpr int kPlaces = 8;
+    constexpr SampleSize kSizeInTime = {100, 1'000'000};
+
+    const bool byBytes = isSoughtByBytes(context);
+    const std::int64_t part = bytes / kPlaces, taken = std::min(part, bytesEach);
+    const std::int64_t first = avio_size(context.pb) - bytes + (part - taken) / 2;
+    const SampleSize size = byBytes ? SampleSize{kAnyNumber, taken} : kSizeInTime;
+    std::vector<SampledStream> sum(context.nb_streams);
+    for (int place = 0; place < kPlaces; ++place) {
+        const std::int64_t time = context.duration / (2 * kPlaces) * (2 * place + 1);
+        if (!(byBytes ? seekToByte(context, first + part * place) : seekToTime(context, time)))
+            break;
+        std::vector<Sampling> streams(sum.size());
+        for (Sampling &stream : streams) stream.skip = true;
+        const PacketSample sample = readPackets(context, std::move(streams), size);
+        for (std::size_t i = 0; i < sum.size(); ++i) {
+            sum[i].bytes += sample.streams[i].bytes;
+            sum[i].seconds += sample.streams[i].seconds;
+            sum[i].rateCodes |= sample.streams[i].rateCodes;
+        }
+    }
+    return sum;
 }
 
 } // namespace vornak::tool
