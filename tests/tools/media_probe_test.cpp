@@ -75,6 +75,22 @@ const Clip s_Clips[] = {
      "-map 0 -map 1 -c:v libx265 -preset ultrafast -pix_fmt yuv420p -x265-params "
      "log-level=none:level-idc=3.1 -c:a eac3",
      "matroska: hevc main 93 192x128; eac3 - 1 48000"},
+    {"hevc_fields.mp4",
+     "-map 0 -c:v libx265 -preset ultrafast -pix_fmt yuv420p -x265-params "
+     "log-level=none:level-idc=3.1:interlace=tff",
+     "mp4/isom: hevc main 93 192x128 interlaced"},
+    {"hevc_fields.mkv",
+     "-map 0 -c:v libx265 -preset ultrafast -pix_fmt yuv420p -x265-params "
+     "log-level=none:level-idc=3.1:interlace=tff",
+     "matroska: hevc main 93 192x128 interlaced"},
+    {"hevc_fields.ts",
+     "-map 0 -c:v libx265 -preset ultrafast -pix_fmt yuv420p -x265-params "
+     "log-level=none:level-idc=3.1:interlace=tff",
+     "mpegts: hevc main 93 192x128 interlaced"},
+    {"camera.dv", "-map 0 -map 1 -s 720x576 -pix_fmt yuv420p -c:v dvvideo -c:a pcm_s16le -ac 2",
+     "dv: dvvideo - 0 720x576 interlaced; pcm_s16le - 2 48000"},
+    {"camera.avi", "-map 0 -s 720x576 -pix_fmt yuv420p -c:v dvvideo",
+     "avi: dvvideo - 0 720x576 interlaced"},
     {"fields.mpg", "-map 0 -map 1 -c:v mpeg2video -flags +ildct+ilme -c:a mp2",
      "mpegps: mpeg2video main 8 192x128 interlaced; mp2 - 1 48000"},
     {"disc.vob", "-map 0 -map 1 -s 720x576 -r 25 -c:v mpeg2video -c:a ac3 -f dvd",

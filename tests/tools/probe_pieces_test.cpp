@@ -2,6 +2,7 @@
 #include "probe/ebml_doc_type.h"
 #include "probe/frame_rate.h"
 #include "probe/h264_references.h"
+#include "probe/hevc_source.h"
 #include "probe/mpeg4_headers.h"
 
 #include <bit>
@@ -156,6 +157,27 @@ TEST(H264References, OfHalfAParameterSetAreUnknown)
     EXPECT_FALSE(hasTooManyReferences(Bytes(40, 0xFF)));
     EXPECT_FALSE(hasTooManyReferences(withStartCode(Bytes(40, 0x00))));
     EXPECT_TRUE(hasTooManyReferences(withStartCode(unit)));
+}
+
+TEST(HevcSource, IsReadFromTheBoxOrTheParameterSet)
+{
+    const Bytes delimiter{0, 0, 0, 1, 0x46, 0x01, 0x50, 0, 0, 1, 0x42, 0x01};
+    const struct {
+        std::uint8_t source; // progressive, interlaced, and others
+        bool fields;
+    } cases[] = {{0x90, false}, {0x50, true}, {0xD0, false}, {0x10, false}};
+    for (const auto &c : cases) {
+        const Bytes profile{1, 0x01, 0x60, 0, 0, 0, c.source, 0, 0, 0, 0, 0, 93};
+        Bytes unit = delimiter;
+        const Bytes set = escaped(profile);
+        unit.insert(unit.end(), set.begin(), set.end());
+        EXPECT_EQ(isHevcFromFields(profile), c.fields) << int{c.source};
+        EXPECT_EQ(isHevcFromFields(unit), c.fields) << int{c.source};
+        unit.resize(delimiter.size() + 6); // ends before it says so
+        EXPECT_FALSE(isHevcFromFields(unit));
+    }
+    EXPECT_FALSE(isHevcFromFields({}));
+    EXPECT_FALSE(isHevcFromFields(Bytes(40, 0x00)));
 }
 
 TEST(Mpeg4Headers, AreReadFromTheVideoObjectLayer)

@@ -1,9 +1,11 @@
-// The bits of a stream's headers, as H.264 and MPEG-4 write them: the high bit of a byte first.
+// The bits of a stream's headers, as H.264, HEVC and MPEG-4 write them: the high bit of a byte
+// first.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace vornak::tool {
 
@@ -52,5 +54,18 @@ private:
     std::span<const std::uint8_t> bytes_;
     std::size_t position_ = 0;
 };
+
+/// Takes out the bytes that keep start codes from occurring inside a unit.
+inline std::vector<std::uint8_t> unescape(std::span<const std::uint8_t> unit)
+{
+    std::vector<std::uint8_t> bytes;
+    int zeros = 0;
+    for (const std::uint8_t byte : unit) {
+        const bool escape = zeros >= 2 && byte == 3;
+        zeros = byte == 0 ? zeros + 1 : 0;
+        if (!escape) bytes.push_back(byte);
+    }
+    return bytes;
+}
 
 } // namespace vornak::tool

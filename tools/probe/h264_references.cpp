@@ -29,19 +29,6 @@ constexpr struct {
     {51, 184320}, {52, 184320}, {60, 696320}, {61, 696320}, {62, 696320},
 };
 
-/// Takes out the bytes that keep start codes from occurring inside a unit.
-std::vector<std::uint8_t> unescape(Bytes unit)
-{
-    std::vector<std::uint8_t> bytes;
-    int zeros = 0;
-    for (const std::uint8_t byte : unit) {
-        const bool escape = zeros >= 2 && byte == 3;
-        zeros = byte == 0 ? zeros + 1 : 0;
-        if (!escape) bytes.push_back(byte);
-    }
-    return bytes;
-}
-
 /// The first parameter set of an avcC box, the unit's header byte excluded.
 Bytes findInBox(Bytes box)
 {

@@ -2,6 +2,7 @@
 
 #include "probe/frame_rate.h"
 #include "probe/h264_references.h"
+#include "probe/hevc_source.h"
 #include "probe/mpeg4_headers.h"
 #include "vornak_host.h"
 
@@ -21,6 +22,7 @@ struct Facts {
     const AVPixFmtDescriptor *pixels; ///< null: unknown
     Mpeg4Features mpeg4;
     bool interlacedPictures;
+    bool hevcFields;
     bool tooManyReferences;
     bool variableFrameRate;
     bool dolbyVisionAlone;
@@ -31,11 +33,17 @@ int bitDepth(const Facts &facts)
     return facts.pixels ? facts.pixels->comp[0].depth : 8;
 }
 
+/// DV has no field order: all of it is fields but for HD's smaller picture.
+bool isDvOfFields(const AVCodecParameters &parameters)
+{
+    return parameters.codec_id == AV_CODEC_ID_DVVIDEO && parameters.height != 720;
+}
+
 bool isInterlaced(const Facts &facts)
 {
     const AVFieldOrder order = facts.parameters.field_order;
     return (order != AV_FIELD_UNKNOWN && order != AV_FIELD_PROGRESSIVE) || facts.mpeg4.interlaced ||
-           facts.interlacedPictures;
+           facts.interlacedPictures || facts.hevcFields || isDvOfFields(facts.parameters);
 }
 
 bool is10Bit(const Facts &facts)
@@ -105,6 +113,7 @@ Facts gatherFacts(const AVStream &stream, const PictureFacts &pictures)
         .pixels = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(parameters.format)),
         .mpeg4 = isMpeg4 ? readMpeg4Features(extradata) : Mpeg4Features{},
         .interlacedPictures = pictures.interlaced,
+        .hevcFields = parameters.codec_id == AV_CODEC_ID_HEVC && isHevcFromFields(extradata),
         .tooManyReferences =
             parameters.codec_id == AV_CODEC_ID_H264 && hasTooManyReferences(extradata),
         .variableFrameRate = isVariableFrameRate(pictures.times),
