@@ -136,6 +136,8 @@ const Clip s_Clips[] = {
     {"song.wv", "-map 1 -c:a wavpack", "wavpack; wavpack - 1 48000"},
     {"photo.png", "-map 0 -frames:v 1", "image: png - 0 192x128 chroma444; still"},
     {"photo.jpg", "-map 0 -frames:v 1 -pix_fmt yuvj420p", "image: mjpeg baseline 0 192x128; still"},
+    {"photo.avif", "-map 0 -frames:v 1 -c:v libaom-av1 -cpu-used 8 -pix_fmt yuv420p",
+     "image: av1 main 0 192x128; still"},
     {"moving.gif", "-map 0 -frames:v 4 -pix_fmt rgb8", "image: gif - 0 192x128 chroma444; still"},
 };
 
@@ -442,6 +444,20 @@ TEST_F(MediaProbe, TellsPackedPicturesByTheEncodersName)
         packed.replace(at, 13, "DivX503b1393p");
     EXPECT_EQ(describe(probeMedia(folder_->write("packed.avi", packed))),
               "avi: mpeg4 simple 1 192x128 packed_bitstream; mp3 - 1 48000");
+}
+
+TEST_F(MediaProbe, TellsPhotosFromSequencesByTheBrand)
+{
+    const std::string film = readFile(clip("h264.mp4"));
+    for (const char *brand : {"heic", "heix", "mif1", "avis", "msf1", "hevc", "hevx"}) {
+        std::string branded = film;
+        branded.replace(8, 4, brand);
+        folder_->write("branded.mp4", branded);
+        const MediaInfo media = probe("branded.mp4");
+        const bool photo = std::string_view("heic heix mif1").find(brand) != std::string::npos;
+        EXPECT_EQ(media.stillImage, photo) << brand;
+        EXPECT_EQ(media.containerName, photo ? "image" : "mp4/isom") << brand;
+    }
 }
 
 TEST_F(MediaProbe, TakesAnyFileNameForOne)

@@ -85,14 +85,28 @@ constexpr struct {
     {"qt", "qt"},
 };
 
+/// The major brand; empty: none.
+std::string_view brandOf(const AVFormatContext &context)
+{
+    const AVDictionaryEntry *brand = av_dict_get(context.metadata, "major_brand", nullptr, 0);
+    return brand ? brand->value : "";
+}
+
+/// Whether the file is a photo, in MP4's boxes. Sequences have brands of their own: avis, msf1, ...
+bool hasPhotoBrand(const AVFormatContext &context)
+{
+    constexpr std::string_view brands[] = {"avif", "heic", "heim", "heis", "heix", "mif1", "mif2"};
+    return std::ranges::find(brands, brandOf(context)) != std::end(brands);
+}
+
 /// Brands that have no name of their own are further forms of "isom": iso2, avc1, dash, ...
 /// A file without a brand is from before there were any.
 const char *subtypeOfMp4(const AVFormatContext &context)
 {
-    const AVDictionaryEntry *brand = av_dict_get(context.metadata, "major_brand", nullptr, 0);
-    if (!brand) return "mov";
+    const std::string_view brand = brandOf(context);
+    if (brand.empty()) return "mov";
     for (const auto &row : s_Brands)
-        if (std::string_view(brand->value).starts_with(row.brand)) return row.subtype;
+        if (brand.starts_with(row.brand)) return row.subtype;
     return "isom";
 }
 
@@ -163,10 +177,11 @@ ContainerName nameContainer(const MediaFile &file)
 
 ContainerIdentity identifyContainer(const MediaFile &file)
 {
+    if (isPictureContainer(file)) return {kUnknownId, "image"};
     const ContainerName name = nameContainer(file);
     int id = 0;
     if (!name.container || ContainerFormatNameToID(name.container, name.subtype, &id) != 0)
-        return {kUnknownId, isPictureContainer(file) ? "image" : file.context()->iformat->name};
+        return {kUnknownId, file.context()->iformat->name};
     if (!name.subtype) return {id, name.container};
     return {id, std::string(name.container) + '/' + name.subtype};
 }
@@ -175,7 +190,7 @@ bool isPictureContainer(const MediaFile &file)
 {
     const std::string_view format = file.context()->iformat->name;
     return format.ends_with("_pipe") || format == "image2" || format == "gif" || format == "apng" ||
-           format == "ico";
+           format == "ico" || hasPhotoBrand(*file.context());
 }
 
 } // namespace vornak::tool
