@@ -77,7 +77,7 @@ constexpr auto s_SubtypeNames = std::to_array<SubtypeName>({
     {kMp4, 1, "m4a"},
     {kMp4, 2, "m4v"},
     {kMp4, 3, "mp41"},
-    {kMp4, 4, "mov"}, // QuickTime files from before there were brands
+    {kMp4, 4, "mov"}, // no brand: QuickTime files have "qt", also those without any
     {kMp4, 5, "msnv"},
     {kMp4, 6, "isom"},
     {kMp4, 7, "mjp2"},

@@ -460,6 +460,16 @@ TEST_F(MediaProbe, TellsPhotosFromSequencesByTheBrand)
     }
 }
 
+TEST_F(MediaProbe, TakesAFileWithoutABrandForQuickTime)
+{
+    std::string old = readFile(clip("constrained.mov"));
+    old.replace(4, 4, "free"); // the box that has it
+    folder_->write("old.mov", old);
+    int mov = 0;
+    ASSERT_EQ(ContainerFormatNameToID("mov", nullptr, &mov), 0);
+    EXPECT_EQ(probe("old.mov").formatId, mov);
+}
+
 TEST_F(MediaProbe, TakesAnyFileNameForOne)
 {
     const std::string content = readFile(clip("h264.mp4"));

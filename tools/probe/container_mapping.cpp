@@ -100,11 +100,11 @@ bool hasPhotoBrand(const AVFormatContext &context)
 }
 
 /// Brands that have no name of their own are further forms of "isom": iso2, avc1, dash, ...
-/// A file without a brand is from before there were any.
+/// A file without a brand is QuickTime's, from before there were any.
 const char *subtypeOfMp4(const AVFormatContext &context)
 {
     const std::string_view brand = brandOf(context);
-    if (brand.empty()) return "mov";
+    if (brand.empty()) return "qt";
     for (const auto &row : s_Brands)
         if (brand.starts_with(row.brand)) return row.subtype;
     return "isom";
