@@ -15,15 +15,19 @@ namespace vornak::tool {
 namespace {
 
 constexpr std::string_view s_MediaExtensions[] = {
-    "264",  "265", "3g2",  "3gp", "aac", "ac3",   "aif",  "aifc", "aiff",  "amr",  "amv",  "ape",
-    "asf",  "au",  "avi",  "caf", "dff", "divx",  "dsf",  "dts",  "dtshd", "dv",   "eac3", "ec3",
-    "evo",  "f4v", "flac", "flv", "gxf", "h264",  "h265", "hevc", "ivf",   "m1v",  "m2p",  "m2t",
-    "m2ts", "m2v", "m4a",  "m4b", "m4v", "mjpeg", "mjpg", "mk3d", "mka",   "mkv",  "mlp",  "mod",
-    "mov",  "mp1", "mp2",  "mp3", "mp4", "mpa",   "mpc",  "mpe",  "mpeg",  "mpg",  "mpv",  "mts",
-    "mxf",  "nsv", "nut",  "obu", "oga", "ogg",   "ogm",  "ogv",  "ogx",   "oma",  "opus", "qt",
-    "ra",   "rm",  "rmvb", "shn", "snd", "spx",   "tak",  "thd",  "tod",   "tp",   "trp",  "ts",
-    "tta",  "tts", "vc1",  "vob", "voc", "vro",   "w64",  "wav",  "wave",  "weba", "webm", "wma",
-    "wmv",  "wtv", "wv",   "y4m",
+    "264",  "265",  "3g2",  "3ga",  "3gp",  "3gp2",  "3gpp", "3gpp2", "aa3",   "aac",   "ac3",
+    "adts", "aif",  "aifc", "aiff", "amr",  "amv",   "ape",  "asf",   "au",    "av1",   "avc",
+    "avi",  "awb",  "caf",  "dff",  "dif",  "divx",  "dsf",  "dts",   "dtshd", "dv",    "dvr-ms",
+    "eac3", "ec3",  "evo",  "f4a",  "f4b",  "f4p",   "f4v",  "flac",  "flv",   "gxf",   "h264",
+    "h265", "hevc", "isma", "ismv", "ivf",  "latm",  "loas", "m1v",   "m2a",   "m2p",   "m2t",
+    "m2ts", "m2v",  "m4a",  "m4b",  "m4p",  "m4r",   "m4v",  "mj2",   "mjp2",  "mjpeg", "mjpg",
+    "mk3d", "mka",  "mkv",  "mlp",  "mod",  "mov",   "mp1",  "mp2",   "mp2v",  "mp3",   "mp4",
+    "mp4v", "mpa",  "mpc",  "mpe",  "mpeg", "mpeg4", "mpg",  "mpg2",  "mpg4",  "mpv",   "mpv2",
+    "mts",  "mxf",  "nsv",  "nut",  "obu",  "oga",   "ogg",  "ogm",   "ogv",   "ogx",   "oma",
+    "omg",  "opus", "qt",   "ra",   "rcv",  "rm",    "rmvb", "shn",   "snd",   "spx",   "ssif",
+    "tak",  "thd",  "tod",  "tp",   "trp",  "ts",    "tta",  "tts",   "vc1",   "vob",   "voc",
+    "vqf",  "vro",  "w64",  "wav",  "wave", "weba",  "webm", "wm",    "wma",   "wmv",   "wtv",
+    "wv",   "xvid", "y4m",
 };
 static_assert(std::is_sorted(std::begin(s_MediaExtensions), std::end(s_MediaExtensions)));
 

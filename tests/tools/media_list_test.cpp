@@ -70,5 +70,16 @@ TEST(MediaList, ReadsNamesALineInTheirPlace)
                                         "-: No such file or directory", "4.mp4"}));
 }
 
+TEST(MediaList, KnowsMediaByTheEndingInAnyCase)
+{
+    for (const char *name :
+         {"a.mp4", "a.M4P", "a.f4a", "a.f4b", "a.m4r", "a.adts", "a.latm", "a.3gpp", "a.b.dvr-ms",
+          "a.3gp2", "a.mp2v", "a.264", "a.y4m", ".a.mkv"})
+        EXPECT_TRUE(tool::hasMediaName(name)) << name;
+    for (const char *name : {"mp4", ".mp4", "a.mp4.", "a.mp", "a.mp4a", "a.txt", "a.jpg", "a.m3u",
+                             "a.srt", "a.dvr", ""})
+        EXPECT_FALSE(tool::hasMediaName(name)) << name;
+}
+
 } // namespace
 } // namespace vornak::test
