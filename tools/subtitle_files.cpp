@@ -1,5 +1,7 @@
 #include "subtitle_files.h"
 
+#include "last_folder.h"
+#include "subtitle/video_stem.h"
 #include "vornak.h"
 
 #include <algorithm>
@@ -27,18 +29,23 @@ SubtitleSearch notSearched(const std::string &folder, int error)
     return search;
 }
 
-} // namespace
+struct VideoPath {
+    std::string folder, name; // the folder ends in '/'
+};
 
-SubtitleSearch searchSubtitles(const std::string &videoPath)
+VideoPath split(const std::string &videoPath)
 {
-    const bool hasFolder = videoPath.find('/') != std::string::npos;
-    const std::string path = hasFolder ? videoPath : "./" + videoPath;
-    const std::size_t start = path.rfind('/') + 1;
-    const std::string folder = path.substr(0, start), name = path.substr(start);
+    const std::size_t slash = videoPath.rfind('/');
+    if (slash == std::string::npos) return {"./", videoPath};
+    return {videoPath.substr(0, slash + 1), videoPath.substr(slash + 1)};
+}
 
+SubtitleSearch listSubtitles(const VideoPath &video)
+{
     std::vector<VIDEO_SUBTITLE_ST> list(VORNAK_SUBTITLE_LIST_SIZE);
+    const std::string path = video.folder + video.name;
     if (findVideoSubtitlesByFullPath(path.c_str(), list.data(), 0) != 0)
-        return notSearched(folder, errno);
+        return notSearched(video.folder, errno);
     SubtitleSearch search;
     for (const VIDEO_SUBTITLE_ST &found : list) {
         if (found.type == VORNAK_SUBTITLE_END) break;
@@ -47,15 +54,29 @@ SubtitleSearch searchSubtitles(const std::string &videoPath)
     std::sort(search.files.begin(), search.files.end(),
               [](const SubtitleFile &a, const SubtitleFile &b) { return a.name < b.name; });
     search.full = search.files.size() == VORNAK_SUBTITLE_LIST_SIZE - 1;
+    return search;
+}
+
+} // namespace
+
+SubtitleSearch searchSubtitles(const std::string &videoPath)
+{
+    const VideoPath video = split(videoPath);
+    SubtitleSearch search = listSubtitles(video);
     char plain[VORNAK_SUBTITLE_PATH_SIZE];
-    if (findVideoSubtitle(folder.c_str(), name.c_str(), plain) == 0)
-        search.plainSrt = plain + folder.size();
+    if (search.error.empty() &&
+        findVideoSubtitle(video.folder.c_str(), video.name.c_str(), plain) == 0)
+        search.plainSrt = plain + video.folder.size();
     return search;
 }
 
 std::vector<SubtitleFile> findSubtitleFiles(const std::string &videoPath)
 {
-    return searchSubtitles(videoPath).files;
+    thread_local LastFolder t_last;
+
+    const VideoPath video = split(videoPath);
+    if (!t_last.mayHold(video.folder, videoStem(video.name))) return {};
+    return listSubtitles(video).files;
 }
 
 } // namespace vornak::tool
