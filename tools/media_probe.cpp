@@ -175,7 +175,9 @@ struct Reading {
 Reading readingFor(const Survey &survey)
 {
     constexpr std::int64_t kQuicklyRead = 1'000'000;
-    const bool readsAll = needsRates(survey) && playedBytes(survey.file) <= kQuicklyRead;
+
+    if (!needsRates(survey)) return {{100, 4'000'000}, 0}; // some seconds of pictures
+    const bool readsAll = playedBytes(survey.file) <= kQuicklyRead;
     // what libavformat has looked at already makes the greater part of the start
     if (!isBareStream(survey)) return {{readsAll ? kAnyNumber : 250, 4'000'000}, 250'000};
     // a place has some seconds of sound, or the pictures from one key frame to the next
@@ -201,6 +203,13 @@ void takeRate(PlayedStream &stream, const SampledStream &start, const SampledStr
         stream.rate.stated = stream.stream->codecpar->bit_rate;
 }
 
+/// Where the pictures' times are all that is asked for, the rest needn't be taken apart.
+void passOverSound(AVFormatContext &context)
+{
+    for (unsigned i = 0; i < context.nb_streams; ++i)
+        if (!isVideo(*context.streams[i])) context.streams[i]->discard = AVDISCARD_ALL;
+}
+
 /// Looks at packets for what the headers left open; at none when there is nothing.
 void takeSamples(Survey &survey)
 {
@@ -210,6 +219,7 @@ void takeSamples(Survey &survey)
     const bool rates = needsRates(survey);
     survey.start.resize(context.nb_streams);
     if (!rates && !needsTimes(survey)) return;
+    if (!rates) passOverSound(context);
     const Reading reading = readingFor(survey);
     PacketSample start = samplePackets(context, reading.start);
     survey.start = std::move(start.streams);
