@@ -542,9 +542,11 @@ TEST_F(MediaProbe, SurvivesDamagedFiles)
 {
     std::mt19937 random(11); // NOLINT(cert-msc51-cpp): the same damage each time
     Capture printed(STDERR_FILENO);
-    for (const char *name : {"h264.mp4", "high.mkv", "cast.ts", "xvid.avi", "cover.mp3", "web.webm",
-                             "hdr.mp4", "disc.vob", "song.flac", "windows.wmv", "free.ogv",
-                             "song.wav", "flash.flv", "photo.png", "song.dts"}) {
+    for (const char *name :
+         {"h264.mp4", "high.mkv", "cast.ts",        "xvid.avi",        "cover.mp3",
+          "web.webm", "hdr.mp4",  "disc.vob",       "song.flac",       "windows.wmv",
+          "free.ogv", "song.wav", "flash.flv",      "photo.png",       "song.dts",
+          "song.aac", "song.mp3", "hevc_fields.ts", "hevc_fields.mp4", "photo.avif"}) {
         const std::string content = readFile(clip(name));
         for (int round = 0; round < 12; ++round) {
             std::string damaged = content;
