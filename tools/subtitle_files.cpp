@@ -1,7 +1,6 @@
 #include "subtitle_files.h"
 
 #include "last_folder.h"
-#include "subtitle/video_stem.h"
 #include "vornak.h"
 
 #include <algorithm>
@@ -75,7 +74,8 @@ std::vector<SubtitleFile> findSubtitleFiles(const std::string &videoPath)
     thread_local LastFolder t_last;
 
     const VideoPath video = split(videoPath);
-    if (!t_last.mayHold(video.folder, videoStem(video.name))) return {};
+    const std::string_view stem = std::string_view(video.name).substr(0, video.name.rfind('.'));
+    if (!t_last.mayHold(video.folder, stem)) return {};
     return listSubtitles(video).files;
 }
 
