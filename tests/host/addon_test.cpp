@@ -3,7 +3,7 @@
 #include "vornak.h"
 
 #include "tests/support/leftovers.h"
-#include "tests/support/private_mounts.h"
+#include "tests/support/private_mounts_test.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -22,18 +22,12 @@ echo "$@" >>/sbin/calls
 [ "$#" = 4 ] && cat "/sbin/$4"
 )";
 
-class AddonTest : public testing::Test {
+class AddonTest : public PrivateMountsTest {
 protected:
-    static void SetUpTestSuite() { whyNot() = enterPrivateMounts(); }
-    static std::string &whyNot()
-    {
-        static std::string reason;
-        return reason;
-    }
-
     void SetUp() override
     {
-        if (!whyNot().empty()) GTEST_SKIP() << whyNot();
+        PrivateMountsTest::SetUp();
+        if (IsSkipped()) return;
         sbin_ = std::make_unique<ScopedMount>(tool_.path().c_str(), "/sbin", nullptr, MS_BIND);
         ASSERT_TRUE(*sbin_) << std::strerror(errno);
         installTool(kQueryTool);

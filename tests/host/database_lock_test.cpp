@@ -2,7 +2,7 @@
 #include "vornak.h"
 
 #include "tests/support/leftovers.h"
-#include "tests/support/private_mounts.h"
+#include "tests/support/private_mounts_test.h"
 
 #include <gtest/gtest.h>
 
@@ -20,18 +20,12 @@
 namespace vornak::test {
 namespace {
 
-class DatabaseLockTest : public testing::Test {
+class DatabaseLockTest : public PrivateMountsTest {
 protected:
-    static void SetUpTestSuite() { whyNot() = enterPrivateMounts(); }
-    static std::string &whyNot()
-    {
-        static std::string reason;
-        return reason;
-    }
-
     void SetUp() override
     {
-        if (!whyNot().empty()) GTEST_SKIP() << whyNot();
+        PrivateMountsTest::SetUp();
+        if (IsSkipped()) return;
         shm_ = std::make_unique<ScopedMount>("none", "/dev/shm", "tmpfs");
         ASSERT_TRUE(*shm_) << std::strerror(errno);
         vornak_db_mutex = nullptr;

@@ -1,6 +1,7 @@
 // The subcommands that ask the appliance, on a stand-in for one.
 #include "stand_in_appliance.h"
 #include "tests/support/doc_examples.h"
+#include "tests/support/private_mounts_test.h"
 
 #include <gtest/gtest.h>
 
@@ -11,18 +12,12 @@
 namespace vornak::test {
 namespace {
 
-class ApplianceCommandTest : public testing::Test {
+class ApplianceCommandTest : public PrivateMountsTest {
 protected:
-    static void SetUpTestSuite() { whyNot() = enterPrivateMounts(); }
-    static std::string &whyNot()
-    {
-        static std::string reason;
-        return reason;
-    }
-
     void SetUp() override
     {
-        if (!whyNot().empty()) GTEST_SKIP() << whyNot();
+        PrivateMountsTest::SetUp();
+        if (IsSkipped()) return;
         appliance_ = std::make_unique<StandInAppliance>();
         if (!appliance_->isComplete()) GTEST_SKIP() << "not everything could be mounted";
     }

@@ -1,7 +1,7 @@
 // vornak lock, as a program, on a lock that nobody else sees.
 #include "vornak.h"
 
-#include "tests/support/private_mounts.h"
+#include "tests/support/private_mounts_test.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
@@ -83,18 +83,12 @@ private:
     int out_ = -1;
 };
 
-class LockCommandTest : public testing::Test {
+class LockCommandTest : public PrivateMountsTest {
 protected:
-    static void SetUpTestSuite() { whyNot() = enterPrivateMounts(); }
-    static std::string &whyNot()
-    {
-        static std::string reason;
-        return reason;
-    }
-
     void SetUp() override
     {
-        if (!whyNot().empty()) GTEST_SKIP() << whyNot();
+        PrivateMountsTest::SetUp();
+        if (IsSkipped()) return;
         shm_ = std::make_unique<ScopedMount>("none", "/dev/shm", "tmpfs");
         ASSERT_TRUE(*shm_) << std::strerror(errno);
     }
