@@ -407,6 +407,15 @@ TEST(ProfileCheck, SaysWhatToDo)
         {R"(NAME="wmav3")", "NAME=\"wmav3\" is no codec known here", "did you mean wmav1?"},
         {R"(NAME="aac" MAXFREQUENCY="44.1K")", "becomes 8000 Hz", "such as 44100"},
         {R"(NAME="aac" PROFILE="hi")", "no profile known", "did you mean he?"},
+        {R"(NAME="aac" PROFILE="lc, he")", "\"lc,he\" is no profile", "write \"lc|he\""},
+        {R"(NAME="aac" PROFILE="main | lc he")", "\"lche\" is no profile", "write \"lc|he\""},
+        {R"(NAME="aac" PROFILE="lc, hee")", "\"lc,hee\" is no profile", "known are main, lc"},
+        {R"(NAME="aac" MAXFREQUENCY="48kHz")", "ends at 'H' and gives 48000", "leave out \"Hz\""},
+        {R"(NAME="aac" MAXBITRATE="320kbps")", "gives 320000", "leave out \"bps\""},
+        {R"(NAME="aac" MAXBITRATE="320 kbps")", "gives 320;", "write a whole number"},
+        {R"(NAME="aac" MAXBITRATE="320KB/s")", "gives 320000", "write a whole number"},
+        {R"(NAME="aac" MAXBITRATE="320K ")", "gives 320000", "remove the blank after it"},
+        {R"(NAME="aac" MAXCHANNELS="2 ch")", "gives 2;", "leave out \" ch\""},
         {R"(NAME="aac" MAXBITRATE="9999M")", "wraps around to 1409065408", "2147483647"},
         {R"(NAME="aac" maxchannels="2")", "unknown attribute maxchannels", "mean MAXCHANNELS?"},
         {R"(NAME="aac" MAXWIDTH="2")", "unknown attribute MAXWIDTH", "it belongs to VCODEC"},
@@ -414,6 +423,32 @@ TEST(ProfileCheck, SaysWhatToDo)
     for (const auto &[rule, problem, advice] : cases) {
         const std::string text =
             checkText(music("<ACODEC " + std::string(rule) + "><FORMAT/></ACODEC>")).text;
+        EXPECT_THAT(text, HasSubstr(problem));
+        EXPECT_THAT(text, HasSubstr(advice));
+    }
+}
+
+TEST(ProfileCheck, SaysWhatToDoOfVideo)
+{
+    const struct {
+        const char *attributes, *problem, *advice;
+    } cases[] = {
+        {R"(PROFILE="main,high")", "\"main,high\" is no profile", "write \"main|high\""},
+        {R"(PROFILE="main;high / high 10")", "no profile", "known are baseline"},
+        {R"(PLAY_EXCEPTION="10bit vfr")", "\"10bitvfr\" is no play", "write \"10bit|vfr\""},
+        {R"(OPTION="-c:v libx264")",
+         "the first ACODEC of a VCODEC says what its sound is transcoded into, and this one has no "
+         "OPTION",
+         "add OPTION=\"-c:a ...\""},
+        {"", "the first VCODEC says what the picture is transcoded into, and this one has no",
+         "add OPTION=\"-c:v ...\""},
+    };
+    for (const auto &[attributes, problem, advice] : cases) {
+        const std::string text =
+            checkText(video("<VCODEC NAME=\"h264\" " + std::string(attributes) +
+                            "><ACODEC NAME=\"aac\"><FORMAT NAME=\"mp4\"/>"
+                            "</ACODEC></VCODEC>"))
+                .text;
         EXPECT_THAT(text, HasSubstr(problem));
         EXPECT_THAT(text, HasSubstr(advice));
     }
@@ -428,17 +463,18 @@ TEST(ProfileCheck, PrintsFindingsByLine)
     const ProcessResult result = check(path);
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out,
-              path +
-                  ":3: error: the first rule says what is transcoded into, and a wildcard says "
-                  "nothing [target-wildcard]\n    put a rule with a codec before it\n" +
-                  path +
-                  ":3: note: mp3 is announced without a MIME type [mime-missing]\n"
-                  "    add MIME\n" +
-                  path +
-                  ":6: warning: VIDEO holds no rule [section-without-rules]\n"
-                  "    add a VCODEC, or remove the section\n" +
-                  path + ": 1 error, 1 warning, 1 note\n");
+    EXPECT_EQ(
+        result.out,
+        path +
+            ":3: error: the first ACODEC of MUSIC says what music is transcoded into, and a "
+            "wildcard says nothing [target-wildcard]\n    put a rule with a codec before it\n" +
+            path +
+            ":3: note: mp3 is announced without a MIME type [mime-missing]\n"
+            "    add MIME\n" +
+            path +
+            ":6: warning: VIDEO holds no rule [section-without-rules]\n"
+            "    add a VCODEC, or remove the section\n" +
+            path + ": 1 error, 1 warning, 1 note\n");
 }
 
 TEST(ProfileCheck, ExamplesAreClean)

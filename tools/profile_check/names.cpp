@@ -10,11 +10,13 @@
 #include <fmt/format.h>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace vornak::tool {
 namespace {
 
-constexpr std::size_t kNameListCapacity = 1023; // characters that the loader looks at
+constexpr std::size_t kNameListCapacity = 1023;           // characters that the loader looks at
+constexpr std::string_view kOtherSeparators = ",;/ \t\n"; // that people write in place of a bar
 
 constexpr int kFirstAudio = 0x10000; // codec ids of sound begin here,
 constexpr int kFirstOther = 0x17000; // and end here
@@ -81,19 +83,30 @@ void checkContainerName(const ElementPlace &place, pugi::xml_attribute name, Rep
                report.suggest(subtype.value(), known, oneOf(known, "leave SUBTYPE out")));
 }
 
-/// The names of a list as the loader splits it; of a list that is too long, those that it sees.
-std::vector<std::string> splitNames(std::string_view value)
+/// The part of a list that the loader sees; blanks don't count.
+std::string_view seenPart(std::string_view list)
 {
-    std::string kept(value);
-    std::erase(kept, ' ');
-    kept.resize(std::min(kept.size(), kNameListCapacity));
-    return splitAtBars(kept);
+    std::size_t room = kNameListCapacity;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        if (list[i] != ' ' && room-- == 0) return list.substr(0, i);
+    return list;
 }
 
-bool isTooLong(std::string_view value)
+struct ListedName {
+    std::string written;
+    std::string name; ///< as the loader looks it up: without blanks
+};
+
+/// The names of a list as the loader splits it; of a list that is too long, those that it sees.
+std::vector<ListedName> splitNames(std::string_view list)
 {
-    return value.size() - static_cast<std::size_t>(std::ranges::count(value, ' ')) >
-           kNameListCapacity;
+    std::vector<ListedName> names;
+    for (std::string &written : splitAtBars(seenPart(list))) {
+        std::string name = written;
+        std::erase(name, ' ');
+        if (!name.empty()) names.push_back({std::move(written), std::move(name)});
+    }
+    return names;
 }
 
 /// What to look up, and what to say of a name that isn't there.
@@ -104,25 +117,45 @@ struct ListKind {
     const char *ifNoneIsLeft;
 };
 
+/// What to write for known names with other separators between them; empty for all else.
+std::string barAdvice(std::string written, const ListKind &kind)
+{
+    std::ranges::replace_if(
+        written, [](char c) { return kOtherSeparators.find(c) != std::string_view::npos; }, '|');
+    const std::vector<std::string> names = splitAtBars(written);
+    int bit = 0;
+    const bool areKnown = std::ranges::all_of(
+        names, [&](const std::string &name) { return kind.lookup(name.c_str(), &bit) == 0; });
+    if (names.empty() || !areKnown) return {};
+    return fmt::format("names are separated by \"|\": write \"{}\"",
+                       excerpt(fmt::format("{}", fmt::join(names, "|"))));
+}
+
 void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKind &kind,
                const std::vector<std::string> &known, Report &report)
 {
-    if (isTooLong(list.value()))
+    const std::string_view value = list.value();
+    if (seenPart(value).size() < value.size())
         report.add(Fault::NameListTooLong, place.element, list,
                    fmt::format("{} is longer than {} characters without its blanks: what lies "
                                "beyond is ignored",
                                shown(list), kNameListCapacity),
                    "shorten it");
-    const std::vector<std::string> names = splitNames(list.value());
-    int bit = 0;
-    const bool noneIsLeft = std::ranges::none_of(
-        names, [&](const std::string &name) { return kind.lookup(name.c_str(), &bit) == 0; });
-    for (const std::string &name : names)
-        if (kind.lookup(name.c_str(), &bit) != 0)
-            report.add(kind.fault, place.element, list,
-                       fmt::format("\"{}\" is no {} known here: it is ignored{}", excerpt(name),
-                                   kind.what, noneIsLeft ? kind.ifNoneIsLeft : ""),
-                       report.suggest(name, known, oneOf(known, "leave it out")));
+    const std::vector<ListedName> names = splitNames(value);
+    const auto isKnown = [&](const ListedName &listed) {
+        int bit = 0;
+        return kind.lookup(listed.name.c_str(), &bit) == 0;
+    };
+    const bool noneIsLeft = std::ranges::none_of(names, isKnown);
+    for (const ListedName &listed : names) {
+        if (isKnown(listed)) continue;
+        const std::string bars = barAdvice(listed.written, kind);
+        report.add(kind.fault, place.element, list,
+                   fmt::format("\"{}\" is no {} known here: it is ignored{}", excerpt(listed.name),
+                               kind.what, noneIsLeft ? kind.ifNoneIsLeft : ""),
+                   bars.empty() ? report.suggest(listed.name, known, oneOf(known, "leave it out"))
+                                : bars);
+    }
 }
 
 constexpr ListKind kProfiles = {Fault::UnknownProfile, ProfileNameToID, "profile",
@@ -134,7 +167,7 @@ void checkProfilesFit(const ElementPlace &place, pugi::xml_attribute list, int c
                       const std::vector<std::string> &known, Report &report)
 {
     int bit = 0;
-    for (const std::string &name : splitNames(list.value())) {
+    for (const auto &[written, name] : splitNames(list.value())) {
         if (ProfileNameToID(name.c_str(), &bit) != 0) continue; // said already
         if (codecHasProfile(codecId, name.c_str())) continue;
         report.add(Fault::ForeignProfile, place.element, list,

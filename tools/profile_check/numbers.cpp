@@ -2,6 +2,7 @@
 #include "checks.h"
 #include "number_scan.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <fmt/format.h>
@@ -25,6 +26,35 @@ struct Number {
     NumberScan scan;
 };
 
+constexpr std::string_view s_Units[] = {"Hz",     "bps", "bit", "bits", "bit/s",
+                                        "bits/s", "b/s", "px",  "ch",   "channels"};
+
+bool equalsLowered(std::string_view text, std::string_view unit)
+{
+    const auto lowered = [](unsigned char c) { return std::tolower(c); };
+    return std::ranges::equal(text, unit, {}, lowered, lowered);
+}
+
+/// Whether what follows a number only says what it counts. A "B" would be bytes, not bits.
+bool isUnit(std::string_view text)
+{
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    return !text.starts_with('B') && std::ranges::any_of(s_Units, [&](std::string_view unit) {
+        return equalsLowered(text, unit);
+    });
+}
+
+std::string stopAdvice(const Number &number)
+{
+    const std::string_view rest = number.text.substr(number.scan.stop);
+    if (number.scan.hasDigits && std::ranges::all_of(rest, isSpace))
+        return "remove the blank after it";
+    if (number.scan.hasDigits && isUnit(rest))
+        return fmt::format("leave out \"{}\", which follows the number", excerpt(rest));
+    return number.suffixes ? "write a whole number; K is 1000, M is 1000000"
+                           : "write a whole number";
+}
+
 void reportStop(const Number &number, Report &report)
 {
     const char c = number.text[number.scan.stop];
@@ -38,8 +68,7 @@ void reportStop(const Number &number, Report &report)
     report.add(Fault::NumberStops, number.place.element, number.attribute,
                fmt::format("{} ends at '{}' {}", shown(number.attribute),
                            excerpt(number.text.substr(number.scan.stop, 1)), read),
-               number.suffixes ? "write a whole number; K is 1000, M is 1000000"
-                               : "write a whole number");
+               stopAdvice(number));
 }
 
 void reportOverflow(const Number &number, Report &report)

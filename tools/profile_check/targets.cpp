@@ -67,13 +67,22 @@ void checkEncoder(const Target &target, Report &report)
                fmt::format("name an encoder of {}", nameOf(target.element)));
 }
 
+/// What the first rule of a list is for.
+std::string firstRuleSays(pugi::xml_node element)
+{
+    const std::string_view parent = element.parent().name();
+    if (parent == "VIDEO") return "the first VCODEC says what the picture is transcoded into";
+    if (parent == "MUSIC") return "the first ACODEC of MUSIC says what music is transcoded into";
+    return "the first ACODEC of a VCODEC says what its sound is transcoded into";
+}
+
 void checkTarget(const Target &target, Report &report)
 {
     const bool isTarget = target.position == 0;
     if (target.codecId == 0) {
         if (isTarget)
             report.add(Fault::TargetWildcard, target.element, target.element.attribute("NAME"),
-                       "the first rule says what is transcoded into, and a wildcard says nothing",
+                       firstRuleSays(target.element) + ", and a wildcard says nothing",
                        "put a rule with a codec before it");
         if (!target.option.empty())
             reportNoEffect(target.element, "OPTION", "nothing is transcoded to a wildcard",
@@ -83,7 +92,7 @@ void checkTarget(const Target &target, Report &report)
     if (!target.option.empty()) return checkEncoder(target, report);
     if (isTarget)
         report.add(Fault::TargetWithoutOption, target.element,
-                   "the first rule says what is transcoded into, and this one has no OPTION",
+                   firstRuleSays(target.element) + ", and this one has no OPTION",
                    fmt::format("add OPTION=\"{} ...\"", target.codecOption));
 }
 
