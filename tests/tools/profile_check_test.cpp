@@ -338,6 +338,7 @@ TEST(ProfileCheck, WhatAnEarlierContainerLeaves)
 
 TEST(ProfileCheck, WholeDocuments)
 {
+    const std::string kWavFormat = "<FORMAT NAME=\"wav\" MIME=\"m\" OPTION=\"-f wav\"/></ACODEC>";
     const std::string longList = "lc" + std::string(1022, '|');
     const struct {
         std::string xml;
@@ -346,6 +347,9 @@ TEST(ProfileCheck, WholeDocuments)
         {music(kMp3Rule + "\n<ACODEC NAME=\"any\" MAXCHANNELS=\"2\">"
                           R"(<FORMAT NAME="mp3" MIME="m" OPTION="-f mp3"/></ACODEC>)"),
          {"2:wildcard-limits"}},
+        {music(kMp3Rule + "\n<ACODEC NAME=\"pcm_s16le\">" + kWavFormat + "\n<ACODEC NAME=\"dsd\">" +
+               kWavFormat + "\n<ACODEC NAME=\"wma\">" + kWavFormat),
+         {"3:narrow-name", "4:narrow-name"}},
         {music(kMp3Rule + "\n<ACODEC NAME=\"acc\" MAXCHANNELS=\"2K\"/>\n<ACODEC/>"),
          {"2:codec-without-containers", "2:unknown-codec", "2:suffix-on-decimal",
           "3:codec-without-containers", "3:missing-name"}},
@@ -405,6 +409,12 @@ TEST(ProfileCheck, SaysWhatToDo)
     } cases[] = {
         {R"(NAME="aacc")", "NAME=\"aacc\" is no codec known here", "did you mean aac?"},
         {R"(NAME="wmav3")", "NAME=\"wmav3\" is no codec known here", "did you mean wmav1?"},
+        {R"(NAME="aac-lc")", "no codec known", R"(write NAME="aac" PROFILE="lc")"},
+        {R"(NAME="HE-AAC")", "no codec known", R"(write NAME="AAC" PROFILE="HE")"},
+        {R"(NAME="aac_he_v2")", "no codec known", R"(write NAME="aac" PROFILE="he_v2")"},
+        {R"(NAME="he-aac-v2")", "no codec known", R"(write NAME="aac" PROFILE="he_v2")"},
+        {R"(NAME="aac-high")", "no codec known", "see the list of codecs"},
+        {R"(NAME="L-PCM")", "is read as pcm_s16le and", "other sample formats need rules"},
         {R"(NAME="aac" MAXFREQUENCY="44.1K")", "becomes 8000 Hz", "such as 44100"},
         {R"(NAME="aac" PROFILE="hi")", "no profile known", "did you mean he?"},
         {R"(NAME="aac" PROFILE="lc, he")", "\"lc,he\" is no profile", "write \"lc|he\""},

@@ -81,6 +81,30 @@ TEST(ProfileGuide, ListsTheNamesOfTheRegistry)
     EXPECT_EQ(exceptions, tool::knownPlayExceptions());
 }
 
+TEST(ProfileGuide, SaysWhatOtherNamesStandFor)
+{
+    int codecs = 0;
+    int profiles = 0;
+    for (const Names &row : rows(section("## Reference: names"))) {
+        const std::string name = codeSpans(row[1]).front();
+        int id = 0;
+        const bool isCodec = CodecNameToID(name.c_str(), &id) == 0;
+        const auto lookup = isCodec ? CodecNameToID : ProfileNameToID;
+        EXPECT_EQ(lookup(name.c_str(), &id), 0) << name;
+        for (const std::string &alias : codeSpans(row[0])) {
+            int found = -1;
+            EXPECT_EQ(lookup(alias.c_str(), &found), 0) << alias;
+            EXPECT_EQ(found, id) << alias << " is not " << name;
+            if (!isCodec) {
+                EXPECT_NE(CodecNameToID(alias.c_str(), &found), 0) << alias << " is a codec, too";
+            }
+            ++(isCodec ? codecs : profiles);
+        }
+    }
+    EXPECT_GE(codecs, 20);
+    EXPECT_GE(profiles, 10);
+}
+
 TEST(ProfileGuide, ListsProfilesAndSubtypesByTheirOwner)
 {
     Names profiles, subtypes;

@@ -20,6 +20,7 @@ constexpr FaultKind s_Kinds[] = {
     {Fault::DuplicateAttribute, Severity::Error, "duplicate-attribute"},
     {Fault::MissingName, Severity::Error, "missing-name"},
     {Fault::UnknownCodec, Severity::Error, "unknown-codec"},
+    {Fault::NarrowName, Severity::Note, "narrow-name"},
     {Fault::UnknownContainer, Severity::Error, "unknown-container"},
     {Fault::UnknownSubtype, Severity::Error, "unknown-subtype"},
     {Fault::UnknownProfile, Severity::Error, "unknown-profile"},

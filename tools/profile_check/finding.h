@@ -25,6 +25,7 @@ enum class Fault {
     DuplicateAttribute,
     MissingName,
     UnknownCodec,
+    NarrowName,
     UnknownContainer,
     UnknownSubtype,
     UnknownProfile,

@@ -3,6 +3,7 @@
 #include "checks.h"
 
 #include "id_names.h"
+#include "name_index.h"
 #include "registry_names.h"
 #include "vornak_host.h"
 
@@ -17,6 +18,9 @@ namespace {
 
 constexpr std::size_t kNameListCapacity = 1023;           // characters that the loader looks at
 constexpr std::string_view kOtherSeparators = ",;/ \t\n"; // that people write in place of a bar
+
+constexpr std::string_view kJoints = "-_. "; // between the two parts of a name
+constexpr std::size_t kMostWords = 6;        // of the longest known names together
 
 constexpr int kFirstAudio = 0x10000; // codec ids of sound begin here,
 constexpr int kFirstOther = 0x17000; // and end here
@@ -50,16 +54,67 @@ std::string oneOf(const std::vector<std::string> &names, std::string_view otherw
     return fmt::format("known are {}", fmt::join(names, ", "));
 }
 
+/// Common names for one codec of a family, where the family may be meant.
+constexpr struct NarrowName {
+    const char *name;
+    const char *others;
+} s_NarrowNames[] = {
+    {"pcm", "other sample formats"},
+    {"lpcm", "other sample formats"},
+    {"dsd", "other bit orders and layouts"},
+    {"wma", "other versions"},
+};
+
+void checkNarrowName(const ElementPlace &place, pugi::xml_attribute name, int codec, Report &report)
+{
+    const auto *const row =
+        std::ranges::find(s_NarrowNames, foldName(name.value()),
+                          [](const NarrowName &narrow) { return foldName(narrow.name); });
+    if (row == std::end(s_NarrowNames)) return;
+    report.add(Fault::NarrowName, place.element, name,
+               fmt::format("{} is read as {} and nothing else", shown(name), codecText(codec)),
+               fmt::format("{} need rules of their own; write NAME=\"{}\" if this one is meant",
+                           row->others, codecText(codec)));
+}
+
+/// `NAME="aac" PROFILE="lc"` for a name that is made of both, "aac-lc" or "lc aac"; else empty.
+std::string codecAndProfile(const std::string &name)
+{
+    std::string joined = name;
+    std::ranges::replace_if(
+        joined, [](char c) { return kJoints.find(c) != std::string_view::npos; }, '|');
+    const std::vector<std::string> words = splitAtBars(joined);
+    const std::size_t count = words.size() > kMostWords ? 0 : words.size();
+    const auto word = [&](std::size_t i) { return words.begin() + static_cast<std::ptrdiff_t>(i); };
+    for (std::size_t from = 0; from < count; ++from)
+        for (std::size_t to = from + 1; to <= count; ++to) {
+            std::vector<std::string> rest(words.begin(), word(from));
+            rest.insert(rest.end(), word(to), words.end());
+            const std::string codec = fmt::format("{}", fmt::join(word(from), word(to), "_"));
+            const std::string profile = fmt::format("{}", fmt::join(rest, "_"));
+            int id = 0;
+            if (CodecNameToID(codec.c_str(), &id) == 0 && codecHasProfile(id, profile.c_str()))
+                return fmt::format("write NAME=\"{}\" PROFILE=\"{}\"", codec, profile);
+        }
+    return {};
+}
+
 void checkCodecName(const ElementPlace &place, pugi::xml_attribute name, Report &report)
 {
     const std::optional<int> codec = codecOf(place.element);
-    if (!codec)
-        return report.add(
-            Fault::UnknownCodec, place.element, name,
-            fmt::format("{} is no codec known here: the {} is left out", shown(name),
-                        place.row.name),
-            report.suggest(name.value(), knownCodecs(place.row.element), "see the list of codecs"));
-    if (!suits(*codec, place.row.element))
+    if (!codec) {
+        const std::string both = codecAndProfile(name.value());
+        return report.add(Fault::UnknownCodec, place.element, name,
+                          fmt::format("{} is no codec known here: the {} is left out", shown(name),
+                                      place.row.name),
+                          both.empty()
+                              ? report.suggest(name.value(), knownCodecs(place.row.element),
+                                               "see the list of codecs")
+                              : both);
+    }
+    if (suits(*codec, place.row.element))
+        checkNarrowName(place, name, *codec, report);
+    else
         report.add(Fault::CodecKind, place.element, name,
                    fmt::format("{} is no {} codec: no source fits this {}", shown(name),
                                place.row.element == kVcodec ? "video" : "audio", place.row.name),
