@@ -188,17 +188,20 @@ int ProfileDocument::lineOf(pugi::xml_node element) const
     return lineAt(static_cast<std::size_t>(element.offset_debug()));
 }
 
-std::vector<int> ProfileDocument::attributeLines(pugi::xml_node element) const
+std::vector<ProfileDocument::WrittenAttribute>
+ProfileDocument::writtenAttributes(pugi::xml_node element) const
 {
-    std::vector<int> lines;
+    std::vector<WrittenAttribute> attributes;
     std::size_t at = static_cast<std::size_t>(element.offset_debug()) + std::strlen(element.name());
     for ([[maybe_unused]] const pugi::xml_attribute attribute : element.attributes()) {
         while (isBlank(text_[at])) ++at;
-        lines.push_back(lineAt(at));
+        const int line = lineAt(at);
         const std::size_t open = text_.find_first_of("\"'", at);
         at = text_.find(text_[open], open + 1) + 1;
+        const std::string_view value = std::string_view(text_).substr(open + 1, at - open - 2);
+        attributes.push_back({line, value});
     }
-    return lines;
+    return attributes;
 }
 
 std::vector<pugi::xml_node> videoRules(pugi::xml_node video)

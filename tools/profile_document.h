@@ -32,8 +32,14 @@ public:
     /// The line of an element's start tag, from 1.
     int lineOf(pugi::xml_node element) const;
 
-    /// The line of each attribute of the element, in their order.
-    std::vector<int> attributeLines(pugi::xml_node element) const;
+    /// An attribute as it is written.
+    struct WrittenAttribute {
+        int line;
+        std::string_view value; ///< with references such as "&amp;" in it
+    };
+
+    /// The attributes of the element, in their order.
+    std::vector<WrittenAttribute> writtenAttributes(pugi::xml_node element) const;
 
 private:
     int lineAt(std::size_t offset) const;

@@ -365,6 +365,15 @@ TEST(ProfileCheck, WholeDocuments)
          {"2:misplaced-element", "3:misplaced-element", "4:unknown-element"}},
         {"<!-- c -->\n<FOO/>\n" + music(kMp3Rule) + "\n<DEVICE/>\n<VIDEO/>",
          {"2:unknown-element", "4:repeated-section", "5:misplaced-element"}},
+        {"<DEVICE\nNAME=\"Tom & Co\"><MUSIC>" + kMp3Rule + "</MUSIC></DEVICE>",
+         {"2:bare-ampersand"}},
+        {"<DEVICE NAME='a&amp;b&#38;&#x26;c' VERSION=\"1&#;\"><MUSIC>" + kMp3Rule +
+             "</MUSIC></DEVICE>",
+         {"1:bare-ampersand", "1:unknown-attribute"}},
+        {music(kMp3Rule +
+               "\n<ACODEC\nNAME=\"aac\"\nOPTION=\"-c:a aac -metadata a=&nbsp;&amp;\">"
+               "<FORMAT NAME=\"mp4\" MIME=\"m\" PN=\"p &amp; q\" OPTION=\"-f mp4\"/></ACODEC>"),
+         {"4:bare-ampersand"}},
         {music("\n\n  channels: 2\n" + kMp3Rule), {"3:stray-text"}},
         {"before\n<DEVICE NAME=\"T\"/>\nbehind",
          {"1:stray-text", "2:device-without-sections", "3:stray-text"}},

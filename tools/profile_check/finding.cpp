@@ -18,6 +18,7 @@ constexpr FaultKind s_Kinds[] = {
     {Fault::StrayText, Severity::Error, "stray-text"},
     {Fault::UnknownAttribute, Severity::Error, "unknown-attribute"},
     {Fault::DuplicateAttribute, Severity::Error, "duplicate-attribute"},
+    {Fault::BareAmpersand, Severity::Warning, "bare-ampersand"},
     {Fault::MissingName, Severity::Error, "missing-name"},
     {Fault::UnknownCodec, Severity::Error, "unknown-codec"},
     {Fault::NarrowName, Severity::Note, "narrow-name"},
@@ -105,22 +106,28 @@ void Report::add(Fault fault, pugi::xml_node element, std::string problem, std::
 void Report::add(Fault fault, pugi::xml_node element, pugi::xml_attribute attribute,
                  std::string problem, std::string advice)
 {
-    const int line = attribute ? lineOf(element, attribute) : lineOf(element);
+    const int line = attribute ? written(element, attribute).line : lineOf(element);
     add(fault, line, element, std::move(problem), std::move(advice));
     findings_.back().attribute = excerpt(attribute.name());
 }
 
-int Report::lineOf(pugi::xml_node element, pugi::xml_attribute attribute)
+std::string_view Report::writtenValue(pugi::xml_node element, pugi::xml_attribute attribute)
+{
+    return written(element, attribute).value;
+}
+
+const ProfileDocument::WrittenAttribute &Report::written(pugi::xml_node element,
+                                                         pugi::xml_attribute attribute)
 {
     if (element != lastElement_) {
-        const std::vector<int> lines = document_.attributeLines(element);
-        attributeLines_.clear();
-        auto line = lines.begin();
+        const auto attributes = document_.writtenAttributes(element);
+        written_.clear();
+        auto next = attributes.begin();
         for (const pugi::xml_attribute each : element.attributes())
-            attributeLines_[each.hash_value()] = *line++;
+            written_[each.hash_value()] = *next++;
         lastElement_ = element;
     }
-    return attributeLines_[attribute.hash_value()];
+    return written_[attribute.hash_value()];
 }
 
 std::string Report::suggest(std::string_view word, const std::vector<std::string> &known,

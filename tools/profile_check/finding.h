@@ -23,6 +23,7 @@ enum class Fault {
     StrayText,
     UnknownAttribute,
     DuplicateAttribute,
+    BareAmpersand,
     MissingName,
     UnknownCodec,
     NarrowName,
@@ -101,6 +102,9 @@ public:
 
     int lineOf(pugi::xml_node element) const { return document_.lineOf(element); }
 
+    /// The value of an element's attribute with its references as they are written.
+    std::string_view writtenValue(pugi::xml_node element, pugi::xml_attribute attribute);
+
     /// "did you mean NAME?", or `otherwise` when no known name is near. The search is slow, so
     /// only so many words of one profile get it.
     std::string suggest(std::string_view word, const std::vector<std::string> &known,
@@ -110,12 +114,13 @@ public:
     std::vector<Finding> sorted() &&;
 
 private:
-    int lineOf(pugi::xml_node element, pugi::xml_attribute attribute);
+    const ProfileDocument::WrittenAttribute &written(pugi::xml_node element,
+                                                     pugi::xml_attribute attribute);
 
     const ProfileDocument &document_;
     std::vector<Finding> findings_;
-    pugi::xml_node lastElement_; // whose attributes' lines are below
-    std::unordered_map<std::size_t, int> attributeLines_;
+    pugi::xml_node lastElement_; // whose attributes are below
+    std::unordered_map<std::size_t, ProfileDocument::WrittenAttribute> written_;
     int suggestions_ = 0;
 };
 

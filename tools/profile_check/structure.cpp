@@ -2,6 +2,7 @@
 #include "checks.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fmt/format.h>
 #include <string_view>
 #include <unordered_set>
@@ -48,6 +49,34 @@ void reportText(pugi::xml_node text, const char *where, pugi::xml_node element, 
         "values belong into attributes");
 }
 
+/// Whether text that begins with '&' begins with a reference that XML knows by itself.
+bool isReference(std::string_view text)
+{
+    constexpr std::string_view s_Named[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
+    if (std::ranges::any_of(s_Named, [&](auto named) { return text.starts_with(named); }))
+        return true;
+    const bool isHex = text.starts_with("&#x");
+    const std::size_t digits = isHex ? 3 : 2;
+    const std::size_t end = text.find_first_not_of(isHex ? "0123456789abcdefABCDEF" : "0123456789",
+                                                   std::min(digits, text.size()));
+    return text.starts_with("&#") && end != std::string_view::npos && end > digits &&
+           text[end] == ';';
+}
+
+void checkAmpersands(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
+{
+    if (!std::strchr(attribute.value(), '&')) return; // none was written, or all were read
+    const std::string_view written = report.writtenValue(place.element, attribute);
+    for (std::size_t at = written.find('&'); at != std::string_view::npos;
+         at = written.find('&', at + 1))
+        if (!isReference(written.substr(at)))
+            return report.add(Fault::BareAmpersand, place.element, attribute,
+                              fmt::format("{} holds a bare \"&\", for which other readers of XML "
+                                          "refuse the file",
+                                          shown(attribute)),
+                              "write &amp; in its place");
+}
+
 void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
 {
     const AttributeRow *row = findAttribute(attribute.name());
@@ -89,6 +118,7 @@ void checkAttributes(const ElementPlace &place, Report &report)
 {
     std::unordered_set<std::string_view> seen;
     for (const pugi::xml_attribute attribute : place.element.attributes()) {
+        checkAmpersands(place, attribute, report);
         if (!seen.insert(attribute.name()).second)
             report.add(Fault::DuplicateAttribute, place.element, attribute,
                        fmt::format("{} is ignored: only the first {} counts", shown(attribute),
