@@ -4,14 +4,12 @@
 #include "diverted_output.h"
 #include "exit_status.h"
 #include "output.h"
-#include "printable.h"
 #include "profile_session.h"
 #include "subcommands.h"
 #include "surroundings.h"
 
 #include <CLI/CLI.hpp>
 
-#include <fmt/format.h>
 #include <memory>
 #include <unistd.h>
 
@@ -44,8 +42,7 @@ struct DecideOptions : DecisionOptions {
 void writeHead(const DecideOptions &options, const DecisionRequest &request,
                const ProfileSession &session)
 {
-    for (const std::string &warning : session.warnings())
-        complain(fmt::format("warning: {}: {}", printable(options.profile), warning));
+    complainOfWarnings(options.profile, session);
     if (options.json) writeOut(jsonHead("vornak-decide", options, request, session));
 }
 

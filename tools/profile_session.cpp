@@ -1,10 +1,12 @@
 #include "profile_session.h"
 
 #include "diverted_output.h"
+#include "output.h"
 #include "printable.h"
 #include "profile_document.h"
 
 #include <cstdlib>
+#include <fmt/format.h>
 #include <sstream>
 #include <unistd.h>
 
@@ -99,6 +101,12 @@ void ProfileSession::findAudioLines(const ProfileDocument &document, const pugi:
         }
         ++rule;
     }
+}
+
+void complainOfWarnings(const std::string &path, const ProfileSession &session)
+{
+    for (const std::string &warning : session.warnings())
+        complainOf(path, fmt::format("warning: {} (vornak profile check says where)", warning));
 }
 
 } // namespace vornak::tool

@@ -43,4 +43,7 @@ private:
     std::vector<std::string> warnings_;
 };
 
+/// Prints what the library said about the profile, a line each.
+void complainOfWarnings(const std::string &path, const ProfileSession &session);
+
 } // namespace vornak::tool

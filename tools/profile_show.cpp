@@ -184,8 +184,7 @@ private:
 int runProfileShow(const ProfileOptions &options)
 {
     const ProfileSession session(options.path);
-    for (const std::string &warning : session.warnings())
-        complain(fmt::format("{}: warning: {}", printable(options.path), warning));
+    complainOfWarnings(options.path, session);
     writeOut(options.json ? jsonOf(options.path, session) : Tree(session).write());
     return kDone;
 }

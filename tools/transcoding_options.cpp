@@ -1,12 +1,6 @@
 #include "transcoding_options.h"
 
-#include "output.h"
-#include "printable.h"
-#include "profile_session.h"
-
 #include <CLI/CLI.hpp>
-
-#include <fmt/format.h>
 
 namespace vornak::tool {
 
@@ -23,12 +17,6 @@ void addFfmpegOption(CLI::App &command, std::string &ffmpeg)
 {
     command.add_option("--ffmpeg", ffmpeg, "The ffmpeg to run (default: the one in PATH)")
         ->type_name("PROGRAM");
-}
-
-void complainOfWarnings(const std::string &profile, const ProfileSession &session)
-{
-    for (const std::string &warning : session.warnings())
-        complain(fmt::format("warning: {}: {}", printable(profile), warning));
 }
 
 } // namespace vornak::tool

@@ -89,7 +89,8 @@ protected:
 TempDir *Decide::s_Dir = nullptr;
 
 constexpr const char *kWarning =
-    "vornak: warning: p.xml: skip unknow video profile name: nosuch !\n";
+    "vornak: p.xml: warning: skip unknow video profile name: nosuch ! (vornak profile check says "
+    "where)\n";
 
 /// The text with those bit rates masked that are the encoder's choice.
 std::string masked(const std::string &text)
