@@ -91,12 +91,40 @@ const CLI::Option *findRepeated(const CLI::App &app)
     return nullptr;
 }
 
+/// The first word such as "--profile=", whose option takes the next word for its value; or empty.
+std::string_view findEmptyValue(int argc, char **argv)
+{
+    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+        const std::string_view word = argv[i];
+        if (word.starts_with("--") && word.find('=') == word.size() - 1) return word;
+    }
+    return {};
+}
+
+/// What an option of several values took, perhaps one that was meant for what is missing.
+std::string takenValues(const CLI::App &app)
+{
+    for (const CLI::Option *option : app.get_options())
+        if (!option->get_positional() && option->get_items_expected_min() > 1 &&
+            option->count() > 0)
+            return fmt::format("; {} takes {} values, here {}", option->get_name(),
+                               option->get_items_expected_min(),
+                               fmt::join(option->results(), " and "));
+    return {};
+}
+
 } // namespace
 
 void parseCommandLine(CLI::App &app, int argc, char **argv)
 {
     unmarkArguments(app);
-    app.parse(markedWords(argc, argv));
+    try {
+        app.parse(markedWords(argc, argv));
+    } catch (const CLI::RequiredError &) {
+        const std::string_view word = findEmptyValue(argc, argv);
+        if (word.empty()) throw;
+        throw CLI::ArgumentMismatch(fmt::format("{} has no value", word));
+    }
 }
 
 std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error)
@@ -108,6 +136,8 @@ std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error
         what = describeExtra(chosen, extras.front());
     else if (const CLI::Option *repeated = findRepeated(chosen))
         what = repeated->get_name() + " may be given once only";
+    else if (dynamic_cast<const CLI::RequiredError *>(&error))
+        what += printable(takenValues(chosen));
     return fmt::format("{} (try: {} --help)", what, fullName(chosen));
 }
 

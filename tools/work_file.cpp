@@ -28,8 +28,13 @@ namespace {
 
 WorkFile::WorkFile(const std::string &folder) : folder_(folder + "/.vornak-XXXXXX")
 {
-    if (!mkdtemp(folder_.data())) refuse(folder, errno);
-    path_ = folder_ + "/output";
+    if (mkdtemp(folder_.data())) {
+        path_ = folder_ + "/output";
+        return;
+    }
+    const int error = errno;
+    throw std::runtime_error(fmt::format("can't write into {}: {}", printable(folder),
+                                         std::generic_category().message(error)));
 }
 
 WorkFile::~WorkFile()

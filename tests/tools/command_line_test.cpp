@@ -13,7 +13,9 @@ std::string parsed(std::vector<std::string> words)
     app.require_subcommand(1);
     CLI::App *decide = app.add_subcommand("decide", "");
     std::string profile;
+    std::pair<std::string, std::string> tags;
     std::vector<std::string> media;
+    decide->add_option("--tags", tags, "");
     decide->add_option("--profile", profile, "")->required();
     decide->add_option("MEDIA", media, "")->required();
     app.add_subcommand("profile", "")->add_subcommand("show", "");
@@ -53,6 +55,11 @@ TEST(CommandLine, TakesAnythingAfterTwoDashes)
         {{"decide", "a", "--profile", "p", "--profile", "q"},
          "--profile may be given once only (try: vornak decide --help)"},
         {{"decide", "a"}, "--profile is required (try: vornak decide --help)"},
+        {{"decide", "--profile=", "a"}, "--profile= has no value (try: vornak decide --help)"},
+        {{"decide", "--profile=p", "--tags", "a", "b"},
+         "MEDIA is required; --tags takes 2 values, here a and b (try: vornak decide --help)"},
+        {{"decide", "--profile=p", "--", "--a="}, "[--a=]"},
+        {{"decide", "--", "--a="}, "--profile is required (try: vornak decide --help)"},
         {{"decode", "a"}, "unknown subcommand decode; did you mean decide? (try: vornak --help)"},
         {{"profile", "shwo"},
          "unknown subcommand shwo; did you mean show? (try: vornak profile --help)"},

@@ -235,7 +235,7 @@ TEST_F(Transcode, KeepsAnOutputThatExists)
         {"dangling", true, "dangling: No such file or directory"},
         {"folder", true, "folder: is no regular file, so it can't be replaced"},
         {"/dev/null", true, "/dev/null: is no regular file, so it can't be replaced"},
-        {"nowhere/out", false, "nowhere: No such file or directory"},
+        {"nowhere/out", false, "can't write into nowhere: No such file or directory"},
         {"old/out", false, "old/out: Not a directory"},
         {"./song.flac", true, "./song.flac: is the file to transcode; name another output"},
     };
