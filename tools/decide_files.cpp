@@ -64,15 +64,15 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
     };
     const auto emit = [&](const Rendered &rendered) {
         progress.hide();
-        if (!rendered.text.empty()) {
-            if (!first) writeOut(separator);
-            writeOut(rendered.text);
-            first = false;
-        }
+        const bool hasText = !rendered.text.empty();
+        // first, so that on a terminal the complaint has a line of its own
+        if (hasText && !first) writeOut(separator);
         if (!rendered.complaint.empty()) {
             complain(rendered.complaint);
             ++totals.undecided;
         }
+        writeOut(rendered.text);
+        first = first && !hasText;
         ++totals.files;
         ++totals.outcomes[static_cast<std::size_t>(rendered.outcome)];
         progress.advance();

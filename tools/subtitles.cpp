@@ -89,9 +89,11 @@ void show(const MediaItem &item, const Options &options, Totals &totals)
 {
     const SubtitleSearch found = search(item);
     const bool failed = !found.error.empty();
+    // first, so that on a terminal the complaint has a line of its own
+    if (options.json && totals.files > 0) writeOut(",\n");
     if (failed) complainOf(item.path, found.error);
     if (options.json)
-        writeOut((totals.files > 0 ? ",\n" : "") + jsonOf(item.path, found));
+        writeOut(jsonOf(item.path, found));
     else if (!failed)
         writeOut(textOf(item.path, found));
     ++totals.files;

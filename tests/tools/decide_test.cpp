@@ -307,6 +307,12 @@ TEST_F(Decide, RefusesBadUsageInOneLine)
     }
 }
 
+TEST_F(Decide, ComplainsBetweenTheLinesOfTheJson)
+{
+    const std::string out = shell("vornak decide --json -p p.xml song.wav nosuch 2>&1").out;
+    EXPECT_NE(out.find("},\nvornak: nosuch: "), std::string::npos) << out;
+}
+
 TEST_F(Decide, EndsQuietlyWhenNobodyReads)
 {
     const struct {

@@ -1,7 +1,7 @@
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace vornak::test {
 namespace {
@@ -65,6 +65,17 @@ TEST(SubtitlesCommand, GoesOnAfterWhatItCannotSearch)
     EXPECT_EQ(result.err, "vornak: " + folder +
                               "film.mkv: its folder's path is longer than 1023 characters\n"
                               "vornak: /dev/null: neither a file nor a folder\n");
+}
+
+TEST(SubtitlesCommand, ComplainsBetweenTheLinesOfTheJson)
+{
+    const TempDir temp;
+    const std::string video = temp.write("film.mkv", "");
+    const ProcessResult result =
+        run({"sh", "-c", R"("$0" subtitles --json "$1" /dev/null "$1" 2>&1)", VORNAK_CLI, video});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out,
+                testing::HasSubstr("\nvornak: /dev/null: neither a file nor a folder\n{"));
 }
 
 TEST(SubtitlesCommand, IsRefusedWithoutMedia)
