@@ -23,10 +23,12 @@ constexpr const char *kLengthHelp =
     R"(Estimates the size of a music file that is transcoded to linear PCM.)";
 
 constexpr const char *kLengthExamples = R"(Examples:
-  vornak length -p hifi.xml song.mp3
+  vornak length -p hifi.xml song.opus
       the size that a server announces before there is any output
-  vornak length -p hifi.xml --verify song.mp3
+  vornak length -p hifi.xml --verify song.opus
       the same, and the size that ffmpeg produces
+  vornak length -p hifi.xml --force song.mp3
+      the size also where the player takes the file as it is
 
 Exit status: 0 estimated, and the sizes agree; 1 no estimate, or they don't; 2 bad usage or a
 profile that can't be loaded.)";
@@ -42,7 +44,8 @@ std::string_view refusalOf(const Decision &decision)
 {
     if (decision.isVideo) return "no estimate, it is a video";
     if (decision.isRefused()) return "no estimate, it is refused";
-    if (!decision.transcodesAudio()) return "no estimate, the sound is not transcoded";
+    if (!decision.transcodesAudio())
+        return "no estimate, the sound is not transcoded (--force estimates it all the same)";
     if (decision.media.duration < 0.5) return "no estimate, it is shorter than a second";
     return "no estimate, the rule's OPTION names no PCM of 44100 to 320000 Hz and up to 8 channels "
            "(-c:a, -ar, -ac), or its container's OPTION is not of known size";

@@ -401,7 +401,8 @@ TEST_F(Transcode, LengthSaysWhyThereIsNone)
         const char *profile, *media, *error;
     } cases[] = {
         {"limits.xml", "film.mkv", "film.mkv: no estimate, it is a video"},
-        {"limits.xml", "song.mp3", "song.mp3: no estimate, the sound is not transcoded"},
+        {"limits.xml", "song.mp3",
+         "song.mp3: no estimate, the sound is not transcoded (--force estimates it all the same)"},
         {"forbids.xml", "song.flac", "song.flac: no estimate, it is refused"},
         {"limits.xml", "song.flac", "song.flac: no estimate, the rule's OPTION names no PCM of "},
         {"limits.xml", "limits.xml", "limits.xml: "},
