@@ -131,7 +131,8 @@ void addAppliance(CLI::App &app, int &status)
     command->add_flag("--json", *asJson, "Print a JSON document");
     command->footer("Examples:\n"
                     "  vornak appliance\n"
-                    "  vornak appliance --json | jq -r .agent.answer\n");
+                    "  vornak appliance --json | jq -r .agent.answer\n\n"
+                    "Exit status: 0 asked, whatever the answers are; 2 bad usage.\n");
     command->callback([asJson, &status] { status = runAppliance(*asJson); });
 }
 

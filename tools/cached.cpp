@@ -93,7 +93,9 @@ void addCached(CLI::App &app, int &status)
     command->add_flag("--json", options->asJson, "Print a JSON document");
     command->footer("Examples:\n"
                     "  vornak cached --tags 720p mp4 film.mkv\n"
-                    "  vornak cached --tags 720p mp4 --json /share/Multimedia\n");
+                    "  vornak cached --tags 720p mp4 --json /share/Multimedia\n\n"
+                    "Exit status: 0 all files were looked at, 1 some could not be, 2 bad "
+                    "usage.\n");
     command->callback([options, &status] { status = runCached(*options); });
 }
 

@@ -174,7 +174,9 @@ void addElements(CLI::App &app, int &status)
                     "Examples:\n"
                     "  vornak elements --codec h264 --container mp4\n"
                     "  vornak elements --codec h264 --container matroska --hardware 1\n"
-                    "  vornak elements --list --json\n");
+                    "  vornak elements --list --json\n\n"
+                    "Exit status: 0 shown, also where there is no element; 2 bad usage or an "
+                    "unknown name.\n");
     command->callback([=, &status] {
         if (!options->all && options->codec.empty() && options->container.empty())
             throw CLI::RequiredError("--codec, --container or --list");

@@ -92,7 +92,9 @@ void addStatus(CLI::App &lock, int &status)
     auto asJson = std::make_shared<bool>(false);
     CLI::App *command = lock.add_subcommand("status", "Tell whether the lock is held");
     command->add_flag("--json", *asJson, "Print a JSON document");
-    command->footer("Example:\n  vornak lock status\n");
+    command->footer("Example:\n  vornak lock status\n\n"
+                    "Exit status: 0 shown, whatever the state is; 2 bad usage or the lock can't "
+                    "be looked at.\n");
     command->callback([asJson, &status] { status = showStatus(*asJson); });
 }
 
@@ -103,7 +105,8 @@ void addRepair(CLI::App &lock, int &status)
         "repair", "Release a lock whose holder died. Only while no process uses the database: "
                   "a living holder loses the lock, too");
     command->add_flag("--json", *asJson, "Print a JSON document");
-    command->footer("Example:\n  vornak lock repair\n");
+    command->footer("Example:\n  vornak lock repair\n\n"
+                    "Exit status: 0 the lock is free, 2 bad usage or the lock can't be opened.\n");
     command->callback([asJson, &status] { status = repair(*asJson); });
 }
 
@@ -130,6 +133,8 @@ void addLock(CLI::App &app, int &status)
     addStatus(*lock, status);
     addRepair(*lock, status);
     addRun(*lock, status);
+    lock->footer("Exit status: 0 done, 2 bad usage or the lock can't be opened; that of run is "
+                 "its command's.\n");
 }
 
 } // namespace vornak::tool

@@ -26,6 +26,10 @@ int run(int argc, char **argv)
     app.require_subcommand(1);
     int status = kDone;
     for (const AddSubcommand add : s_Subcommands) add(app, status);
+    app.footer("vornak COMMAND --help shows each with examples. Text on a terminal is coloured, "
+               "unless\nNO_COLOR is set and not empty.\n\n"
+               "Exit status: 0 done, 1 some file could not be worked on (or a check found "
+               "something), 2 bad\nusage or a profile that can't be loaded.\n");
     try {
         parseCommandLine(app, argc, argv);
     } catch (const CLI::Success &request) {
