@@ -108,13 +108,13 @@ const std::set<std::string> &encoders()
     return names;
 }
 
-/// All profiles; for the sanitized tool, which takes long, one in turn.
+/// All profiles; for the sanitized tool, which takes long, one in turn for every other clip.
 std::span<const char *const> profilesFor(const Clip &clip)
 {
     if (!VORNAK_SANITIZED) return s_Profiles;
     const auto position =
         static_cast<std::size_t>(std::ranges::find(s_Clips, clip.file, &Clip::file) - s_Clips);
-    return std::span(s_Profiles).subspan(position % std::size(s_Profiles), 1);
+    return std::span(s_Profiles).subspan(position / 2 % std::size(s_Profiles), 1 - position % 2);
 }
 
 std::string profilePath(const std::string &name)
@@ -153,6 +153,7 @@ TEST_P(ClosedLoop, EveryProfileTakesWhatItHasMade)
 {
     for (const std::string &encoder : split(GetParam().encoders))
         if (!encoders().contains(encoder)) GTEST_SKIP() << "this ffmpeg has no " << encoder;
+    if (profilesFor(GetParam()).empty()) GTEST_SKIP() << "every other clip is enough here";
     makeClip();
     if (HasFatalFailure()) return;
 

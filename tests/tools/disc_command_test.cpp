@@ -20,6 +20,8 @@ class DiscCommand : public LeakCheck {
 protected:
     static void SetUpTestSuite()
     {
+        // which the new /tmp might hide
+        s_examples = readDocExamples(VORNAK_SOURCE_DIR "/docs/discs-and-subtitles.md");
         const std::string bin = fs::path(VORNAK_CLI).parent_path();
         s_tmp.emplace(bin);
         s_whyNot = s_tmp->whyNot().empty() ? makeDiscImages("/tmp/") : s_tmp->whyNot();
@@ -63,6 +65,8 @@ protected:
         ASSERT_EQ(run({"mount", "-o", "loop,ro", "/tmp/dvd.iso", mountPoint}).err, "");
     }
 
+    static inline std::vector<DocExample> s_examples;
+
 private:
     static inline std::string s_whyNot, s_path;
     static inline std::optional<PrivateTmp> s_tmp;
@@ -72,10 +76,8 @@ TEST_F(DiscCommand, PrintsWhatThePageShows)
 {
     const TempDir temp;
     fs::current_path(temp.path());
-    const std::vector<DocExample> examples =
-        readDocExamples(VORNAK_SOURCE_DIR "/docs/discs-and-subtitles.md");
-    EXPECT_GE(examples.size(), 12U);
-    for (const DocExample &example : examples)
+    EXPECT_GE(s_examples.size(), 12U);
+    for (const DocExample &example : s_examples)
         EXPECT_EQ(run({"sh", "-c", "exec 2>&1; " + example.command}).out, example.output)
             << example.command;
     fs::current_path("/tmp");

@@ -25,7 +25,7 @@ std::string music(const std::string &rules)
 }
 
 // A sanitized tool takes ten times as long.
-constexpr int kThousand = VORNAK_SANITIZED ? 100 : 1000;
+constexpr int kThousand = VORNAK_SANITIZED ? 50 : 1000;
 
 TEST(ProfileSize, TimeGrowsWithTheFile)
 {
