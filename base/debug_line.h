@@ -1,7 +1,7 @@
 // The lines that the library writes about its decisions when the host's g_debug_level is set.
 #pragma once
 
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <cstdio>
 

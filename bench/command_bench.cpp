@@ -1,8 +1,8 @@
 // Commands and option texts against one snprintf() of the same final text. The registry is the
 // program's own and only copies, so that the library is what is measured.
-#include "measure.h"
-#include "vornak.h"
-#include "vornak_host.h"
+#include "bench/measure.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,6 +1,6 @@
 // A video decision against the same comparisons written by hand as plain branches.
-#include "measure.h"
-#include "vornak.h"
+#include "bench/measure.h"
+#include "include/vornak.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // Loading a profile against a plain loader over the same XML parser that fills the same records.
 // The registry is the program's own and next to free, so that the loaders are what is measured.
-#include "measure.h"
-#include "vornak.h"
-#include "vornak_host.h"
+#include "bench/measure.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
 
 #include "tests/support/loaded_profile.h"
 #include "tests/support/temp_dir.h"

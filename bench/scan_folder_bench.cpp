@@ -1,8 +1,8 @@
 // Scans of folders of 10,000 entries against bare readdir loops that make the same name test and
 // the same stat calls. The kernel does most of the work, so time is measured: both sides take
 // turns, and the fastest turn of each counts. Exit status 1 when a ratio is above its limit.
+#include "include/vornak.h"
 #include "tests/support/temp_dir.h"
-#include "vornak.h"
 
 #include <algorithm>
 #include <chrono>

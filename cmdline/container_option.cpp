@@ -1,4 +1,4 @@
-#include "container_option.h"
+#include "cmdline/container_option.h"
 
 #include "decision/rule_index.h"
 

@@ -1,7 +1,7 @@
 // Which container an output goes into: the one that the chosen entry names, or the default.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <optional>
 

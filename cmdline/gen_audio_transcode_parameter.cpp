@@ -1,6 +1,6 @@
-#include "limit_recording.h"
-#include "rule_lookup.h"
-#include "vornak.h"
+#include "cmdline/limit_recording.h"
+#include "cmdline/rule_lookup.h"
+#include "include/vornak.h"
 
 #include "decision/audio_comparisons.h"
 

@@ -1,8 +1,8 @@
-#include "container_option.h"
-#include "option_text.h"
-#include "rule_lookup.h"
-#include "target_tag.h"
-#include "vornak.h"
+#include "cmdline/container_option.h"
+#include "cmdline/option_text.h"
+#include "cmdline/rule_lookup.h"
+#include "cmdline/target_tag.h"
+#include "include/vornak.h"
 
 #include "base/fixed_text.h"
 

@@ -1,5 +1,5 @@
-#include "option_formatters.h"
-#include "vornak.h"
+#include "cmdline/option_formatters.h"
+#include "include/vornak.h"
 
 #include <bit>
 #include <cstring>

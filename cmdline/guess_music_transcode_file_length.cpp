@@ -1,7 +1,7 @@
-#include "container_option.h"
-#include "rule_lookup.h"
-#include "vornak.h"
-#include "vornak_host.h"
+#include "cmdline/container_option.h"
+#include "cmdline/rule_lookup.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
 
 #include <cstring>
 #include <optional>

@@ -2,8 +2,8 @@
 // outside is what the matching refuses: both read the rows of decision/.
 #pragma once
 
-#include "option_formatters.h"
-#include "vornak.h"
+#include "cmdline/option_formatters.h"
+#include "include/vornak.h"
 
 #include "base/debug_line.h"
 #include "decision/comparison.h"

@@ -1,5 +1,5 @@
-#include "rule_lookup.h"
-#include "vornak.h"
+#include "cmdline/rule_lookup.h"
+#include "include/vornak.h"
 
 int getMusicTranscodeDLNAAttr(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int audioIndex,
                               int formatIndex, char **pMime, char **pPN)

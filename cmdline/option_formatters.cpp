@@ -1,6 +1,6 @@
-#include "option_formatters.h"
+#include "cmdline/option_formatters.h"
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "base/heap.h"
 

@@ -1,7 +1,7 @@
 // The pieces that the option texts of music and video files share.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "decision/rule_index.h"
 

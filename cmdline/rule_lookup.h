@@ -1,7 +1,7 @@
 // From the indexes that a host hands back to the records that they name.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "decision/rule_index.h"
 

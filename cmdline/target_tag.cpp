@@ -1,6 +1,6 @@
-#include "target_tag.h"
+#include "cmdline/target_tag.h"
 
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include "base/fixed_text.h"
 

@@ -1,7 +1,7 @@
 // The target format tag: what an output is, in the registry's names.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 

@@ -1,8 +1,8 @@
 // What an audio rule compares with a source, in order; the first row that refuses ends the rule.
 #pragma once
 
-#include "comparison.h"
-#include "vornak.h"
+#include "decision/comparison.h"
+#include "include/vornak.h"
 
 namespace vornak {
 

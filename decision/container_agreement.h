@@ -2,7 +2,7 @@
 // container, the high 16 bits a subtype, 0 for none.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 

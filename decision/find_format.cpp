@@ -1,8 +1,8 @@
-#include "find_format.h"
+#include "decision/find_format.h"
 
 #include "base/debug_line.h"
-#include "container_agreement.h"
-#include "rule_index.h"
+#include "decision/container_agreement.h"
+#include "decision/rule_index.h"
 
 namespace vornak {
 namespace {

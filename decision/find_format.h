@@ -2,7 +2,7 @@
 #pragma once
 
 #include "decision/request.h"
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 

@@ -1,8 +1,8 @@
-#include "find_music.h"
+#include "decision/find_music.h"
 
 #include "base/debug_line.h"
-#include "find_format.h"
-#include "rule_index.h"
+#include "decision/find_format.h"
+#include "decision/rule_index.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 // The audio step of a decision.
 #pragma once
 
-#include "audio_comparisons.h"
+#include "decision/audio_comparisons.h"
 #include "decision/request.h"
 
 namespace vornak {

@@ -1,8 +1,8 @@
-#include "find_video.h"
+#include "decision/find_video.h"
 
 #include "base/debug_line.h"
-#include "find_music.h"
-#include "rule_index.h"
+#include "decision/find_music.h"
+#include "decision/rule_index.h"
 
 namespace vornak {
 namespace {

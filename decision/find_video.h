@@ -2,7 +2,7 @@
 #pragma once
 
 #include "decision/request.h"
-#include "video_comparisons.h"
+#include "decision/video_comparisons.h"
 
 namespace vornak {
 

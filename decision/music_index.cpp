@@ -1,5 +1,5 @@
-#include "find_music.h"
-#include "rule_index.h"
+#include "decision/find_music.h"
+#include "decision/rule_index.h"
 
 int getMusicTranscodeIndex2(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACodecId,
                             int srcAProfileId, int srcALevel, int srcAChannels, int srcABitrate,

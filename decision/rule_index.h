@@ -1,7 +1,7 @@
 // How a rule is named between the library and its host.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 

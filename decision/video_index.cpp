@@ -1,9 +1,9 @@
-#include "find_video.h"
+#include "decision/find_video.h"
 
-#include "audio_comparisons.h"
 #include "base/debug_line.h"
-#include "container_agreement.h"
-#include "rule_index.h"
+#include "decision/audio_comparisons.h"
+#include "decision/container_agreement.h"
+#include "decision/rule_index.h"
 
 int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
                             int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,

@@ -1,7 +1,7 @@
 #include "base/ascii_case.h"
 #include "base/directory.h"
 #include "disc/disc_path.h"
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <cstdio>
 

@@ -1,5 +1,5 @@
 #include "disc/disc_path.h"
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 namespace {

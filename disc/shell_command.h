@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/fixed_text.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <cstdlib>
 

@@ -1,7 +1,7 @@
 #include "disc/in_root.h"
 #include "disc/mount_prefix.h"
 #include "disc/shell_command.h"
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 namespace {

@@ -1,6 +1,6 @@
 // Loads any bytes as a profile and checks what comes out.
-#include "vornak.h"
-#include "vornak_host.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
 
 #include "tests/support/loaded_profile.h"
 

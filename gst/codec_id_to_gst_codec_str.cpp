@@ -1,5 +1,5 @@
-#include "software_decoders.h"
-#include "vornak.h"
+#include "gst/software_decoders.h"
+#include "include/vornak.h"
 
 #include <algorithm>
 #include <iterator>

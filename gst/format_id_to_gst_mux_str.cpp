@@ -1,5 +1,5 @@
 // Container ids to pipeline fragments: FormatId_To_GSTMuxDecStr() and FormatId_To_GSTMuxEncStr().
-#include "vornak.h"
+#include "include/vornak.h"
 
 namespace vornak {
 namespace {

@@ -1,4 +1,4 @@
-#include "addon_registry.h"
+#include "host/addon_registry.h"
 
 #include "base/fixed_text.h"
 

@@ -1,6 +1,6 @@
 // Finding copies that were transcoded ahead of time: IsMusicTranscodeFileReady() and
 // IsVideoTranscodeFileReady().
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "base/fixed_text.h"
 #include "base/heap.h"

@@ -1,5 +1,5 @@
 // The system-wide lock around the host's shared database: Vornak_Mutex_…().
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "base/fixed_text.h"
 #include "base/heap.h"

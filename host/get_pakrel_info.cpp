@@ -1,5 +1,5 @@
-#include "addon_registry.h"
-#include "vornak.h"
+#include "host/addon_registry.h"
+#include "include/vornak.h"
 
 #include "base/fixed_text.h"
 

@@ -1,6 +1,6 @@
 // Whether the add-on's transcoders are there: isHWFfmpegExist() and isVATranscodeExist().
-#include "addon_registry.h"
-#include "vornak.h"
+#include "host/addon_registry.h"
+#include "include/vornak.h"
 
 #include "base/fixed_text.h"
 

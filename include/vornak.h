@@ -16,7 +16,7 @@
  * - Bit rates are in bits per second, sample rates in Hz, picture sizes in pixels.
  *
  * The host provides a registry of media ids, an XML reader and a few utilities; the library
- * leaves those symbols undefined. platform/vornak_host.h says what it expects of them.
+ * leaves those symbols undefined. vornak_host.h says what it expects of them.
  */
 #ifndef VORNAK_H
 #define VORNAK_H

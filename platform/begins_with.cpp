@@ -1,4 +1,4 @@
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <string_view>
 

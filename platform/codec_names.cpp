@@ -1,8 +1,8 @@
 // Codecs: their numbers are those of libavcodec's classic numbering, and the names that library's.
-#include "registry_names.h"
+#include "platform/registry_names.h"
 
 #include "base/fixed_text.h"
-#include "name_index.h"
+#include "platform/name_index.h"
 
 namespace vornak {
 namespace {

@@ -1,8 +1,8 @@
 // Containers and their subtypes: the brands of MP4 files, and what Matroska files say they are.
-#include "registry_names.h"
+#include "platform/registry_names.h"
 
 #include "base/fixed_text.h"
-#include "name_index.h"
+#include "platform/name_index.h"
 
 namespace vornak {
 namespace {

@@ -1,3 +1,3 @@
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 int g_debug_level = 0;

@@ -1,7 +1,7 @@
 // How the registry finds a name: tables folded and sorted while compiling, one binary search.
 #pragma once
 
-#include "registry_names.h"
+#include "platform/registry_names.h"
 
 #include <algorithm>
 #include <array>

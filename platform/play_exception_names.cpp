@@ -1,7 +1,7 @@
 // Play exceptions: what players stumble over in a video whose codec, profile and level they take.
-#include "registry_names.h"
+#include "platform/registry_names.h"
 
-#include "name_index.h"
+#include "platform/name_index.h"
 
 namespace vornak {
 namespace {

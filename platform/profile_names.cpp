@@ -1,10 +1,10 @@
 // Codec profiles. There are more than an int has bits, so codecs share bits; but a name has one
 // bit, whatever the codec, since ProfileNameToID() is not told which codec is meant.
-#include "registry_names.h"
+#include "platform/registry_names.h"
 
 #include "base/fixed_text.h"
-#include "codec_ids.h"
-#include "name_index.h"
+#include "platform/codec_ids.h"
+#include "platform/name_index.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 // All names of the registry, for those who list them or look for the nearest one.
 #pragma once
 
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <span>
 

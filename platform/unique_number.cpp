@@ -2,9 +2,9 @@
 // all processes share it, forked ones included, and it survives them. It is never behind the
 // clock. So when the file is lost, the new counter starts past the numbers given out before,
 // unless those were taken at more than one a second ever since the lost one was made.
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
-#include "descriptor.h"
+#include "platform/descriptor.h"
 
 #include <algorithm>
 #include <atomic>

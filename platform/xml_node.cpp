@@ -1,6 +1,6 @@
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
-#include "descriptor.h"
+#include "platform/descriptor.h"
 
 #include <cerrno>
 #include <cstring>

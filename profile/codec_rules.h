@@ -1,8 +1,8 @@
 // The audio rules below one element, with their containers.
 #pragma once
 
-#include "vornak.h"
-#include "vornak_host.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
 
 namespace vornak {
 

@@ -1,4 +1,4 @@
-#include "name_list.h"
+#include "profile/name_list.h"
 
 #include <cstddef>
 #include <cstdio>

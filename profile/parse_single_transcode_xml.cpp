@@ -1,9 +1,9 @@
-#include "vornak.h"
+#include "include/vornak.h"
 
-#include "codec_rules.h"
-#include "profile_release.h"
-#include "rule_table.h"
-#include "video_rules.h"
+#include "profile/codec_rules.h"
+#include "profile/profile_release.h"
+#include "profile/rule_table.h"
+#include "profile/video_rules.h"
 
 #include <cstdlib>
 #include <cxxabi.h>

@@ -1,4 +1,4 @@
-#include "profile_release.h"
+#include "profile/profile_release.h"
 
 #include <cstdlib>
 

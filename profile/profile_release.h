@@ -1,7 +1,7 @@
 // The owner of a profile while it is being loaded.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 // How a table of rules is read from the elements below one parent; the same for all records.
 #pragma once
 
-#include "profile_release.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
+#include "profile/profile_release.h"
 
 #include <cstddef>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "sample_rates.h"
+#include "profile/sample_rates.h"
 
 namespace vornak {
 namespace {

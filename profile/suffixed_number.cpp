@@ -1,4 +1,4 @@
-#include "suffixed_number.h"
+#include "profile/suffixed_number.h"
 
 #include <cstdint>
 #include <cstdlib>

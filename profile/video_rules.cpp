@@ -1,9 +1,9 @@
-#include "video_rules.h"
+#include "profile/video_rules.h"
 
-#include "codec_rules.h"
-#include "name_list.h"
-#include "rule_table.h"
-#include "suffixed_number.h"
+#include "profile/codec_rules.h"
+#include "profile/name_list.h"
+#include "profile/rule_table.h"
+#include "profile/suffixed_number.h"
 
 namespace vornak {
 namespace {

@@ -1,8 +1,8 @@
 // The video rules of a profile, with their audio rules.
 #pragma once
 
-#include "vornak.h"
-#include "vornak_host.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
 
 namespace vornak {
 

@@ -1,7 +1,7 @@
 #include "base/directory.h"
 #include "base/fixed_text.h"
+#include "include/vornak.h"
 #include "subtitle/video_stem.h"
-#include "vornak.h"
 
 #include <climits>
 

@@ -1,8 +1,8 @@
 #include "base/directory.h"
 #include "base/fixed_text.h"
+#include "include/vornak.h"
 #include "subtitle/subtitle_list.h"
 #include "subtitle/video_stem.h"
-#include "vornak.h"
 
 #include <cstdio>
 

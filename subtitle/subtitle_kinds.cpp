@@ -1,4 +1,4 @@
-#include "vornak.h"
+#include "include/vornak.h"
 
 VIDEO_SUBTITLE_ST g_support_subtitles[] = {
     // type               fileName lang ext     what follows the stem

@@ -1,7 +1,7 @@
 // The list of subtitle files that a caller provides and a scan of the video's folder fills.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 // vornak: what a player takes of a media file, and why not the rest.
-#include "exit_status.h"
-#include "output.h"
-#include "run_vornak.h"
+#include "tools/commands/run_vornak.h"
+#include "tools/terminal/exit_status.h"
+#include "tools/terminal/output.h"
 
 #include <exception>
 

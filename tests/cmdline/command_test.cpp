@@ -1,5 +1,5 @@
-#include "constraint_bytes.h"
-#include "vornak.h"
+#include "include/vornak.h"
+#include "tests/cmdline/constraint_bytes.h"
 
 #include "tests/support/capture.h"
 

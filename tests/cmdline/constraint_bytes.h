@@ -1,7 +1,7 @@
 // A constraint set as the bytes that it is, for tests that nothing else of it has changed.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <string_view>
 

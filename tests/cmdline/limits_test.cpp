@@ -1,6 +1,6 @@
-#include "constraint_bytes.h"
-#include "vornak.h"
-#include "vornak_host.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
+#include "tests/cmdline/constraint_bytes.h"
 
 #include "tests/support/capture.h"
 

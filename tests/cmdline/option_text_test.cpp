@@ -1,6 +1,6 @@
-#include "scripted_registry.h"
-#include "vornak.h"
-#include "vornak_host.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
+#include "tests/cmdline/scripted_registry.h"
 
 #include "base/fixed_text.h"
 

@@ -1,6 +1,6 @@
-#include "scripted_registry.h"
+#include "tests/cmdline/scripted_registry.h"
 
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "rules.h"
+#include "tests/decision/rules.h"
 
 #include <gtest/gtest.h>
 

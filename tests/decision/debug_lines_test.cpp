@@ -1,5 +1,5 @@
-#include "rules.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
+#include "tests/decision/rules.h"
 
 #include "tests/support/capture.h"
 

@@ -1,7 +1,7 @@
 // Small rule tables for the decision tests.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 // The decision stated a second time, as plainly as it can be, and compared with the library's
 // over random tables and sources.
-#include "rules.h"
+#include "tests/decision/rules.h"
 
 #include <gtest/gtest.h>
 #include <random>

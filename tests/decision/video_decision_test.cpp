@@ -1,4 +1,4 @@
-#include "rules.h"
+#include "tests/decision/rules.h"
 
 #include <climits>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // Folders of a disc with files of any size, which take no room on the real disc.
 #pragma once
 
+#include "include/vornak.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/temp_dir.h"
-#include "vornak.h"
 
 #include <cstring>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "host_functions.h"
+#include "tests/disc/host_functions.h"
 
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <dlfcn.h>
 

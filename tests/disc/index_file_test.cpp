@@ -1,4 +1,4 @@
-#include "disc_folder.h"
+#include "tests/disc/disc_folder.h"
 
 #include <array>
 

@@ -1,9 +1,9 @@
 // The commands that mounting runs, seen by stand-ins of mount, umount and rmdir in PATH.
-#include "host_functions.h"
+#include "include/vornak.h"
+#include "tests/disc/host_functions.h"
 #include "tests/support/capture.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/temp_dir.h"
-#include "vornak.h"
 
 #include <climits>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 // Real images on real loop devices, in mounts and a /tmp that are this process's own.
-#include "host_functions.h"
+#include "include/vornak.h"
+#include "tests/disc/host_functions.h"
 #include "tests/support/disc_images.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/private_tmp.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
-#include "vornak.h"
 
 #include <csignal>
 #include <sys/statvfs.h>

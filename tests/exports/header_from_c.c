@@ -1,5 +1,5 @@
 /* The public header is C: this compiles it alone, as C11, and links a call of each kind. */
-#include "vornak.h"
+#include <vornak.h>
 
 #include <stdio.h>
 

@@ -1,4 +1,4 @@
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The add-on registry through a stand-in query tool at its real place, which answers with the
 // file named after the key and notes its arguments.
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "tests/support/leftovers.h"
 #include "tests/support/private_mounts_test.h"

@@ -1,4 +1,4 @@
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "tests/support/leftovers.h"
 #include "tests/support/temp_dir.h"

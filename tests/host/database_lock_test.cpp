@@ -1,5 +1,5 @@
 // The lock between real processes, with a /dev/shm that nobody else sees.
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "tests/support/leftovers.h"
 #include "tests/support/private_mounts_test.h"

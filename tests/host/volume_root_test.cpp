@@ -1,5 +1,5 @@
 // The volume root inside root directories of the test's own.
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "tests/support/leftovers.h"
 #include "tests/support/temp_dir.h"

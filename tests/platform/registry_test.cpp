@@ -1,6 +1,6 @@
-#include "registry_names.h"
-#include "vornak.h"
-#include "vornak_host.h"
+#include "include/vornak.h"
+#include "include/vornak_host.h"
+#include "platform/registry_names.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "profile_fixture.h"
-#include "recording_host.h"
+#include "tests/profile/profile_fixture.h"
+#include "tests/profile/recording_host.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,6 @@
 // Loads a profile again and again, each time with another allocation that fails. The program
 // brings its own allocation functions, which come before those of the C library.
-#include "profile_fixture.h"
+#include "tests/profile/profile_fixture.h"
 
 #include <cstddef>
 #include <cstdint>

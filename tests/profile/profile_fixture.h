@@ -1,7 +1,7 @@
 // Loads profiles from texts and keeps what the loader wrote.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "tests/support/capture.h"
 #include "tests/support/loaded_profile.h"

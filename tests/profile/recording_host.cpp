@@ -1,6 +1,6 @@
-#include "recording_host.h"
+#include "tests/profile/recording_host.h"
 
-#include "vornak_host.h"
+#include "include/vornak_host.h"
 
 #include <cstring>
 #include <dlfcn.h>

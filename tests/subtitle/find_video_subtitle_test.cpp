@@ -1,6 +1,6 @@
+#include "include/vornak.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/temp_dir.h"
-#include "vornak.h"
 
 #include <array>
 

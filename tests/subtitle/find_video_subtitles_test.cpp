@@ -1,8 +1,8 @@
 #include "base/fixed_text.h"
+#include "include/vornak.h"
 #include "tests/support/capture.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/temp_dir.h"
-#include "vornak.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // A loaded profile that is freed as its owner has to, and its whole content as text.
 #pragma once
 
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include <cstdlib>
 #include <memory>

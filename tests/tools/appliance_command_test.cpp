@@ -1,7 +1,7 @@
 // The subcommands that ask the appliance, on a stand-in for one.
-#include "stand_in_appliance.h"
 #include "tests/support/doc_examples.h"
 #include "tests/support/private_mounts_test.h"
+#include "tests/tools/stand_in_appliance.h"
 
 #include <gtest/gtest.h>
 

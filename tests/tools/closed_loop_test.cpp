@@ -1,6 +1,6 @@
 // Decide, transcode, decide again: what a profile has made of a clip, it takes as it is.
-#include "profile_session.h"
-#include "transcoding.h"
+#include "tools/profile/profile_session.h"
+#include "tools/transcode/transcode_file.h"
 
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"

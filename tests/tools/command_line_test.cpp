@@ -1,4 +1,4 @@
-#include "tools/command_line.h"
+#include "tools/terminal/command_line.h"
 
 #include <gtest/gtest.h>
 

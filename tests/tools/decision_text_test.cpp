@@ -1,10 +1,10 @@
 // Whole texts for sources made up here, against a profile that reaches every kind of decision.
+#include "include/vornak_host.h"
 #include "tests/support/temp_dir.h"
-#include "tools/decision_json.h"
-#include "tools/decision_text.h"
-#include "tools/profile_session.h"
-#include "tools/surroundings.h"
-#include "vornak_host.h"
+#include "tools/decide/decision_json.h"
+#include "tools/decide/decision_text.h"
+#include "tools/decide/surroundings.h"
+#include "tools/profile/profile_session.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

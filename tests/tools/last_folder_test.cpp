@@ -1,4 +1,4 @@
-#include "last_folder.h"
+#include "tools/files/last_folder.h"
 
 #include "tests/support/temp_dir.h"
 

@@ -1,5 +1,5 @@
 // vornak lock, as a program, on a lock that nobody else sees.
-#include "vornak.h"
+#include "include/vornak.h"
 
 #include "tests/support/private_mounts_test.h"
 #include "tests/support/process.h"

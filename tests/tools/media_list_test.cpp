@@ -1,5 +1,5 @@
 #include "tests/support/temp_dir.h"
-#include "tools/media_list.h"
+#include "tools/files/media_list.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 // Real clips, made anew by ffmpeg for each run, against what was asked of it.
-#include "media_probe.h"
+#include "tools/probe/media_probe.h"
 
+#include "include/vornak_host.h"
 #include "tests/support/capture.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
-#include "vornak_host.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "tools/nearest_name.h"
+#include "tools/terminal/nearest_name.h"
 
 #include <gtest/gtest.h>
 

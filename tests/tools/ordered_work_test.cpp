@@ -1,4 +1,4 @@
-#include "tools/ordered_work.h"
+#include "tools/files/ordered_work.h"
 
 #include <atomic>
 #include <chrono>

@@ -1,9 +1,9 @@
-#include "probe/bit_rates.h"
-#include "probe/ebml_doc_type.h"
-#include "probe/frame_rate.h"
-#include "probe/h264_references.h"
-#include "probe/hevc_source.h"
-#include "probe/mpeg4_headers.h"
+#include "tools/probe/bit_rates.h"
+#include "tools/probe/ebml_doc_type.h"
+#include "tools/probe/frame_rate.h"
+#include "tools/probe/h264_references.h"
+#include "tools/probe/hevc_source.h"
+#include "tools/probe/mpeg4_headers.h"
 
 #include <bit>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // vornak profile check: what it finds in profiles, and what it does not.
-#include "profile_check/checks.h"
+#include "tools/check/checks.h"
 
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"

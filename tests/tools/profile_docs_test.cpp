@@ -1,11 +1,11 @@
 // docs/profile-format.md and docs/json.md: what they list is what there is, and what they show is
 // what happens.
-#include "id_names.h"
-#include "profile_check/finding.h"
-#include "profile_check/schema.h"
-#include "reason_text.h"
-#include "registry_names.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
+#include "platform/registry_names.h"
+#include "tools/check/finding.h"
+#include "tools/check/schema.h"
+#include "tools/decide/reason_text.h"
+#include "tools/profile/id_names.h"
 
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"

@@ -1,4 +1,4 @@
-#include "shell_text.h"
+#include "tools/terminal/shell_text.h"
 
 #include "tests/support/process.h"
 

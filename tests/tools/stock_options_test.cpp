@@ -1,4 +1,4 @@
-#include "stock_options.h"
+#include "tools/transcode/stock_options.h"
 
 #include <fmt/ranges.h>
 #include <gtest/gtest.h>

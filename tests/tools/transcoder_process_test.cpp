@@ -1,5 +1,5 @@
-#include "transcode_progress.h"
-#include "transcoder_process.h"
+#include "tools/transcode/ffmpeg_progress.h"
+#include "tools/transcode/ffmpeg_run.h"
 
 #include <chrono>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "probe/bit_rates.h"
+#include "tools/probe/bit_rates.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
-#include "probe/codec_mapping.h"
+#include "tools/probe/codec_mapping.h"
 
-#include "media_info.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
+#include "tools/probe/media_info.h"
 
 #include <string_view>
 

@@ -1,9 +1,9 @@
-#include "probe/container_mapping.h"
+#include "tools/probe/container_mapping.h"
 
-#include "media_info.h"
-#include "probe/ebml_doc_type.h"
-#include "probe/media_file.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
+#include "tools/probe/ebml_doc_type.h"
+#include "tools/probe/media_file.h"
+#include "tools/probe/media_info.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "probe/ebml_doc_type.h"
+#include "tools/probe/ebml_doc_type.h"
 
 #include <algorithm>
 #include <bit>

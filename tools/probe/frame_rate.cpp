@@ -1,4 +1,4 @@
-#include "probe/frame_rate.h"
+#include "tools/probe/frame_rate.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "probe/freed_memory.h"
+#include "tools/probe/freed_memory.h"
 
 #include <malloc.h>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "probe/h264_fields.h"
+#include "tools/probe/h264_fields.h"
 
 #include <new>
 

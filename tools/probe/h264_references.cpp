@@ -1,6 +1,6 @@
-#include "probe/h264_references.h"
+#include "tools/probe/h264_references.h"
 
-#include "probe/bit_reader.h"
+#include "tools/probe/bit_reader.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "probe/hevc_source.h"
+#include "tools/probe/hevc_source.h"
 
-#include "probe/bit_reader.h"
+#include "tools/probe/bit_reader.h"
 
 namespace vornak::tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "probe/libav_log.h"
+#include "tools/probe/libav_log.h"
 
 #include <cstdarg>
 #include <cstdio>

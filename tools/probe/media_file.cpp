@@ -1,8 +1,8 @@
-#include "probe/media_file.h"
+#include "tools/probe/media_file.h"
 
-#include "printable.h"
-#include "probe/freed_memory.h"
-#include "probe/libav_log.h"
+#include "tools/probe/freed_memory.h"
+#include "tools/probe/libav_log.h"
+#include "tools/terminal/printable.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
-#include "probe/mpeg4_headers.h"
+#include "tools/probe/mpeg4_headers.h"
 
-#include "probe/bit_reader.h"
+#include "tools/probe/bit_reader.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
-#include "probe/packet_sample.h"
+#include "tools/probe/packet_sample.h"
 
-#include "probe/h264_fields.h"
+#include "tools/probe/h264_fields.h"
 
 #include <algorithm>
 #include <memory>

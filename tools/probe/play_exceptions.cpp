@@ -1,10 +1,10 @@
-#include "probe/play_exceptions.h"
+#include "tools/probe/play_exceptions.h"
 
-#include "probe/frame_rate.h"
-#include "probe/h264_references.h"
-#include "probe/hevc_source.h"
-#include "probe/mpeg4_headers.h"
-#include "vornak_host.h"
+#include "include/vornak_host.h"
+#include "tools/probe/frame_rate.h"
+#include "tools/probe/h264_references.h"
+#include "tools/probe/hevc_source.h"
+#include "tools/probe/mpeg4_headers.h"
 
 #include <span>
 

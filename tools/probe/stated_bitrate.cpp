@@ -1,6 +1,6 @@
-#include "probe/stated_bitrate.h"
+#include "tools/probe/stated_bitrate.h"
 
-#include "probe/media_file.h"
+#include "tools/probe/media_file.h"
 
 #include <cstdlib>
 #include <string_view>

@@ -1,0 +1,187 @@
+// Limits that do nothing, turn everything away, or are written in another scale.
+#include "tools/check/checks.h"
+#include "tools/check/number_scan.h"
+
+#include "include/vornak_host.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vornak::tool {
+namespace {
+
+// Levels as the streams code them.
+constexpr int s_H264Levels[] = {9,  10, 11, 12, 13, 20, 21, 22, 30, 31,
+                                32, 40, 41, 42, 50, 51, 52, 60, 61, 62};
+constexpr int s_HevcLevels[] = {30, 60, 63, 90, 93, 120, 123, 150, 153, 156, 180, 183, 186};
+
+constexpr struct LevelScale {
+    const char *codec;
+    int factor; // of the level as people write it, such as 4.1
+    std::span<const int> levels;
+} s_LevelScales[] = {
+    {"h264", 10, s_H264Levels},
+    {"hevc", 30, s_HevcLevels},
+};
+
+bool isCodec(pugi::xml_node element, const char *name)
+{
+    int known = 0;
+    return CodecNameToID(name, &known) == 0 && codecOf(element) == known;
+}
+
+/// The number that the loader reads from an attribute other than a frequency; 0 without one.
+int numberIn(pugi::xml_node element, const char *name)
+{
+    const std::string_view text = element.attribute(name).value();
+    const bool suffixes = findAttribute(name)->reading == Reading::Suffixed;
+    const std::size_t start = suffixes ? 0 : text.find_first_not_of(" \t\n\v\f\r");
+    return start < text.size() ? scanNumber(text, start, suffixes).value : 0;
+}
+
+/// "write 41 for level 4.1", if that is what the text means.
+std::string levelAdvice(const LevelScale &scale, const char *text)
+{
+    double level = std::strtod(text, nullptr);
+    if (level >= 10) level /= 10;
+    const auto coded = std::lround(std::clamp(level, 0.0, 99.0) * scale.factor);
+    if (std::ranges::find(scale.levels, coded) != scale.levels.end())
+        return fmt::format("write {} for level {:.1f}", coded, level);
+    return fmt::format("the levels of {} are {}", scale.codec, fmt::join(scale.levels, ", "));
+}
+
+void checkLevel(pugi::xml_node element, Report &report)
+{
+    const pugi::xml_attribute attribute = element.attribute("LEVEL");
+    const int level = numberIn(element, "LEVEL");
+    if (level <= 0) return;
+    if (isCodec(element, "mpeg2video"))
+        return report.add(Fault::LevelsRunBackwards, element, attribute,
+                          fmt::format("{}: the levels of MPEG-2 run backwards (low 10, main 8, "
+                                      "high 1440 6, high 4), so this takes the higher ones too",
+                                      shown(attribute)),
+                          "limit the size in its place");
+    for (const LevelScale &scale : s_LevelScales)
+        if (isCodec(element, scale.codec) &&
+            std::ranges::find(scale.levels, level) == scale.levels.end())
+            report.add(Fault::LevelScale, element, attribute,
+                       fmt::format("{} is read as {}, which is no level of {}", shown(attribute),
+                                   level, scale.codec),
+                       levelAdvice(scale, attribute.value()));
+}
+
+void checkWildcard(pugi::xml_node element, unsigned elements, Report &report)
+{
+    if (codecOf(element) != 0) return;
+    std::vector<const char *> ignored;
+    for (const AttributeRow &row : attributeRows())
+        if (row.isLimit && (row.elements & elements) != 0 && element.attribute(row.name))
+            ignored.push_back(row.name);
+    if (!ignored.empty())
+        report.add(Fault::WildcardLimits, element, element.attribute(ignored.front()),
+                   fmt::format("the wildcard takes every source, whatever its {} say",
+                               fmt::join(ignored, ", ")),
+                   "remove them, or name the codec");
+}
+
+/// Whether both sizes of a pair are set.
+bool isPair(pugi::xml_node element, const char *width, const char *height)
+{
+    return numberIn(element, width) > 0 && numberIn(element, height) > 0;
+}
+
+void checkSizePair(pugi::xml_node element, const char *width, const char *height, Report &report)
+{
+    const bool hasWidth = numberIn(element, width) > 0;
+    if (hasWidth == (numberIn(element, height) > 0)) return;
+    const char *given = hasWidth ? width : height;
+    const char *lacking = hasWidth ? height : width;
+    report.add(Fault::HalfSizePair, element, element.attribute(given),
+               fmt::format("{} does nothing without {}", given, lacking),
+               fmt::format("add {}", lacking));
+}
+
+/// @param tolerance  how far the bounds may lie apart, for bounds that are to be met
+void checkOrder(int minimum, int maximum, int tolerance, const char *minName, const char *maxName,
+                pugi::xml_node element, Report &report)
+{
+    if (minimum <= 0 || maximum <= 0) return;
+    const std::int64_t apart = std::int64_t{minimum} - maximum;
+    const bool fails = tolerance > 0 ? std::abs(apart) > 2 * std::int64_t{tolerance} : apart > 0;
+    if (!fails) return;
+    report.add(Fault::MinAboveMax, element, element.attribute(minName),
+               tolerance > 0
+                   ? fmt::format("{} {} and {} {} lie further apart than TOLERANCE bridges: no "
+                                 "source is close to both",
+                                 minName, minimum, maxName, maximum)
+                   : fmt::format("{} {} lies above {} {}: no source fits", minName, minimum,
+                                 maxName, maximum),
+               tolerance > 0 ? "with TOLERANCE, set one pair of sizes" : "exchange the two");
+}
+
+void checkSnapped(int limit, const char *name, pugi::xml_node element, Report &report)
+{
+    const pugi::xml_attribute attribute = element.attribute(name);
+    if (!attribute) return;
+    const int read = scanNumber(attribute.value(), 0, true).value;
+    if (read == limit) return;
+    report.add(Fault::FrequencySnapped, element, attribute,
+               fmt::format("{} is read as {} and becomes {} Hz, the nearest standard rate",
+                           shown(attribute), read, limit),
+               "write the rate in full, such as 44100");
+}
+
+/// The order of two numbers as they are written.
+void checkWritten(pugi::xml_node element, const char *minName, const char *maxName, int tolerance,
+                  Report &report)
+{
+    checkOrder(numberIn(element, minName), numberIn(element, maxName), tolerance, minName, maxName,
+               element, report);
+}
+
+void checkSizes(pugi::xml_node element, Report &report)
+{
+    checkSizePair(element, "MAXWIDTH", "MAXHEIGHT", report);
+    checkSizePair(element, "MINWIDTH", "MINHEIGHT", report);
+    const bool hasMax = isPair(element, "MAXWIDTH", "MAXHEIGHT");
+    const bool hasMin = isPair(element, "MINWIDTH", "MINHEIGHT");
+    const int tolerance = numberIn(element, "TOLERANCE");
+    if (tolerance > 0 && !hasMax && !hasMin)
+        report.add(Fault::ToleranceWithoutSizes, element, element.attribute("TOLERANCE"),
+                   "TOLERANCE does nothing without a pair of sizes",
+                   "add MAXWIDTH and MAXHEIGHT, or remove it");
+    if (!hasMax || !hasMin) return;
+    checkWritten(element, "MINWIDTH", "MAXWIDTH", tolerance, report);
+    checkWritten(element, "MINHEIGHT", "MAXHEIGHT", tolerance, report);
+}
+
+} // namespace
+
+void checkLimits(const ElementPlace &place, Report &report)
+{
+    if ((place.row.element & (kVcodec | kAcodec)) == 0) return;
+    checkWildcard(place.element, place.row.element, report);
+    checkLevel(place.element, report);
+    checkWritten(place.element, "MINBITRATE", "MAXBITRATE", 0, report);
+    if (place.row.element == kVcodec) checkSizes(place.element, report);
+    if (place.row.element == kAcodec)
+        checkWritten(place.element, "MINCHANNELS", "MAXCHANNELS", 0, report);
+}
+
+void checkFrequencies(const Place &place, Report &report)
+{
+    const AudioRule &rule = *place.audio.record;
+    const pugi::xml_node element = place.audio.element;
+    checkSnapped(rule.maxSampleRate, "MAXFREQUENCY", element, report);
+    checkSnapped(rule.minSampleRate, "MINFREQUENCY", element, report);
+    checkOrder(rule.minSampleRate, rule.maxSampleRate, 0, "MINFREQUENCY", "MAXFREQUENCY", element,
+               report);
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,158 @@
+// What stands in a profile that the loader passes over.
+#include "tools/check/checks.h"
+
+#include <algorithm>
+#include <cstring>
+#include <fmt/format.h>
+#include <string_view>
+#include <unordered_set>
+
+namespace vornak::tool {
+namespace {
+
+void reportUnknownChild(const ElementPlace &place, pugi::xml_node child, Report &report)
+{
+    report.add(Fault::UnknownElement, child,
+               fmt::format("unknown element {} in {}: it is ignored, with all that it holds",
+                           excerpt(child.name()), place.row.name),
+               report.suggest(child.name(), childNames(place.row.element), "remove it"));
+}
+
+void checkChildElement(const ElementPlace &place, pugi::xml_node child, Report &report)
+{
+    const ElementRow *row = findElement(child.name());
+    if (!row) return reportUnknownChild(place, child, report);
+    if ((row->parents & place.row.element) == 0)
+        return report.add(Fault::MisplacedElement, child,
+                          fmt::format("{} in {} is ignored", row->name, place.row.name),
+                          row->parents == kDocument
+                              ? "a file holds one DEVICE"
+                              : fmt::format("put it into {}", elementNames(row->parents)));
+    const bool isSection = (row->element & (kMusic | kVideo)) != 0;
+    if (isSection && child.previous_sibling(row->name))
+        report.add(Fault::RepeatedSection, child,
+                   fmt::format("a second {} section is ignored", row->name),
+                   "move its rules into the first one");
+}
+
+void reportText(pugi::xml_node text, const char *where, pugi::xml_node element, Report &report)
+{
+    constexpr std::string_view kBlanks = " \t\r\n";
+    std::string_view words = text.value();
+    const std::size_t blanks = words.find_first_not_of(kBlanks);
+    const auto lines = std::ranges::count(words.substr(0, blanks), '\n');
+    words.remove_prefix(blanks);
+    words = words.substr(0, words.find_last_not_of(kBlanks) + 1);
+    report.add(
+        Fault::StrayText, report.lineOf(text) + static_cast<int>(lines), element,
+        fmt::format("the text \"{}\" {} {} is ignored", excerpt(words), where, element.name()),
+        "values belong into attributes");
+}
+
+/// Whether text that begins with '&' begins with a reference that XML knows by itself.
+bool isReference(std::string_view text)
+{
+    constexpr std::string_view s_Named[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
+    if (std::ranges::any_of(s_Named, [&](auto named) { return text.starts_with(named); }))
+        return true;
+    const bool isHex = text.starts_with("&#x");
+    const std::size_t digits = isHex ? 3 : 2;
+    const std::size_t end = text.find_first_not_of(isHex ? "0123456789abcdefABCDEF" : "0123456789",
+                                                   std::min(digits, text.size()));
+    return text.starts_with("&#") && end != std::string_view::npos && end > digits &&
+           text[end] == ';';
+}
+
+void checkAmpersands(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
+{
+    if (!std::strchr(attribute.value(), '&')) return; // none was written, or all were read
+    const std::string_view written = report.writtenValue(place.element, attribute);
+    for (std::size_t at = written.find('&'); at != std::string_view::npos;
+         at = written.find('&', at + 1))
+        if (!isReference(written.substr(at)))
+            return report.add(Fault::BareAmpersand, place.element, attribute,
+                              fmt::format("{} holds a bare \"&\", for which other readers of XML "
+                                          "refuse the file",
+                                          shown(attribute)),
+                              "write &amp; in its place");
+}
+
+void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
+{
+    const AttributeRow *row = findAttribute(attribute.name());
+    if (row && (row->elements & place.row.element) != 0) return;
+    const std::string problem = fmt::format("unknown attribute {} of {} is ignored",
+                                            excerpt(attribute.name()), place.row.name);
+    report.add(
+        Fault::UnknownAttribute, place.element, attribute, problem,
+        row ? fmt::format("it belongs to {}", elementNames(row->elements))
+            : report.suggest(attribute.name(), attributeNames(place.row.element), "remove it"));
+}
+
+} // namespace
+
+void checkBeside(pugi::xml_node device, Report &report)
+{
+    for (const pugi::xml_node node : device.parent().children()) {
+        if (node.type() == pugi::node_pcdata) reportText(node, "beside", device, report);
+        if (node.type() != pugi::node_element || node == device) continue;
+        const ElementRow *row = findElement(node.name());
+        const Fault fault = !row                      ? Fault::UnknownElement
+                            : row->element == kDevice ? Fault::RepeatedSection
+                                                      : Fault::MisplacedElement;
+        report.add(fault, node,
+                   fmt::format("{} beside the first DEVICE is ignored", excerpt(node.name())),
+                   "a file holds one DEVICE, and all else in it");
+    }
+}
+
+void checkChildren(const ElementPlace &place, Report &report)
+{
+    for (const pugi::xml_node child : place.element.children()) {
+        if (child.type() == pugi::node_element) checkChildElement(place, child, report);
+        if (child.type() == pugi::node_pcdata) reportText(child, "in", place.element, report);
+    }
+}
+
+void checkAttributes(const ElementPlace &place, Report &report)
+{
+    std::unordered_set<std::string_view> seen;
+    for (const pugi::xml_attribute attribute : place.element.attributes()) {
+        checkAmpersands(place, attribute, report);
+        if (!seen.insert(attribute.name()).second)
+            report.add(Fault::DuplicateAttribute, place.element, attribute,
+                       fmt::format("{} is ignored: only the first {} counts", shown(attribute),
+                                   excerpt(attribute.name())),
+                       "remove one of them");
+        else
+            checkAttribute(place, attribute, report);
+    }
+}
+
+void checkNeeded(const ElementPlace &place, Report &report)
+{
+    constexpr struct {
+        unsigned element;
+        Fault fault;
+        const char *problem;
+        const char *advice;
+    } s_Needs[] = {
+        {kDevice, Fault::DeviceWithoutSections,
+         "DEVICE holds neither MUSIC nor VIDEO: it serves nothing", "add a section with rules"},
+        {kMusic, Fault::SectionWithoutRules, "MUSIC holds no rule",
+         "add an ACODEC, or remove the section"},
+        {kVideo, Fault::SectionWithoutRules, "VIDEO holds no rule",
+         "add a VCODEC, or remove the section"},
+        {kVcodec, Fault::VideoWithoutAudio, "VCODEC without an ACODEC is left out",
+         "add the sound that may come with this picture"},
+        {kAcodec, Fault::CodecWithoutContainers, "ACODEC without a FORMAT is left out",
+         "add the containers that the player takes it from"},
+    };
+    const auto isThere = [&](const std::string &name) { return place.element.child(name.c_str()); };
+    for (const auto &need : s_Needs)
+        if (place.row.element == need.element &&
+            std::ranges::none_of(childNames(need.element), isThere))
+            report.add(need.fault, place.element, need.problem, need.advice);
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,321 @@
+// Whether what is transcoded into is described, and makes what the player takes.
+#include "tools/check/bar_list.h"
+#include "tools/check/checks.h"
+
+#include "include/vornak_host.h"
+#include "platform/registry_names.h"
+#include "tools/check/option_words.h"
+#include "tools/profile/id_names.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::string_view s_VideoCodecOptions[] = {"-c:v", "-codec:v", "-vcodec", "-c:v:0"};
+constexpr std::string_view s_AudioCodecOptions[] = {"-c:a", "-codec:a", "-acodec", "-c:a:0"};
+
+std::string_view textOf(const char *option)
+{
+    return option ? option : "";
+}
+
+std::string nameOf(pugi::xml_node element)
+{
+    return excerpt(element.attribute("NAME").value());
+}
+
+void reportNoEffect(pugi::xml_node element, const char *attribute, std::string_view reason,
+                    const char *advice, Report &report)
+{
+    report.add(Fault::NoEffect, element, element.attribute(attribute),
+               fmt::format("{} has no effect here: {}", attribute, reason), advice);
+}
+
+/// What a codec rule is, whichever of the two kinds.
+struct Target {
+    pugi::xml_node element;
+    int codecId;
+    int position;
+    std::string_view option;
+    std::span<const std::string_view> codecOptions;
+    const char *codecOption; ///< the usual one of them
+};
+
+void checkEncoder(const Target &target, Report &report)
+{
+    const pugi::xml_attribute attribute = target.element.attribute("OPTION");
+    const auto encoder = optionValue(target.option, target.codecOptions);
+    if (!encoder) {
+        if (target.position == 0)
+            report.add(Fault::TargetWithoutOption, target.element, attribute,
+                       fmt::format("OPTION has no {}: the transcoder chooses the codec by itself",
+                                   target.codecOption),
+                       fmt::format("name an encoder of {}", nameOf(target.element)));
+        return;
+    }
+    const auto made = encodedCodec(*encoder);
+    if ((made && *made == target.codecId) || (!made && *encoder != "copy")) return;
+    report.add(Fault::OptionCodec, target.element, attribute,
+               fmt::format("{} {} does not make {}", target.codecOption, excerpt(*encoder),
+                           nameOf(target.element)),
+               fmt::format("name an encoder of {}", nameOf(target.element)));
+}
+
+/// What the first rule of a list is for.
+std::string firstRuleSays(pugi::xml_node element)
+{
+    const std::string_view parent = element.parent().name();
+    if (parent == "VIDEO") return "the first VCODEC says what the picture is transcoded into";
+    if (parent == "MUSIC") return "the first ACODEC of MUSIC says what music is transcoded into";
+    return "the first ACODEC of a VCODEC says what its sound is transcoded into";
+}
+
+void checkTarget(const Target &target, Report &report)
+{
+    const bool isTarget = target.position == 0;
+    if (target.codecId == 0) {
+        if (isTarget)
+            report.add(Fault::TargetWildcard, target.element, target.element.attribute("NAME"),
+                       firstRuleSays(target.element) + ", and a wildcard says nothing",
+                       "put a rule with a codec before it");
+        if (!target.option.empty())
+            reportNoEffect(target.element, "OPTION", "nothing is transcoded to a wildcard",
+                           "remove it", report);
+        return;
+    }
+    if (!target.option.empty()) return checkEncoder(target, report);
+    if (isTarget)
+        report.add(Fault::TargetWithoutOption, target.element,
+                   firstRuleSays(target.element) + ", and this one has no OPTION",
+                   fmt::format("add OPTION=\"{} ...\"", target.codecOption));
+}
+
+/// An option whose value a limit of the same rule turns away.
+template <class Rule>
+struct LimitRow {
+    std::string_view option;
+    const char *attribute;
+    int Rule::*limit;
+    bool isMaximum;
+};
+
+constexpr LimitRow<VideoRule> s_VideoLimits[] = {
+    {"-b:v", "MAXBITRATE", &VideoRule::maxBitrate, true},
+    {"-b:v", "MINBITRATE", &VideoRule::minBitrate, false},
+};
+constexpr LimitRow<AudioRule> s_AudioLimits[] = {
+    {"-b:a", "MAXBITRATE", &AudioRule::maxBitrate, true},
+    {"-b:a", "MINBITRATE", &AudioRule::minBitrate, false},
+    {"-ac", "MAXCHANNELS", &AudioRule::maxChannels, true},
+    {"-ac", "MINCHANNELS", &AudioRule::minChannels, false},
+    {"-ar", "MAXFREQUENCY", &AudioRule::maxSampleRate, true},
+    {"-ar", "MINFREQUENCY", &AudioRule::minSampleRate, false},
+};
+
+void reportLimit(pugi::xml_node element, std::string_view option, std::string_view value,
+                 const char *attribute, Report &report)
+{
+    report.add(Fault::OptionLimit, element, element.attribute("OPTION"),
+               fmt::format("{} {} makes what {} of this rule turns away", option, excerpt(value),
+                           shown(element.attribute(attribute))),
+               "a transcoded file would be transcoded again: change one of the two");
+}
+
+template <class Rule>
+void checkOptionLimits(std::span<const LimitRow<Rule>> rows, const Rule &rule,
+                       pugi::xml_node element, Report &report)
+{
+    for (const LimitRow<Rule> &row : rows) {
+        const int limit = rule.*row.limit;
+        const auto value = optionValue(textOf(rule.option), row.option);
+        const auto number = value ? optionNumber(*value) : std::nullopt;
+        if (!number || limit <= 0) continue;
+        if (row.isMaximum ? *number > limit : *number < limit)
+            reportLimit(element, row.option, *value, row.attribute, report);
+    }
+}
+
+void checkOptionProfile(int codecId, int profiles, std::string_view option, std::string_view value,
+                        pugi::xml_node element, Report &report)
+{
+    const std::string name(value);
+    int bit = 0;
+    if (profiles <= 0 || ProfileNameToID(name.c_str(), &bit) != 0) return;
+    if (codecHasProfile(codecId, name.c_str()) && (bit & profiles) == 0)
+        reportLimit(element, option, value, "PROFILE", report);
+}
+
+constexpr std::string_view s_LevelOptions[] = {"-level", "-level:v"};
+
+/// A level of H.264 or HEVC, written as 4.1; the streams count in tenths or thirtieths.
+void checkOptionLevel(const VideoRule &rule, pugi::xml_node element, Report &report)
+{
+    const auto value = optionValue(textOf(rule.option), s_LevelOptions);
+    const auto level = value ? optionNumber(*value) : std::nullopt;
+    if (!level || rule.vLevel <= 0) return;
+    int h264 = 0;
+    int hevc = 0;
+    if (CodecNameToID("h264", &h264) != 0 || CodecNameToID("hevc", &hevc) != 0) return;
+    if (rule.vCodecId != h264 && rule.vCodecId != hevc) return;
+    const double coded = *level < 10 ? *level * (rule.vCodecId == h264 ? 10 : 30) : *level;
+    if (std::lround(coded) > rule.vLevel) reportLimit(element, "-level", *value, "LEVEL", report);
+}
+
+void checkForbidden(int noTranscode, pugi::xml_node element, const char *effect, Report &report)
+{
+    if (noTranscode == 1)
+        report.add(Fault::TargetForbidden, element, element.attribute("NOTRANSCODE"),
+                   fmt::format("NOTRANSCODE here {}", effect),
+                   "remove it, unless files that don't fit are to be refused");
+}
+
+/// Whether a muxer writes one of the subtypes that lead to the id.
+bool writesSubtype(const MuxerRow &row, int formatId)
+{
+    return std::ranges::any_of(splitAtBars(row.subtypes), [&](const std::string &name) {
+        int id = 0;
+        return ContainerFormatNameToID(row.container, name.c_str(), &id) == 0 && id == formatId;
+    });
+}
+
+void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &report)
+{
+    const auto muxer = optionValue(textOf(entry.option), "-f");
+    const MuxerRow *row = muxer ? findMuxer(*muxer) : nullptr;
+    int made = 0;
+    if (!row || ContainerFormatNameToID(row->container, nullptr, &made) != 0) return;
+    if (entry.formatId == 0) return;
+    const bool subtypeIsSet = optionValue(textOf(entry.option), "-brand").has_value();
+    const bool needsSubtype = entry.formatId >> 16 != 0 && !subtypeIsSet;
+    if (made == (entry.formatId & 0xFFFF) && (!needsSubtype || writesSubtype(*row, entry.formatId)))
+        return;
+    report.add(
+        Fault::OptionContainer, element, element.attribute("OPTION"),
+        fmt::format("-f {} does not make {}", excerpt(*muxer), containerText(entry.formatId)),
+        "name the format that NAME and SUBTYPE say");
+}
+
+/// The container that everything goes into which isn't sent as it is.
+void checkFirstContainer(const Place &place, Report &report)
+{
+    const ContainerEntry &entry = *place.entry.record;
+    const pugi::xml_node element = place.entry.element;
+    const bool isTarget = place.audio.position == 0;
+    if (isTarget)
+        checkForbidden(entry.noTranscode, element,
+                       "refuses every file whose sound needs transcoding", report);
+    // kept sound beside a transcoded picture comes into its own first container
+    const bool takesPicture = place.video.record && place.video.position == 0;
+    if (entry.formatId == 0 && (isTarget || takesPicture))
+        report.add(Fault::TargetWildcard, element, element.attribute("NAME"),
+                   "the first container says what is made, and a wildcard says nothing",
+                   "put a container before it");
+    if (entry.formatId == 0 || entry.noTranscode == 1) return;
+    if (!optionValue(textOf(entry.option), "-f"))
+        report.add(Fault::ContainerWithoutOption, element, element.attribute("OPTION"),
+                   "what is put into the first container needs an OPTION with -f",
+                   "add OPTION=\"-f ...\"");
+}
+
+/// The containers for which DLNA names profiles, with the codec that they hold.
+constexpr struct NamedByDlna {
+    const char *container, *codec, *example;
+} s_NamedByDlna[] = {
+    {"mp3", "mp3", "MP3"},
+    {"adts", "aac", "AAC_ADTS"},
+    {"mp4", "aac", "AAC_ISO"},
+    {"ac3", "ac3", "AC3"},
+    {"asf", "wmav2", "WMABASE"},
+    {"mpegps", "mpeg1video", "MPEG1"},
+    {"mpegps", "mpeg2video", "MPEG_PS_PAL"},
+    {"mpegts", "mpeg2video", "MPEG_TS_SD_EU_ISO"},
+    {"mpegts", "h264", "AVC_TS_MP_HD_AC3_ISO"},
+    {"mp4", "h264", "AVC_MP4_MP_SD_AAC_MULT5"},
+    {"mp4", "mpeg4", "MPEG4_P2_MP4_ASP_AAC"},
+    {"asf", "wmv3", "WMVMED_FULL"},
+    {"asf", "vc1", "VC1_ASF_AP_L1_WMA"},
+};
+
+const char *dlnaExample(int containerId, int codecId)
+{
+    for (const NamedByDlna &row : s_NamedByDlna) {
+        int container = 0;
+        int codec = 0;
+        if (ContainerFormatNameToID(row.container, nullptr, &container) == 0 &&
+            CodecNameToID(row.codec, &codec) == 0 && container == containerId && codec == codecId)
+            return row.example;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void checkVideoTarget(const Place &place, Report &report)
+{
+    const VideoRule &rule = *place.video.record;
+    const pugi::xml_node element = place.video.element;
+    checkTarget({element, rule.vCodecId, place.video.position, textOf(rule.option),
+                 s_VideoCodecOptions, "-c:v"},
+                report);
+    if (place.video.position != 0) return;
+    checkForbidden(rule.noTranscode, element, "refuses every file that needs transcoding", report);
+    checkOptionLimits<VideoRule>(s_VideoLimits, rule, element, report);
+    checkOptionLevel(rule, element, report);
+    for (const std::string_view option : {"-profile:v", "-vprofile"})
+        if (const auto value = optionValue(textOf(rule.option), option))
+            checkOptionProfile(rule.vCodecId, rule.vProfileId, option, *value, element, report);
+}
+
+void checkAudioTarget(const Place &place, Report &report)
+{
+    const AudioRule &rule = *place.audio.record;
+    const pugi::xml_node element = place.audio.element;
+    checkTarget({element, rule.aCodecId, place.audio.position, textOf(rule.option),
+                 s_AudioCodecOptions, "-c:a"},
+                report);
+    if (rule.noTranscode != 0)
+        reportNoEffect(element, "NOTRANSCODE", "no decision looks at it",
+                       "write it at the VCODEC, or at the first FORMAT", report);
+    if (place.audio.position == 0)
+        checkOptionLimits<AudioRule>(s_AudioLimits, rule, element, report);
+}
+
+void checkContainerTarget(const Place &place, Report &report)
+{
+    const ContainerEntry &entry = *place.entry.record;
+    const pugi::xml_node element = place.entry.element;
+    checkMuxer(entry, element, report);
+    if (entry.formatId == 0 && entry.option)
+        reportNoEffect(element, "OPTION", "the usual one of the source's container is taken",
+                       "remove it", report);
+    if (place.entry.position == 0)
+        checkFirstContainer(place, report);
+    else if (entry.noTranscode != 0)
+        reportNoEffect(element, "NOTRANSCODE", "that of the first FORMAT alone counts",
+                       "write it at the first FORMAT, or remove it", report);
+}
+
+void checkAnnouncement(const Place &place, Report &report)
+{
+    const ContainerEntry &entry = *place.entry.record;
+    if (entry.formatId == 0) return;
+    if (!entry.mime)
+        report.add(Fault::MimeMissing, place.entry.element,
+                   fmt::format("{} is announced without a MIME type", nameOf(place.entry.element)),
+                   "add MIME");
+    const int codecId =
+        place.video.record ? place.video.record->vCodecId : place.audio.record->aCodecId;
+    if (const char *example = dlnaExample(entry.formatId & 0xFFFF, codecId); example && !entry.pn)
+        report.add(Fault::PnMissing, place.entry.element,
+                   fmt::format("{} is announced without a DLNA profile name, and there are such",
+                               nameOf(place.entry.element)),
+                   fmt::format("add PN, such as {}", example));
+}
+
+} // namespace vornak::tool

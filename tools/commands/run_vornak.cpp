@@ -1,0 +1,45 @@
+#include "tools/commands/run_vornak.h"
+
+#include "tools/commands/subcommands.h"
+#include "tools/terminal/command_line.h"
+#include "tools/terminal/exit_status.h"
+#include "tools/terminal/output.h"
+
+#include <CLI/CLI.hpp>
+
+namespace vornak::tool {
+namespace {
+
+// in the order of the help text
+constexpr AddSubcommand s_Subcommands[] = {
+    addDecide, addProfile,  addCommand, addTranscode, addLength, addSubtitles,
+    addDisc,   addElements, addCached,  addAppliance, addLock,
+};
+
+} // namespace
+
+int runVornak(int argc, char **argv)
+{
+    CLI::App app{"Says what a DLNA player takes of a media file as it is, what must be "
+                 "transcoded, and why"};
+    app.name("vornak");
+    app.set_version_flag("--version", "vornak " VORNAK_VERSION);
+    app.require_subcommand(1);
+    int status = kDone;
+    for (const AddSubcommand add : s_Subcommands) add(app, status);
+    app.footer("vornak COMMAND --help shows each with examples. Text on a terminal is coloured, "
+               "unless\nNO_COLOR is set and not empty.\n\n"
+               "Exit status: 0 done, 1 some file could not be worked on (or a check found "
+               "something), 2 bad\nusage or a profile that can't be loaded.\n");
+    try {
+        parseCommandLine(app, argc, argv);
+    } catch (const CLI::Success &request) {
+        return app.exit(request); // help or version
+    } catch (const CLI::ParseError &error) {
+        complain(describeUsageError(app, error));
+        return kUnusable;
+    }
+    return status;
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,86 @@
+#include "tools/decide/decide_files.h"
+
+#include "tools/files/media_list.h"
+#include "tools/files/ordered_work.h"
+#include "tools/probe/media_probe.h"
+#include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
+#include "tools/terminal/progress.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <iostream>
+#include <thread>
+
+namespace vornak::tool {
+namespace {
+
+FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
+                      const MediaItem &item)
+{
+    if (!item.error.empty()) return Undecided{"cannot-open", item.error};
+    ProbeResult probe = probeMedia(item.path);
+    if (!probe.media) return Undecided{"cannot-probe", probe.error};
+    return decide(session, request, std::move(*probe.media));
+}
+
+Outcome outcomeOf(const FileResult &result)
+{
+    return std::visit([](const auto &any) { return any.outcome; }, result);
+}
+
+/// How many files there will be, for the progress; 0 where nobody sees it or a list is to come.
+std::size_t countFiles(const std::vector<std::string> &media)
+{
+    if (!Progress::isShown() || std::find(media.begin(), media.end(), "-") != media.end()) return 0;
+    MediaList list(media, std::cin);
+    std::size_t count = 0;
+    while (list.next()) ++count;
+    return count;
+}
+
+struct Rendered {
+    std::string text, complaint;
+    Outcome outcome;
+};
+
+} // namespace
+
+Totals decideFiles(const ProfileSession &session, const DecisionRequest &request,
+                   const std::vector<std::string> &media, std::string_view separator,
+                   const RenderFile &render)
+{
+    Totals totals;
+    MediaList list(media, std::cin);
+    Progress progress(countFiles(media));
+    bool first = true;
+
+    const auto decideOne = [&](const MediaItem &item) {
+        const FileResult result = decideFile(session, request, item);
+        Rendered rendered{render(item.path, result), {}, outcomeOf(result)};
+        if (const auto *undecided = std::get_if<Undecided>(&result))
+            rendered.complaint = fmt::format("{}: {}", printable(item.path), undecided->message);
+        return rendered;
+    };
+    const auto emit = [&](const Rendered &rendered) {
+        progress.hide();
+        const bool hasText = !rendered.text.empty();
+        // first, so that on a terminal the complaint has a line of its own
+        if (hasText && !first) writeOut(separator);
+        if (!rendered.complaint.empty()) {
+            complain(rendered.complaint);
+            ++totals.undecided;
+        }
+        writeOut(rendered.text);
+        first = first && !hasText;
+        ++totals.files;
+        ++totals.outcomes[static_cast<std::size_t>(rendered.outcome)];
+        progress.advance();
+    };
+    workInOrder(
+        std::thread::hardware_concurrency(), [&] { return list.next(); }, decideOne, emit);
+    totals.skipped = list.skipped();
+    return totals;
+}
+
+} // namespace vornak::tool

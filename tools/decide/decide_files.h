@@ -1,0 +1,39 @@
+// From the names on the command line to a decision for each file, by all cores, in their order.
+#pragma once
+
+#include "tools/decide/decision.h"
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace vornak::tool {
+
+using FileResult = std::variant<Decision, Undecided>;
+
+/// Makes the text that standard output receives for a file, perhaps none. Runs on many threads.
+using RenderFile = std::function<std::string(const std::string &path, const FileResult &result)>;
+
+struct Totals {
+    std::size_t files = 0;
+    std::array<std::size_t, kOutcomes> outcomes = {};
+    std::size_t skipped = 0;   ///< in folders, what is no media
+    std::size_t undecided = 0; ///< files for which there is no decision
+
+    std::size_t of(Outcome outcome) const { return outcomes[static_cast<std::size_t>(outcome)]; }
+};
+
+/**
+ * Decides about all the media. Writes the rendered texts to standard output, `separator` between
+ * them, and a line on standard error for each file that can't be decided about; shows how far it
+ * has come.
+ */
+Totals decideFiles(const ProfileSession &session, const DecisionRequest &request,
+                   const std::vector<std::string> &media, std::string_view separator,
+                   const RenderFile &render);
+
+} // namespace vornak::tool

@@ -1,0 +1,29 @@
+// Decisions as a JSON document, written piece by piece. docs/json.md describes it.
+#pragma once
+
+#include "tools/decide/decide_files.h"
+#include "tools/decide/explanation.h"
+
+#include <string>
+#include <string_view>
+
+namespace vornak::tool {
+
+class ProfileSession;
+struct Surroundings;
+struct DecisionOptions;
+
+/// The document up to its list of files. @param document  what it is called
+std::string jsonHead(std::string_view document, const DecisionOptions &options,
+                     const DecisionRequest &request, const ProfileSession &session);
+
+/// An entry of the list, without the comma.
+std::string jsonOf(const std::string &path, const Decision &decision,
+                   const Explanation &explanation, const Surroundings &around,
+                   const ProfileSession &session, bool withVisits);
+std::string jsonOf(const std::string &path, const Undecided &undecided);
+
+/// What follows the list.
+std::string jsonTail(const Totals &totals);
+
+} // namespace vornak::tool

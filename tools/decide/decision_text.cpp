@@ -1,0 +1,265 @@
+#include "tools/decide/decision_text.h"
+
+#include "tools/decide/reason_text.h"
+#include "tools/decide/surroundings.h"
+#include "tools/profile/id_names.h"
+#include "tools/profile/profile_session.h"
+#include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <iterator>
+
+namespace vornak::tool {
+namespace {
+
+std::string videoText(const VideoStream &video, int playExceptions)
+{
+    std::string text = printable(video.codecName);
+    if (!video.profileName.empty()) text += ' ' + printable(video.profileName);
+    if (video.level > 0) text += fmt::format(" level {}", video.level);
+    text += fmt::format(", {}x{}, {}", video.width, video.height,
+                        bitRateText(video.bitrate, video.bitrateEstimated));
+    if (playExceptions != 0)
+        text +=
+            fmt::format(", play exceptions {}", fmt::join(playExceptionTexts(playExceptions), "|"));
+    return text;
+}
+
+std::string trackText(const AudioTrack &track, std::size_t tracks)
+{
+    std::string text = printable(track.codecName);
+    if (!track.profileName.empty()) text += ' ' + printable(track.profileName);
+    text += fmt::format(", {}, {} Hz, {}", channelsText(track.channels), track.sampleRate,
+                        bitRateText(track.bitrate, track.bitrateEstimated));
+    if (tracks > 1) text += fmt::format(", track {} of {}", track.number, tracks);
+    return text;
+}
+
+std::string sourceText(const Decision &decision)
+{
+    const MediaInfo &media = decision.media;
+    std::string text = printable(media.containerName);
+    if (media.video) text += "; " + videoText(*media.video, decision.video.codecFlag);
+    const AudioTrack *track = decision.audioTrack();
+    return text + "; " + (track ? trackText(*track, media.audio.size()) : "no audio");
+}
+
+/// Whether the reasons don't name the rule that describes the output.
+bool lacksOutputRule(const Part &part)
+{
+    return std::none_of(part.reasons.begin(), part.reasons.end(), [&](const Reason &reason) {
+        return reason.rule.record == part.rule.record && !reason.refusal && reason.exceptions == 0;
+    });
+}
+
+/// "  video: transcode: REASONS; output as in rule 0 (h264, line 5)"
+std::string partLine(std::string_view name, const Part &part, const std::string &reasons,
+                     const std::string &rule, const Decision &decision)
+{
+    const Colours &c = colours();
+    const std::string_view colour = part.action == Action::Transcode ? c.change
+                                    : part.action == Action::Keep    ? c.good
+                                                                     : std::string_view{};
+    const bool saysOutput =
+        part.action == Action::Transcode && !decision.isRefused() && lacksOutputRule(part);
+    return fmt::format("  {}: {}{}{}: {}{}{}\n", name, colour, nameOf(part.action),
+                       colour.empty() ? colour : c.reset, reasons,
+                       saysOutput ? "; output as in " : "", saysOutput ? rule : "");
+}
+
+std::string partLines(const Decision &decision, const Explanation &explanation,
+                      const ProfileSession &session)
+{
+    std::string text;
+    const Part &video = explanation.video;
+    if (decision.isVideo)
+        text = partLine("video", video, videoReasons(decision, video, session),
+                        ruleText(video.rule, session), decision);
+    const Part &audio = explanation.audio;
+    text += partLine("audio", audio, audioReasons(decision, audio, session),
+                     ruleText(audio.rule, session), decision);
+    const Part &container = explanation.container;
+    text += partLine("container", container, containerReasons(decision, container, session),
+                     entryText(container.rule, session), decision);
+    return text;
+}
+
+std::string forbiddenLine(const Explanation &explanation, const ProfileSession &session)
+{
+    const Colours &c = colours();
+    std::string rules;
+    for (const RuleRef &rule : explanation.forbidding) {
+        const bool isVideoRule = explanation.forbidsVideoRule && rules.empty();
+        if (!rules.empty()) rules += " and ";
+        rules += isVideoRule ? "video " + ruleText(rule, session)
+                             : "container " + entryText(rule, session) + " of audio " +
+                                   ruleText(explanation.audio.rule, session);
+    }
+    return fmt::format("  result: {}refused{}: NOTRANSCODE of {} forbids to transcode\n", c.bad,
+                       c.reset, rules);
+}
+
+std::string_view resultText(const Decision &decision)
+{
+    switch (decision.outcome) {
+    case Outcome::Kept:
+        return "keep";
+    case Outcome::Remuxed:
+        return "remux";
+    case Outcome::Audio:
+        return "transcode audio";
+    default:
+        return decision.transcodesAudio() ? "transcode video and audio" : "transcode video";
+    }
+}
+
+std::string announced(const char *text)
+{
+    return text ? printable(text) : "none";
+}
+
+std::string resultLines(const Decision &decision)
+{
+    const Colours &c = colours();
+    const bool sameContainer = decision.outputFormatId == decision.media.formatId;
+    return fmt::format("  result: {}{}{}{}\n"
+                       "  output: container {}, MIME type {}, DLNA profile {}\n",
+                       decision.outcome == Outcome::Kept ? c.good : c.change, resultText(decision),
+                       c.reset,
+                       decision.isSeekable() ? "" : ", into an output that can't be sought in",
+                       sameContainer ? printable(decision.media.containerName)
+                                     : containerText(decision.outputFormatId),
+                       announced(decision.mime), announced(decision.dlnaProfile));
+}
+
+enum class Kind { Rule, Entry };
+
+std::string verdictText(const Visit &visit, Kind kind)
+{
+    const std::string_view what = kind == Kind::Rule ? "codec" : "container";
+    switch (visit.verdict) {
+    case Verdict::Takes:
+        return "takes it";
+    case Verdict::TakesAny:
+        return fmt::format("takes any {}", what);
+    case Verdict::Unmatched:
+        return "taken without matching";
+    case Verdict::OtherCodec:
+        return fmt::format("another {}", what);
+    case Verdict::Refuses:
+        break;
+    }
+    std::string text = "refuses it: ";
+    for (std::size_t i = 0; i < visit.refusals.size(); ++i) {
+        if (i > 0) text += i == 1 ? "; also " : "; ";
+        text += refusalText(visit.refusals[i], "it");
+    }
+    return text;
+}
+
+/// The visited rules under a heading, a line each.
+std::string visitLines(const std::string &heading, const std::vector<Visit> &visits, Kind kind,
+                       const Decision &decision, const ProfileSession &session)
+{
+    std::string text = fmt::format("  {}:{}\n", heading, visits.empty() ? " none" : "");
+    for (const Visit &visit : visits) {
+        const RuleRef ref{visit.record, visit.position, visit.id};
+        const std::string name =
+            kind == Kind::Rule ? ruleText(ref, session) : entryText(ref, session);
+        text += fmt::format("    {}: {}", name, verdictText(visit, kind));
+        if (visit.coveredExceptions != 0)
+            text += "; " + partlyCoveredText("", visit.coveredExceptions, decision.video.codecFlag);
+        text += visit.isNearestMiss ? " (the nearest miss)\n" : "\n";
+    }
+    return text;
+}
+
+std::string subtitlesText(const std::vector<SubtitleFile> &files)
+{
+    std::string text;
+    for (const SubtitleFile &file : files) {
+        if (!text.empty()) text += ", ";
+        text += fmt::format("{} ({}{}{})", printable(file.name), file.kind,
+                            file.language.empty() ? "" : ", ", printable(file.language));
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::string hardwareText(const Surroundings &around, const RuleRef &rule,
+                         const ProfileSession &session)
+{
+    const std::string name = ruleText(rule, session);
+    if (!around.ruleAllowsHardware)
+        return fmt::format("{} does not allow the hardware transcoder", name);
+    if (!around.hardwareServes())
+        return fmt::format("{} allows the hardware transcoder, but none is installed", name);
+    return fmt::format("{} allows the hardware transcoder, and agent {} is installed", name,
+                       around.hardwareAgent);
+}
+
+std::string elementText(const char *element)
+{
+    return element ? printable(element) : "none";
+}
+
+} // namespace
+
+std::string textOf(const std::string &path, const Decision &decision,
+                   const Explanation &explanation, const ProfileSession &session)
+{
+    const Colours &c = colours();
+    std::string text =
+        fmt::format("{}{}{}: {}\n", c.name, printable(path), c.reset, sourceText(decision));
+    text += partLines(decision, explanation, session);
+    return text +
+           (decision.isRefused() ? forbiddenLine(explanation, session) : resultLines(decision));
+}
+
+std::string textOf(const Surroundings &around, const Decision &decision,
+                   const Explanation &explanation, const ProfileSession &session)
+{
+    std::string text, videoDecoder;
+    if (decision.isVideo) {
+        text = fmt::format("  subtitles: {}\n  hardware: {}\n", subtitlesText(around.subtitles),
+                           hardwareText(around, explanation.video.rule, session));
+        videoDecoder = fmt::format(", video decoder {}", elementText(around.videoDecoder));
+    }
+    return text + fmt::format("  elements: demuxer {}{}, audio decoder {}, muxer {}\n",
+                              elementText(around.demuxer), videoDecoder,
+                              elementText(around.audioDecoder), elementText(around.muxer));
+}
+
+std::string visitsText(const Decision &decision, const Explanation &explanation,
+                       const ProfileSession &session)
+{
+    std::string text, where;
+    if (decision.isVideo) {
+        text = visitLines("video rules visited", explanation.videoVisits, Kind::Rule, decision,
+                          session);
+        if (decision.videoRule) where = " in video " + ruleText(explanation.video.rule, session);
+    }
+    if (!decision.isSilent)
+        text += visitLines("audio rules visited" + where, explanation.audioVisits, Kind::Rule,
+                           decision, session);
+    where.clear();
+    if (explanation.searchedRule.record)
+        where = " in audio " + ruleText(explanation.searchedRule, session);
+    return text + visitLines("container entries visited" + where, explanation.entryVisits,
+                             Kind::Entry, decision, session);
+}
+
+std::string textOf(const Totals &totals)
+{
+    std::string text = fmt::format("{} {}:", totals.files, totals.files == 1 ? "file" : "files");
+    for (int i = 0; i < kOutcomes; ++i) {
+        const auto outcome = static_cast<Outcome>(i);
+        text += fmt::format("{} {} {}", i > 0 ? "," : "", totals.of(outcome), nameOf(outcome));
+    }
+    if (totals.skipped > 0) text += fmt::format("; {} skipped as no media", totals.skipped);
+    return text + '\n';
+}
+
+} // namespace vornak::tool

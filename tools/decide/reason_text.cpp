@@ -1,0 +1,210 @@
+#include "tools/decide/reason_text.h"
+
+#include "tools/profile/id_names.h"
+#include "tools/profile/profile_session.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <iterator>
+
+namespace vornak::tool {
+namespace {
+
+struct CodeText {
+    std::string_view code;
+    std::string_view text;
+};
+
+constexpr CodeText s_StreamTexts[] = {
+    {"taken", "{rule} takes it"},
+    {"any-codec", "{rule} takes any codec"},
+    {"not-matched", "{rule}, not matched because of --no-match-video"},
+    {"no-audio", "the file has no audio"},
+    {"forced", "forced by --force"},
+    {"audio-track", "--audio-track assigns a track, and then a video is transcoded"},
+    {"no-rule", "no rule for {codec}{where}"},
+    {"container-forbidden",
+     "{rule} takes it, but not in this container, and its first one must not be made "
+     "(NOTRANSCODE)"},
+    {"first-container-forbidden",
+     "{rule} takes it, but its first container, which the output needs, must not be made "
+     "(NOTRANSCODE)"},
+    {"play-exceptions-partly-covered", "{covered}"},
+};
+
+constexpr CodeText s_ContainerTexts[] = {
+    {"taken", "{entry} of audio {audio} takes it"},
+    {"any-container", "{entry} of audio {audio} takes any container"},
+    {"preferred", "{entry} of audio {audio} is preferred by --prefer"},
+    {"preferred-not-listed", "audio {audio} does not list what --prefer names"},
+    {"forced", "forced by --force"},
+    {"no-entry", "{container}, audio {audio} does not list it"},
+    {"output-of-rule", "{entry} is the first of audio {audio}, and a stream is transcoded"},
+    {"not-seekable", "{entry} of audio {audio} can't be sought in (NONSEEKABLE)"},
+};
+
+template <std::size_t Size>
+std::string_view textFor(std::string_view code, const CodeText (&texts)[Size])
+{
+    return std::find_if(std::begin(texts), std::end(texts),
+                        [&](const CodeText &row) { return row.code == code; })
+        ->text;
+}
+
+std::string joined(const std::vector<std::string> &names)
+{
+    return names.empty() ? "none" : fmt::format("{}", fmt::join(names, "|"));
+}
+
+/// "0 (aac, line 14)"
+std::string positionText(const RuleRef &rule, const std::string &name,
+                         const ProfileSession &session)
+{
+    const int line = session.lineOf(rule.record);
+    if (line == 0) return fmt::format("{} ({})", rule.position, name);
+    return fmt::format("{} ({}, line {})", rule.position, name, line);
+}
+
+/// The source's side of a comparison.
+std::string actualText(const Refusal &refusal)
+{
+    switch (refusal.unit) {
+    case Unit::ProfileBits:
+        return "profile " + joined(profileTexts(refusal.actual, refusal.codecId));
+    case Unit::ExceptionBits:
+        return "play exceptions " + joined(playExceptionTexts(refusal.actual));
+    case Unit::Level:
+        return fmt::format("level {}", refusal.actual);
+    case Unit::Channels:
+        return channelsText(refusal.actual);
+    case Unit::BitRate:
+        return bitRateText(refusal.actual, refusal.estimated);
+    case Unit::SampleRate:
+        return fmt::format("{} Hz", refusal.actual);
+    case Unit::PictureSize:
+        return fmt::format("{}x{} pixels", refusal.actual, refusal.secondActual);
+    }
+    return {};
+}
+
+/// The rule's side.
+std::string limitText(const Refusal &refusal)
+{
+    if (refusal.bound == Bound::NotWithin)
+        return "excludes " + joined(playExceptionTexts(refusal.limit));
+    if (refusal.bound == Bound::Within)
+        return "allows " + joined(profileTexts(refusal.limit, refusal.codecId));
+    const std::string_view verb = refusal.bound == Bound::AtMost ? "allows" : "needs";
+    if (refusal.unit != Unit::PictureSize) return fmt::format("{} {}", verb, refusal.limit);
+    if (refusal.tolerance > 0)
+        return fmt::format("needs {}x{}, give or take {}", refusal.limit, refusal.secondLimit,
+                           refusal.tolerance);
+    return fmt::format("{} {}x{}", verb, refusal.limit, refusal.secondLimit);
+}
+
+/// `one` gives the text of a reason; `again` tells it that the rule was the last one's, too.
+template <class One>
+std::string allReasons(const Part &part, One one)
+{
+    std::string text;
+    const void *last = nullptr;
+    for (const Reason &reason : part.reasons) {
+        if (!text.empty()) text += "; ";
+        text += one(reason, last == reason.rule.record);
+        last = reason.rule.record;
+    }
+    return text;
+}
+
+std::string streamReasons(const Part &part, std::string_view codec, std::string_view where,
+                          int exceptions, const ProfileSession &session)
+{
+    return allReasons(part, [&](const Reason &reason, bool again) {
+        const std::string rule = again ? "it" : ruleText(reason.rule, session);
+        if (reason.refusal) return refusalText(*reason.refusal, rule);
+        return fmt::format(fmt::runtime(textFor(reason.code, s_StreamTexts)),
+                           fmt::arg("rule", rule), fmt::arg("codec", codec),
+                           fmt::arg("where", where),
+                           fmt::arg("covered", partlyCoveredText(again ? "" : rule,
+                                                                 reason.exceptions, exceptions)));
+    });
+}
+
+RuleRef chosenRule(const VideoRule *rule, int index)
+{
+    return {rule, index % VORNAK_TRANSCODE, rule->vCodecId};
+}
+
+} // namespace
+
+std::set<std::string_view> reasonCodes()
+{
+    std::set<std::string_view> codes = refusalCodes();
+    for (const CodeText &row : s_StreamTexts) codes.insert(row.code);
+    for (const CodeText &row : s_ContainerTexts) codes.insert(row.code);
+    return codes;
+}
+
+std::string ruleText(const RuleRef &rule, const ProfileSession &session)
+{
+    return "rule " + positionText(rule, codecText(rule.id), session);
+}
+
+std::string entryText(const RuleRef &entry, const ProfileSession &session)
+{
+    return "entry " + positionText(entry, containerText(entry.id), session);
+}
+
+std::string refusalText(const Refusal &refusal, std::string_view who)
+{
+    return fmt::format("{}, {} {}", actualText(refusal), who, limitText(refusal));
+}
+
+std::string videoReasons(const Decision &decision, const Part &part, const ProfileSession &session)
+{
+    return streamReasons(part, printable(decision.media.video->codecName), "",
+                         decision.video.codecFlag, session);
+}
+
+std::string audioReasons(const Decision &decision, const Part &part, const ProfileSession &session)
+{
+    const AudioTrack *track = decision.audioTrack();
+    std::string where;
+    if (const VideoRule *rule = decision.videoRule)
+        where = " in video " + ruleText(chosenRule(rule, decision.videoIndex), session);
+    return streamReasons(part, track ? printable(track->codecName) : "", where, 0, session);
+}
+
+std::string containerReasons(const Decision &decision, const Part &part,
+                             const ProfileSession &session)
+{
+    const RuleRef audio = {decision.audioRule, decision.audioIndex % VORNAK_TRANSCODE,
+                           decision.audioRule ? decision.audioRule->aCodecId : 0};
+    return allReasons(part, [&](const Reason &reason, bool) {
+        return fmt::format(fmt::runtime(textFor(reason.code, s_ContainerTexts)),
+                           fmt::arg("entry", entryText(reason.rule, session)),
+                           fmt::arg("audio", ruleText(audio, session)),
+                           fmt::arg("container", printable(decision.media.containerName)));
+    });
+}
+
+std::string partlyCoveredText(const std::string &rule, int covered, int exceptions)
+{
+    return fmt::format("{} covers {} of {} only, so it does not count",
+                       rule.empty() ? "its PLAY_EXCEPTION" : "PLAY_EXCEPTION of " + rule,
+                       joined(playExceptionTexts(covered)), joined(playExceptionTexts(exceptions)));
+}
+
+std::string channelsText(int channels)
+{
+    return fmt::format("{} {}", channels, channels == 1 ? "channel" : "channels");
+}
+
+std::string bitRateText(int bitrate, bool estimated)
+{
+    return fmt::format("{} bit/s{}", bitrate, estimated ? " (estimated)" : "");
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,23 @@
+// What a media file holds, found out in this process.
+#pragma once
+
+#include "tools/probe/media_info.h"
+
+#include <optional>
+#include <string>
+
+namespace vornak::tool {
+
+struct ProbeResult {
+    std::optional<MediaInfo> media; ///< none: see `error`
+    std::string error; ///< what the file is or does instead, after its name in a sentence
+};
+
+/**
+ * Reads the file's headers and some seconds of its packets. Any thread, many at once; writes
+ * nothing. `path` is the name of a file whatever it looks like, never a URL or a pattern, and no
+ * other file is opened, also if this one points to others.
+ */
+ProbeResult probeMedia(const std::string &path);
+
+} // namespace vornak::tool

@@ -1,0 +1,231 @@
+#include "tools/profile/profile_document.h"
+
+#include "include/vornak_host.h"
+#include "platform/descriptor.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vornak::tool {
+namespace {
+
+// As the loader's reader parses: white space in attribute values stays as it is written. But text
+// beside the outermost element is kept, to be found.
+constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_fragment;
+
+/// The file's bytes, or nothing with the reason in errno. A profile is read more than once, so
+/// a pipe is refused.
+std::optional<std::string> readFile(const std::string &path)
+{
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file || fstat(file.get(), &status) != 0) return std::nullopt;
+    if (!S_ISREG(status.st_mode))
+        throw ProfileError(path, 0,
+                           S_ISDIR(status.st_mode) ? "it is a directory" : "it is no regular file");
+    std::string text;
+    char block[65536];
+    for (;;) {
+        const ssize_t got = read(file.get(), block, sizeof block);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return std::nullopt;
+        if (got == 0) return text;
+        text.append(block, static_cast<std::size_t>(got));
+    }
+}
+
+constexpr struct {
+    pugi::xml_encoding encoding;
+    unsigned unit; // bytes of one unit
+    bool bigEndian;
+} s_Encodings[] = {
+    {pugi::encoding_latin1, 1, false},  {pugi::encoding_utf16_le, 2, false},
+    {pugi::encoding_utf16_be, 2, true}, {pugi::encoding_utf32_le, 4, false},
+    {pugi::encoding_utf32_be, 4, true},
+};
+
+void appendUtf8(std::string &text, std::uint32_t code)
+{
+    constexpr struct {
+        std::uint32_t below;
+        unsigned char lead;
+        unsigned continuations;
+    } s_Lengths[] = {{0x80, 0, 0}, {0x800, 0xC0, 1}, {0x10000, 0xE0, 2}, {0x110000, 0xF0, 3}};
+    for (const auto &row : s_Lengths) {
+        if (code >= row.below) continue;
+        text += static_cast<char>(row.lead | code >> (6 * row.continuations));
+        for (unsigned rest = row.continuations; rest-- > 0;)
+            text += static_cast<char>(0x80 | (code >> (6 * rest) & 0x3F));
+        return;
+    }
+}
+
+/// The text in UTF-8. The parser's own conversion would keep the text to which its offsets
+/// refer to itself.
+std::string toUtf8(std::string_view text, pugi::xml_encoding encoding)
+{
+    const auto *const row = std::ranges::find(
+        s_Encodings, encoding, [](const auto &candidate) { return candidate.encoding; });
+    if (row == std::end(s_Encodings)) return std::string(text);
+    std::string out;
+    std::uint32_t high = 0; // the first half of a surrogate pair
+    for (; text.size() >= row->unit; text.remove_prefix(row->unit)) {
+        std::uint32_t code = 0;
+        for (unsigned i = 0; i < row->unit; ++i) {
+            const unsigned index = row->bigEndian ? i : row->unit - 1 - i;
+            code = code << 8U | static_cast<unsigned char>(text[index]);
+        }
+        if (code >= 0xD800 && code < 0xDC00) {
+            high = code;
+        } else if (code >= 0xDC00 && code < 0xE000) {
+            if (high != 0) appendUtf8(out, 0x10000 + ((high & 0x3FF) << 10U | (code & 0x3FF)));
+            high = 0;
+        } else {
+            appendUtf8(out, code);
+            high = 0;
+        }
+    }
+    return out;
+}
+
+std::string describe(std::string_view path, int line, std::string_view reason)
+{
+    if (line == 0) return fmt::format("{}: {}", printable(path), reason);
+    return fmt::format("{}:{}: {}", printable(path), line, reason);
+}
+
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+bool isNamed(pugi::xml_node element)
+{
+    return *element.attribute("NAME").value() != '\0';
+}
+
+/// The accepted codec elements of one name: known by their NAME, and with a child of the kind
+/// that they need.
+std::vector<pugi::xml_node> codecRules(pugi::xml_node parent, const char *name, const char *needed)
+{
+    std::vector<pugi::xml_node> rules;
+    for (const pugi::xml_node element : parent.children(name)) {
+        int id = 0;
+        if (!isNamed(element) || CodecNameToID(element.attribute("NAME").value(), &id) != 0)
+            continue;
+        if (element.child(needed)) rules.push_back(element);
+    }
+    return rules;
+}
+
+} // namespace
+
+ProfileError::ProfileError(std::string_view path, int line, std::string_view reason)
+    : std::runtime_error(describe(path, line, reason)), line_(line)
+{}
+
+ProfileDocument::ProfileDocument(const std::string &path)
+{
+    std::optional<std::string> text = readFile(path);
+    if (!text) throw ProfileError(path, 0, fmt::format("can't read it: {}", std::strerror(errno)));
+    text_ = *std::move(text);
+    parse(path);
+    device_ = findDevice(path);
+}
+
+void ProfileDocument::parse(const std::string &path)
+{
+    pugi::xml_parse_result result = document_.load_buffer(text_.data(), text_.size(), kParseFlags);
+    if (result.encoding != pugi::encoding_utf8 && result.status != pugi::status_out_of_memory) {
+        text_ = toUtf8(text_, result.encoding);
+        result =
+            document_.load_buffer(text_.data(), text_.size(), kParseFlags, pugi::encoding_utf8);
+    }
+    findLines();
+    if (!result)
+        throw ProfileError(path, lineAt(static_cast<std::size_t>(result.offset)),
+                           fmt::format("not well-formed XML: {}", result.description()));
+    if (!document_.document_element())
+        throw ProfileError(path, 0, "it holds no XML element; a profile is a DEVICE element");
+}
+
+void ProfileDocument::findLines()
+{
+    lineStarts_.assign(1, 0);
+    for (std::size_t end = text_.find('\n'); end != std::string::npos;
+         end = text_.find('\n', end + 1))
+        lineStarts_.push_back(end + 1);
+}
+
+pugi::xml_node ProfileDocument::findDevice(const std::string &path) const
+{
+    const pugi::xml_node device = document_.child("DEVICE");
+    const pugi::xml_node first = document_.document_element();
+    if (!device)
+        throw ProfileError(path, lineOf(first),
+                           fmt::format("the outermost element is {}; a profile is a DEVICE element",
+                                       printable(first.name())));
+    if (!isNamed(device)) throw ProfileError(path, lineOf(device), "DEVICE needs a NAME");
+    return device;
+}
+
+int ProfileDocument::lineAt(std::size_t offset) const
+{
+    const auto after = std::ranges::upper_bound(lineStarts_, offset);
+    return static_cast<int>(after - lineStarts_.begin());
+}
+
+int ProfileDocument::lineOf(pugi::xml_node element) const
+{
+    return lineAt(static_cast<std::size_t>(element.offset_debug()));
+}
+
+std::vector<ProfileDocument::WrittenAttribute>
+ProfileDocument::writtenAttributes(pugi::xml_node element) const
+{
+    std::vector<WrittenAttribute> attributes;
+    std::size_t at = static_cast<std::size_t>(element.offset_debug()) + std::strlen(element.name());
+    for ([[maybe_unused]] const pugi::xml_attribute attribute : element.attributes()) {
+        while (isBlank(text_[at])) ++at;
+        const int line = lineAt(at);
+        const std::size_t open = text_.find_first_of("\"'", at);
+        at = text_.find(text_[open], open + 1) + 1;
+        const std::string_view value = std::string_view(text_).substr(open + 1, at - open - 2);
+        attributes.push_back({line, value});
+    }
+    return attributes;
+}
+
+std::vector<pugi::xml_node> videoRules(pugi::xml_node video)
+{
+    return codecRules(video, "VCODEC", "ACODEC");
+}
+
+std::vector<pugi::xml_node> audioRules(pugi::xml_node musicOrVcodec)
+{
+    return codecRules(musicOrVcodec, "ACODEC", "FORMAT");
+}
+
+std::vector<pugi::xml_node> containerEntries(pugi::xml_node acodec)
+{
+    std::vector<pugi::xml_node> entries;
+    for (const pugi::xml_node element : acodec.children("FORMAT")) {
+        const pugi::xml_attribute subtype = element.attribute("SUBTYPE");
+        int id = 0;
+        if (isNamed(element) &&
+            ContainerFormatNameToID(element.attribute("NAME").value(),
+                                    subtype ? subtype.value() : nullptr, &id) == 0)
+            entries.push_back(element);
+    }
+    return entries;
+}
+
+} // namespace vornak::tool

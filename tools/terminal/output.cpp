@@ -1,0 +1,93 @@
+#include "tools/terminal/output.h"
+
+#include "tools/terminal/exit_status.h"
+#include "tools/terminal/printable.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace vornak::tool {
+namespace {
+
+constexpr Colours s_Coloured = {"\033[1m", "\033[32m", "\033[33m", "\033[31m", "\033[0m"};
+constexpr Colours s_Plain = {};
+
+int s_Output = STDOUT_FILENO; // where the tool's own output goes
+
+/// Writes all of it, or returns the error.
+int writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+bool isColoured()
+{
+    const char *refused = std::getenv("NO_COLOR");
+    const char *terminal = std::getenv("TERM");
+    return (!refused || !*refused) && isatty(s_Output) == 1 &&
+           (!terminal || std::string_view(terminal) != "dumb");
+}
+
+} // namespace
+
+// Threads may still be at work, so the process ends here and now.
+void writeOut(std::string_view text)
+{
+    const int error = writeAll(s_Output, text);
+    if (error == 0) return;
+    if (error != EPIPE) complain("standard output: " + std::generic_category().message(error));
+    _exit(kIncomplete);
+}
+
+std::mutex &standardErrorMutex()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
+void complain(std::string_view message)
+{
+    const std::lock_guard alone(standardErrorMutex());
+    writeAll(STDERR_FILENO, fmt::format("vornak: {}\n", message));
+}
+
+int complainOf(const std::string &path, std::string_view why)
+{
+    complain(fmt::format("{}: {}", printable(path), why));
+    return kIncomplete;
+}
+
+void keepStandardDescriptors()
+{
+    for (int opened = 0; opened >= 0 && opened <= STDERR_FILENO;) {
+        opened = open("/dev/null", O_RDWR); // NOLINT: stays open across exec, as those three do
+        if (opened > STDERR_FILENO) close(opened);
+    }
+}
+
+void claimStandardOutput()
+{
+    if (s_Output != STDOUT_FILENO) return;
+    const int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (own >= 0 && nowhere >= 0 && dup2(nowhere, STDOUT_FILENO) >= 0) s_Output = own;
+    if (nowhere >= 0) close(nowhere);
+}
+
+const Colours &colours()
+{
+    static const Colours &chosen = isColoured() ? s_Coloured : s_Plain;
+    return chosen;
+}
+
+} // namespace vornak::tool
