@@ -23,15 +23,26 @@ public:
 
     bool isOpen() const { return stream_ != nullptr; }
 
-    /// The next entry's name, valid until the next call; null at the end.
+    /// The next entry's name, valid until the next call; null at the end, and where reading fails.
     const char *next()
     {
-        const dirent *entry = readdir(stream_);
+        const int before = errno;
+        const dirent *entry = nullptr;
+        do {
+            errno = 0; // all that tells a failure from the end
+            entry = readdir(stream_);
+        } while (!entry && errno == EINTR);
+        error_ = entry ? 0 : errno;
+        if (error_ == 0) errno = before;
         return entry ? entry->d_name : nullptr;
     }
 
+    /// The errno with which reading failed, so that names may be missing; 0: it has not.
+    int error() const { return error_; }
+
 private:
     DIR *stream_;
+    int error_ = 0;
 };
 
 } // namespace vornak

@@ -6,7 +6,8 @@
 namespace vornak {
 namespace {
 
-/// Finds the folder of the streams, the last one where the disc has several; false without one.
+/// Finds the folder of the streams, the last one where the disc has several; false without one,
+/// or where the disc can't be read to its end.
 bool findStreamFolder(const char *bdmv, FixedText &found)
 {
     Directory directory(bdmv);
@@ -19,10 +20,11 @@ bool findStreamFolder(const char *bdmv, FixedText &found)
         found.clear();
         found.appendCut(path.view());
     }
-    return !found.view().empty();
+    return directory.error() == 0 && !found.view().empty();
 }
 
-/// Finds the largest stream file, the first of equals; its size, or 0 where all are empty.
+/// Finds the largest stream file, the first of equals; its size, or 0 where all are empty or not
+/// all can be read.
 std::int64_t findLargestStream(std::string_view folder, Directory &directory, FixedText &largest)
 {
     std::int64_t size = 0;
@@ -34,7 +36,7 @@ std::int64_t findLargestStream(std::string_view folder, Directory &directory, Fi
         largest.clear();
         largest.appendCut(name);
     }
-    return size;
+    return directory.error() == 0 ? size : 0;
 }
 
 } // namespace

@@ -66,6 +66,7 @@ int parseDVDFormat(const char *folder, const char *ifoName, DVD_FORMAT_ST *info)
         const int title = titleOf(name);
         if (title >= 0 && findFile(prefix, name, status)) addPart(titles[title], status.st_size);
     }
+    if (directory.error() != 0) return 1;
     info->titleNo = largest(titles);
     info->totalSize = titles[info->titleNo].size;
     info->partCount = titles[info->titleNo].parts;

@@ -663,8 +663,8 @@ VORNAK_API int parseMountedFolder_v2(const char *folder, char *dirOut, unsigned 
  * Finds the main title of a DVD, the title set whose parts are largest together.
  * @param folder   the VIDEO_TS folder, ending in "/"
  * @param ifoName  "VIDEO_TS.IFO" in any letter case
- * @param info     cleared first; without any part its title is 0. Where the folder can't be read,
- *                 its name is left in it.
+ * @param info     cleared first; without any part its title is 0. Where the folder can't be read
+ *                 to its end, its name is left in it.
  */
 VORNAK_API int parseDVDFormat(const char *folder, const char *ifoName, DVD_FORMAT_ST *info);
 
@@ -673,7 +673,8 @@ VORNAK_API int parseDVDFormat(const char *folder, const char *ifoName, DVD_FORMA
  * @param folder     the BDMV folder, ending in "/"
  * @param indexName  "index.bdmv" in any letter case
  * @param info       cleared first
- * @return 0, or 1: also when no stream file is larger than 0 bytes
+ * @return 0, or 1: also when no stream file is larger than 0 bytes, or a folder can't be read to
+ *         its end
  */
 VORNAK_API int parseBDFormat(const char *folder, const char *indexName, BD_FORMAT_ST *info);
 
@@ -715,7 +716,8 @@ extern VORNAK_API const char *g_supportSRT[2];
  * @param list       VORNAK_SUBTITLE_LIST_SIZE records; the last one used has the type
  *                   VORNAK_SUBTITLE_END and an empty path, the rest of it stays as it was
  * @param reserved   not read
- * @return 0, also when none was found; 1, with the list untouched, if the folder can't be read
+ * @return 0, also when none was found; 1, with the list untouched, if the folder can't be read to
+ *         its end
  */
 VORNAK_API int findVideoSubtitles(const char *folder, const char *videoName,
                                   VIDEO_SUBTITLE_ST *list, int reserved);

@@ -22,6 +22,10 @@ int findVideoSubtitles(const char *folder, const char *videoName, VIDEO_SUBTITLE
         std::printf("-> %s\n", name);
         found.addMatches(name, stem.size(), g_support_subtitles);
     }
+    if (directory.error() != 0) {
+        found.undo();
+        return 1;
+    }
     found.end();
     return 0;
 }

@@ -3,6 +3,8 @@
 #include "base/ascii_case.h"
 #include "base/fixed_text.h"
 
+#include <algorithm>
+
 namespace vornak {
 namespace {
 
@@ -34,7 +36,8 @@ void SubtitleList::addMatches(std::string_view name, std::size_t stemLength,
 void SubtitleList::add(const VIDEO_SUBTITLE_ST &kind, std::string_view name,
                        std::string_view language)
 {
-    VIDEO_SUBTITLE_ST &record = records_[count_++];
+    VIDEO_SUBTITLE_ST &record = records_[count_];
+    before_[count_++] = record;
     record.type = kind.type;
     copyCut(record.fileName, sizeof record.fileName, name);
     copyCut(record.lang, sizeof record.lang, language);
@@ -48,6 +51,12 @@ void SubtitleList::end()
 {
     records_[count_].type = VORNAK_SUBTITLE_END;
     records_[count_].fullPath[0] = '\0';
+}
+
+void SubtitleList::undo()
+{
+    std::copy_n(before_, count_, records_);
+    count_ = 0;
 }
 
 } // namespace vornak

@@ -25,12 +25,16 @@ public:
     /// Ends the list behind the records found.
     void end();
 
+    /// Gives all that was added up again: the records hold what they held before.
+    void undo();
+
 private:
     void add(const VIDEO_SUBTITLE_ST &kind, std::string_view name, std::string_view language);
 
     VIDEO_SUBTITLE_ST *records_;
     std::string_view folder_;
     int count_ = 0;
+    VIDEO_SUBTITLE_ST before_[VORNAK_SUBTITLE_LIST_SIZE - 1]; // of the records added
 };
 
 } // namespace vornak

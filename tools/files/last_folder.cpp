@@ -48,7 +48,7 @@ void LastFolder::read(const std::string &folder)
     Directory directory(folder.c_str());
     while (const char *name = directory.isOpen() ? directory.next() : nullptr)
         if (isSubtitle(name) && names_.size() <= kMostNames) names_.emplace_back(name);
-    isKnown_ = directory.isOpen() && names_.size() <= kMostNames;
+    isKnown_ = directory.isOpen() && directory.error() == 0 && names_.size() <= kMostNames;
     std::ranges::sort(names_);
 }
 
