@@ -4,29 +4,18 @@
 
 #include "base/fixed_text.h"
 #include "base/heap.h"
+#include "base/open_to_read.h"
 
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <string_view>
 #include <unistd.h>
 
 namespace vornak {
 namespace {
 
-int openToRead(const char *path, int flags)
-{
-    int descriptor = -1;
-    do descriptor = open(path, O_RDONLY | O_CLOEXEC | flags);
-    while (descriptor < 0 && errno == EINTR);
-    return descriptor;
-}
-
-/// Doesn't wait for the other end of a FIFO, but for a process that holds a lease on the file.
 bool canOpen(const char *path)
 {
-    int descriptor = openToRead(path, O_NONBLOCK);
-    if (descriptor < 0 && errno == EWOULDBLOCK) descriptor = openToRead(path, 0);
+    const int descriptor = openToRead(path);
     if (descriptor < 0) return false;
     close(descriptor);
     return true;

@@ -1,10 +1,10 @@
 #include "include/vornak_host.h"
 
+#include "base/open_to_read.h"
 #include "platform/descriptor.h"
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <memory>
 #include <new>
 #include <pugixml.hpp>
@@ -39,8 +39,7 @@ ssize_t readRetrying(int file, char *to, std::size_t size)
 
 pugi::xml_parse_status Document::read(const char *path)
 {
-    // a FIFO must not make the caller wait for its other end
-    const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor file(vornak::openToRead(path));
     if (!file) return errno == ENOENT ? pugi::status_file_not_found : pugi::status_io_error;
     struct stat info;
     if (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return pugi::status_io_error;

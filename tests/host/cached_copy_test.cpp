@@ -1,20 +1,17 @@
 #include "include/vornak.h"
 
+#include "tests/support/leased_file.h"
 #include "tests/support/leftovers.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace vornak::test {
 namespace {
-
-volatile std::sig_atomic_t leasedFile = -1; // for a signal handler
 
 using Found = std::optional<std::string>;
 
@@ -102,19 +99,11 @@ TEST_F(CachedCopyTest, CountsWhenItCanBeOpened)
 TEST_F(CachedCopyTest, WaitsForALeaseButNotForAFifo)
 {
     const std::string copy = dir_.write(".@__thumb/transcode/song.B_A", "");
-    const int leased = open(copy.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fcntl(leased, F_SETLEASE, F_WRLCK) != 0) {
-        close(leased);
-        GTEST_SKIP() << "the file system of " << copy << " has no leases";
+    {
+        const LeasedFile lease(copy);
+        if (!lease) GTEST_SKIP() << "the file system of " << copy << " has no leases";
+        EXPECT_EQ(findCopy(dir_ / "song"), copy);
     }
-    leasedFile = leased;
-    struct sigaction release {
-    }, saved{};
-    release.sa_handler = [](int) { fcntl(leasedFile, F_SETLEASE, F_UNLCK); };
-    sigaction(SIGIO, &release, &saved);
-    EXPECT_EQ(findCopy(dir_ / "song"), copy);
-    sigaction(SIGIO, &saved, nullptr);
-    close(leased);
 
     const std::string fifo = dir_ / ".@__thumb/transcode/fifo.B_A";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);

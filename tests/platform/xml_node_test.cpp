@@ -1,5 +1,6 @@
 #include "include/vornak_host.h"
 
+#include "tests/support/leased_file.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -72,6 +73,15 @@ TEST_F(XmlNodeTest, ReportsFilesThatCannotBeRead)
         EXPECT_NE(error, 0) << path;
         EXPECT_TRUE(XMLNode::openFileHelper(path.c_str(), nullptr).isEmpty()) << path;
     }
+}
+
+TEST_F(XmlNodeTest, WaitsForTheHolderOfALeaseThoughSignalsInterrupt)
+{
+    const std::string path = files_.write("a.xml", "<a/>");
+    const LeasedFile lease(path);
+    if (!lease) GTEST_SKIP() << "the file system of " << path << " has no leases";
+    EXPECT_FALSE(XMLNode::openFileHelper(path.c_str(), &error_, "a").isEmpty());
+    EXPECT_EQ(error_, 0);
 }
 
 TEST_F(XmlNodeTest, ReadsFilesWhoseSizeIsNotKnownBeforehand)
