@@ -18,6 +18,7 @@ struct ClosePipe {
 int readByte(std::FILE *pipe)
 {
     for (;;) {
+        errno = 0; // an EINTR that is left from before would be taken for this call's
         const int byte = std::getc(pipe);
         if (byte != EOF || std::ferror(pipe) == 0 || errno != EINTR) return byte;
         std::clearerr(pipe);

@@ -14,6 +14,18 @@
 #include <sys/resource.h>
 #include <sys/time.h>
 
+namespace {
+bool failsSilently = false;
+} // namespace
+
+/// Where it fails, it leaves errno as it was.
+extern "C" __attribute__((visibility("default"))) int getc(std::FILE *stream)
+{
+    if (!failsSilently) return std::fgetc(stream);
+    stream->_flags |= _IO_ERR_SEEN;
+    return EOF;
+}
+
 namespace vornak::test {
 namespace {
 
@@ -153,6 +165,17 @@ TEST_F(AddonTest, SignalsDoNotCutTheValue)
     setitimer(ITIMER_REAL, &never, nullptr);
     sigaction(SIGALRM, &saved, nullptr);
     EXPECT_STREQ(value, "value");
+}
+
+TEST_F(AddonTest, AnErrorOfBeforeIsNotTheReads)
+{
+    answer("Key", "value\n");
+    char value[] = "untouched";
+    failsSilently = true;
+    errno = EINTR;
+    EXPECT_EQ(getPakrelInfo("Section", "Key", value, sizeof value), 1);
+    failsSilently = false;
+    EXPECT_STREQ(value, "untouched");
 }
 
 TEST_F(AddonTest, NoPipeIsAFailure)
