@@ -53,6 +53,32 @@ TEST(OrderedWork, TakesNoMoreThanItsPlacesAheadOfASlowItem)
     EXPECT_GE(mostAhead, 16); // the others did not wait for the slow one
 }
 
+TEST(OrderedWork, EmitsWhatIsReadyWhileANameAndASlowItemAreAwaited)
+{
+    std::atomic<int> taken = 0, emitted = 0;
+    std::atomic<bool> inTime = true;
+    const auto await = [&](const std::atomic<int> &count) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (count < 16 && inTime) inTime = std::chrono::steady_clock::now() < end;
+    };
+    workInOrder(
+        2,
+        [&, next = numbers(18)]() mutable {
+            if (taken == 18) await(emitted); // the list is slow to go on
+            const auto number = next();
+            ++taken;
+            return number;
+        },
+        [&](int n) {
+            if (n == 0) await(taken); // so that all places are occupied
+            if (n == 16) await(emitted);
+            return n;
+        },
+        [&](int) { ++emitted; });
+    EXPECT_TRUE(inTime);
+    EXPECT_EQ(emitted, 18);
+}
+
 TEST(OrderedWork, HandsOnWhatAnyStepThrows)
 {
     const auto fail = [](bool now) {
