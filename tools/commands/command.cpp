@@ -70,7 +70,7 @@ int runCommand(const CommandOptions &options)
     const DecisionRequest request = resolve(options);
     const ProfileSession session(options.profile);
     complainOfWarnings(options.profile, session);
-    if (form == Form::Json) writeOut(jsonHead("vornak-command", options, request, session));
+    if (form == Form::Json) writeOut(jsonHead("vornak-command", options.profile, request, session));
 
     std::atomic<std::size_t> problems = 0;
     const auto render = [&](const std::string &path, const FileResult &result) -> std::string {

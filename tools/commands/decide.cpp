@@ -43,7 +43,7 @@ void writeHead(const DecideOptions &options, const DecisionRequest &request,
                const ProfileSession &session)
 {
     complainOfWarnings(options.profile, session);
-    if (options.json) writeOut(jsonHead("vornak-decide", options, request, session));
+    if (options.json) writeOut(jsonHead("vornak-decide", options.profile, request, session));
 }
 
 /// Which agent is installed. The shell that runs the query tool may have something to say.

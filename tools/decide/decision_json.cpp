@@ -1,6 +1,5 @@
 #include "tools/decide/decision_json.h"
 
-#include "tools/commands/decision_options.h"
 #include "tools/decide/surroundings.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_session.h"
@@ -238,10 +237,10 @@ Json pathFields(const std::string &path)
 
 } // namespace
 
-std::string jsonHead(std::string_view document, const DecisionOptions &options,
+std::string jsonHead(std::string_view document, const std::string &profilePath,
                      const DecisionRequest &request, const ProfileSession &session)
 {
-    Json profile = pathFields(options.profile);
+    Json profile = pathFields(profilePath);
     profile["device"] = printable(session.profile().deviceName);
     profile["warnings"] = session.warnings();
     const Json asked = {{"prefer", request.preferFormatId > 0

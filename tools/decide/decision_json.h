@@ -11,10 +11,9 @@ namespace vornak::tool {
 
 class ProfileSession;
 struct Surroundings;
-struct DecisionOptions;
 
-/// The document up to its list of files. @param document  what it is called
-std::string jsonHead(std::string_view document, const DecisionOptions &options,
+/// The document, which is called `document`, up to its list of files.
+std::string jsonHead(std::string_view document, const std::string &profilePath,
                      const DecisionRequest &request, const ProfileSession &session);
 
 /// An entry of the list, without the comma.
