@@ -1,6 +1,5 @@
 #include "disc/disc_path.h"
 #include "disc/in_root.h"
-#include "disc/mount_prefix.h"
 #include "disc/shell_command.h"
 #include "include/vornak.h"
 
@@ -21,7 +20,7 @@ bool nameMountPoint(char *mountPointOut, unsigned size)
 {
     std::memset(mountPointOut, 0, size);
     char name[VORNAK_MOUNT_POINT_SIZE];
-    std::snprintf(name, sizeof name, "%s%d/", kMountPrefix, Telmo_getUniqueNumer());
+    std::snprintf(name, sizeof name, VORNAK_MOUNT_PREFIX "%d/", Telmo_getUniqueNumer());
     return FixedText(mountPointOut, size).append(name);
 }
 

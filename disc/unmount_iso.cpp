@@ -1,5 +1,4 @@
 #include "disc/in_root.h"
-#include "disc/mount_prefix.h"
 #include "disc/shell_command.h"
 #include "include/vornak.h"
 
@@ -33,5 +32,5 @@ int chrootUmountIso(const char *mountPoint, const char *rootDir)
 
 int umountAllIso(void)
 {
-    return vornak::unmount(vornak::kMountPrefix, "*");
+    return vornak::unmount(VORNAK_MOUNT_PREFIX, "*");
 }

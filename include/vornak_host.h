@@ -26,6 +26,9 @@
 /** Bytes of the buffer that Telmo_stringConvert2SystemCmdFilename() rewrites. */
 #define VORNAK_SHELL_NAME_SIZE 1024
 
+/** What stands before the number in the path of a mount point. */
+#define VORNAK_MOUNT_PREFIX "/tmp/Trans_mount_"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -62,15 +65,22 @@ VORNAK_HOST_API int ProfileIDToName(char *name, int profile, int codecId);
 VORNAK_HOST_API int ContainerFormatIDToName(char *name, char *subtype, int id);
 
 /**
- * Rewrites a file name in place into what a shell command line reads back as that name, also
- * where two such texts stand side by side. A name that needs no quotes stays as it is.
+ * Rewrites a file name in place into what a shell command line reads back as a name of that
+ * file, also where two such texts stand side by side, as a folder that ends in "/" and a name in
+ * it do. No command may take it for an option: the stand-in host puts "./" before a name that
+ * begins with a dash, and before one that mount would look up as a device's LABEL=. A name that
+ * needs neither that nor quotes stays as it is.
  * @param name  a buffer of VORNAK_SHELL_NAME_SIZE bytes
  * @return 0, or another value, and the buffer unchanged, when the result would not fit
  */
 VORNAK_HOST_API int Telmo_stringConvert2SystemCmdFilename(char *name);
 
-/** A number, 0 or more, that no other call on this machine has returned, in no process. They
- *  repeat after 2^31 calls. */
+/**
+ * The number of a new mount point, 0 or more: one that this process has not been given before,
+ * that nobody can guess, and with which there is nothing at VORNAK_MOUNT_PREFIX, not even a link
+ * that leads nowhere. Any number of threads may call it. Numbers repeat after 2^31 calls; two
+ * processes that call at the same moment are given the same one once in 2^31 times.
+ */
 VORNAK_HOST_API int Telmo_getUniqueNumer(void);
 
 /** Whether `text` begins with `word`; *result is written in any case, not 0 for yes. */
