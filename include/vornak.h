@@ -595,8 +595,10 @@ VORNAK_API int chrootMountIso(const char *isoFolder, const char *isoFileName, ch
 
 /**
  * Mounts a disc image read-only on a directory of the caller's choice, made if it is missing.
- * @param mountPoint  at most 1023 characters, and not more when quoted for the shell, if it holds
- *                    anything but letters, digits and "/._-+,:@"; the whole command has 2047
+ * @param mountPoint  reaches mount(8) as it is: put "./" before one that begins with a dash, or it
+ *                    is an option there. At most 1023 characters, and not more when quoted for the
+ *                    shell, if it holds anything but letters, digits and "/._-+,:@"; the whole
+ *                    command has 2047
  * @return 0, 1 where the call is refused, or the status of the command interpreter
  */
 VORNAK_API int mountIsoByPath(const char *isoFolder, const char *isoFileName,
@@ -613,7 +615,11 @@ VORNAK_API int umountIso(const char *mountPoint);
 /** umountIso() inside rootDir, in a child process. */
 VORNAK_API int chrootUmountIso(const char *mountPoint, const char *rootDir);
 
-/** Unmounts and removes every mount point of mountIso(), in whatever process it is in use. */
+/**
+ * Unmounts and removes every mount point of mountIso(), in whatever process it is in use. The shell
+ * finds them by the start of their path, under which anybody may make a link in /tmp: what the link
+ * leads to is unmounted as well. 1 also where there is none, or one of that name isn't mounted.
+ */
 VORNAK_API int umountAllIso(void);
 
 #define VORNAK_DISC_DVD 4

@@ -11,11 +11,20 @@ namespace {
 constexpr std::string_view kPlainCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
                                               "0123456789/._-+,:@%";
 
+/// Whether a command might take it for an option, or mount for the LABEL= or UUID= of a device.
+/// "./" prevents that, and changes nothing behind a folder that ends in "/".
+bool isMoreThanAName(std::string_view name)
+{
+    return name.starts_with('-') ||
+           name.substr(0, name.find('/')).find('=') != std::string_view::npos;
+}
+
 std::string quote(std::string_view name)
 {
+    const std::string start = isMoreThanAName(name) ? "./" : "";
     if (!name.empty() && name.find_first_not_of(kPlainCharacters) == std::string_view::npos)
-        return std::string(name);
-    std::string quoted = "'";
+        return start + std::string(name);
+    std::string quoted = start + "'";
     for (const char c : name) {
         if (c == '\'')
             quoted += "'\\''";

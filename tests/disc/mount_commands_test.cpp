@@ -72,20 +72,28 @@ protected:
 TEST_F(MountCommands, mountTheImageWhateverItsName)
 {
     const struct {
-        std::string folder, file, mountPoint;
+        std::string folder, file, image, mountPoint;
     } cases[] = {
-        {"/discs/", "film.iso", temp_ / "Az09._-+,:@/"},
-        {"/disc$(id)s/", "-it's a \"film\"\n`id`;*\\.iso", temp_ / "plain"},
-        {"/d", "/&>x", temp_ / "$(echo x)"},
-        {"", "film.iso", temp_ / "a b;id\n'\"*"},
+        {"/discs/", "film.iso", "/discs/film.iso", temp_ / "Az09._-+,:@/"},
+        {"/disc$(id)s/", "it's a \"film\"\n`id`;*\\.iso",
+         "/disc$(id)s/it's a \"film\"\n`id`;*\\.iso", temp_ / "plain"},
+        {"/d", "/&>x", "/d/&>x", temp_ / "$(echo x)"},
+        {"", "film.iso", "film.iso", temp_ / "a b;id\n'\"*"},
+        // nothing of it is an option, and it is the same file
+        {"-oremount,rw/", "film.iso", "./-oremount,rw/film.iso", temp_ / "plain"},
+        {"/d/", "-film $.iso", "/d/./-film $.iso", temp_ / "plain"},
+        {"", "--bind", "./--bind", temp_ / "plain"},
+        {"LABEL=x/", "film.iso", "./LABEL=x/film.iso", temp_ / "plain"},
     };
     for (const auto &c : cases) {
         Capture out(STDOUT_FILENO), err(STDERR_FILENO);
         EXPECT_EQ(mountIsoByPath(c.folder.c_str(), c.file.c_str(), c.mountPoint.c_str()), 0);
         EXPECT_EQ(err.take() + out.take(), "");
-        EXPECT_EQ(commands(), mountCommand(c.folder + c.file, c.mountPoint));
+        EXPECT_EQ(commands(), mountCommand(c.image, c.mountPoint));
         EXPECT_TRUE(fs::is_directory(c.mountPoint));
     }
+    EXPECT_EQ(umountIso("-a"), 0);
+    EXPECT_EQ(commands(), command({"umount", "./-a"}) + command({"rmdir", "./-a"}));
 }
 
 TEST_F(MountCommands, makeTheMountPointForEverybody)
