@@ -1,9 +1,8 @@
 #include "tools/probe/bit_rates.h"
-#include "tools/probe/ebml_doc_type.h"
+#include "tools/probe/container_mapping.h"
 #include "tools/probe/frame_rate.h"
-#include "tools/probe/h264_references.h"
-#include "tools/probe/hevc_source.h"
 #include "tools/probe/mpeg4_headers.h"
+#include "tools/probe/parameter_sets.h"
 
 #include <bit>
 #include <cstdint>

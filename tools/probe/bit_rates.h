@@ -4,7 +4,19 @@
 #include <cstdint>
 #include <span>
 
+struct AVFormatContext;
+struct AVStream;
+
 namespace vornak::tool {
+
+class MediaFile;
+
+/// In bits per second: by the header, by a count among the tags, or by a codec whose frames are
+/// all alike; 0: none.
+std::int64_t statedBitrate(const MediaFile &file, const AVStream &stream);
+
+/// Whether libavformat has made the file's duration from the bit rates of the first packets.
+bool guessesDuration(const AVFormatContext &context);
 
 struct StreamRate {
     std::int64_t stated = 0;  ///< bits per second, as the file has it; 0: not at all

@@ -1,6 +1,8 @@
 // From libavformat's containers to the registry's.
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 
 namespace vornak::tool {
@@ -16,5 +18,9 @@ ContainerIdentity identifyContainer(const MediaFile &file);
 
 /// Whether the container holds pictures, moving ones (GIF) included, that players show as such.
 bool isPictureContainer(const MediaFile &file);
+
+/// The document type in the header that a Matroska file begins with ("matroska", "webm"), or the
+/// empty text.
+std::string ebmlDocType(std::span<const std::uint8_t> start);
 
 } // namespace vornak::tool

@@ -1,13 +1,15 @@
 #include "tools/probe/media_file.h"
 
-#include "tools/probe/freed_memory.h"
-#include "tools/probe/libav_log.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdarg>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <malloc.h>
+#include <mutex>
 #include <new>
 #include <string_view>
 #include <sys/stat.h>
@@ -16,12 +18,56 @@
 
 extern "C" {
 #include <libavformat/avformat.h>
+#include <libavutil/log.h>
 }
 
 namespace vornak::tool {
 namespace {
 
 constexpr int kBufferSize = 32 * 1024;
+
+/// Makes the process keep the memory that it frees, up to a bound. Opening a file with its
+/// decoders takes some megabytes and gives them back; for the kernel to hand out pages anew each
+/// time costs more than all else about a short file. Once a process is enough.
+void keepFreedMemory()
+{
+    constexpr int kKept = 64 * 1024 * 1024;
+    constexpr int kLargestBlock =
+        32 * 1024 * 1024; // beyond, mmap() and munmap(); the most there is
+
+    static std::once_flag once;
+    std::call_once(once, [] {
+        mallopt(M_TRIM_THRESHOLD, kKept);
+        mallopt(M_MMAP_THRESHOLD, kLargestBlock);
+    });
+}
+
+// The libraries say why they fail in their log alone. The callback has no argument of its own,
+// but it is called on the thread that is at work.
+thread_local char t_firstError[200];
+
+void keepFirstError(void *, int level, const char *format, va_list arguments)
+{
+    if (level > AV_LOG_ERROR || t_firstError[0] != '\0') return;
+    std::vsnprintf(t_firstError, sizeof t_firstError, format, arguments);
+}
+
+/// Keeps the libraries from printing, in the whole process, and begins to listen for the first
+/// error that they report on this thread.
+void startListeningToLibav()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { av_log_set_callback(keepFirstError); });
+    t_firstError[0] = '\0';
+}
+
+/// That error, or the empty text.
+std::string firstLibavError()
+{
+    std::string text = t_firstError;
+    text.erase(text.find_last_not_of(" .\n") + 1);
+    return text;
+}
 
 int openForReading(const std::string &path)
 {

@@ -6,7 +6,6 @@
 #include "tools/probe/media_file.h"
 #include "tools/probe/packet_sample.h"
 #include "tools/probe/play_exceptions.h"
-#include "tools/probe/stated_bitrate.h"
 
 #include <algorithm>
 #include <bit>

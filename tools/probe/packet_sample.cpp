@@ -1,7 +1,5 @@
 #include "tools/probe/packet_sample.h"
 
-#include "tools/probe/h264_fields.h"
-
 #include <algorithm>
 #include <memory>
 #include <new>
@@ -9,14 +7,48 @@
 #include <utility>
 
 extern "C" {
+#include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 }
 
 namespace vornak::tool {
 namespace {
 
-struct FreePacket {
+struct Free {
     void operator()(AVPacket *packet) const { av_packet_free(&packet); }
+    void operator()(AVCodecContext *context) const { avcodec_free_context(&context); }
+    void operator()(AVCodecParserContext *parser) const { av_parser_close(parser); }
+};
+
+/// Whether an H.264 stream is interlaced, by its pictures. Containers that say so are not always
+/// right: a muxer passes on what it was told of the pictures before they were encoded.
+class H264Fields {
+public:
+    explicit H264Fields(const AVCodecParameters &parameters)
+        : context_(avcodec_alloc_context3(nullptr)), parser_(av_parser_init(AV_CODEC_ID_H264))
+    {
+        if (!context_ || !parser_) throw std::bad_alloc();
+        if (avcodec_parameters_to_context(context_.get(), &parameters) < 0) throw std::bad_alloc();
+        parser_->flags |= PARSER_FLAG_COMPLETE_FRAMES;
+    }
+
+    /// Looks at a packet of the stream, as its container stores it.
+    void add(const AVPacket &packet)
+    {
+        std::uint8_t *unit = nullptr;
+        int size = 0;
+        av_parser_parse2(parser_.get(), context_.get(), &unit, &size, packet.data, packet.size,
+                         AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
+        interlaced_ |= parser_->field_order != AV_FIELD_UNKNOWN &&
+                       parser_->field_order != AV_FIELD_PROGRESSIVE;
+    }
+
+    bool isInterlaced() const { return interlaced_; }
+
+private:
+    std::unique_ptr<AVCodecContext, Free> context_;
+    std::unique_ptr<AVCodecParserContext, Free> parser_;
+    bool interlaced_ = false;
 };
 
 /// Without a duration in the packets: the distance of the first from the last, and one more.
@@ -65,7 +97,7 @@ void addPacket(Sampling &stream, const AVPacket &packet, const AVStream &source)
     if (source.codecpar->codec_id == AV_CODEC_ID_MP3) stream.found.rateCodes |= rateCode(packet);
     stream.timed += packet.duration > 0 ? 1 : 0;
     if (++stream.packets > kPicturesForFields || !stream.fields) return;
-    stream.fields->add({packet.data, static_cast<std::size_t>(packet.size)});
+    stream.fields->add(packet);
     stream.found.interlaced = stream.fields->isInterlaced();
 }
 
@@ -81,7 +113,7 @@ SampledStream finish(Sampling &&stream, AVRational timeBase)
 
 PacketSample readPackets(AVFormatContext &context, std::vector<Sampling> streams, SampleSize most)
 {
-    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    const std::unique_ptr<AVPacket, Free> packet(av_packet_alloc());
     if (!packet) throw std::bad_alloc();
     PacketSample sample;
     std::int64_t bytes = 0;

@@ -2,9 +2,8 @@
 
 #include "include/vornak_host.h"
 #include "tools/probe/frame_rate.h"
-#include "tools/probe/h264_references.h"
-#include "tools/probe/hevc_source.h"
 #include "tools/probe/mpeg4_headers.h"
+#include "tools/probe/parameter_sets.h"
 
 #include <span>
 

@@ -1,4 +1,4 @@
-#include "tools/probe/h264_references.h"
+#include "tools/probe/parameter_sets.h"
 
 #include "tools/probe/bit_reader.h"
 
@@ -10,7 +10,6 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr int kSequenceParameterSet = 7;
 constexpr std::uint32_t kLargestSide = 4096; // macroblocks; no level has room for more
 
 struct SequenceParameters {
@@ -29,6 +28,25 @@ constexpr struct {
     {51, 184320}, {52, 184320}, {60, 696320}, {61, 696320}, {62, 696320},
 };
 
+/// How a codec's units begin, each behind a start code.
+struct UnitHeader {
+    std::uint8_t typeMask, sequenceParameterSet; // of the first byte
+    std::size_t size;
+};
+
+constexpr UnitHeader kH264Unit = {0x1F, 7, 1};
+constexpr UnitHeader kHevcUnit = {0x7E, 33 << 1, 2};
+
+/// The sequence parameter set among units with start codes, up to the end of all.
+Bytes findAfterStartCode(Bytes units, UnitHeader header)
+{
+    for (std::size_t i = 0; i + 3 + header.size < units.size(); ++i)
+        if (units[i] == 0 && units[i + 1] == 0 && units[i + 2] == 1 &&
+            (units[i + 3] & header.typeMask) == header.sequenceParameterSet)
+            return units.subspan(i + 3 + header.size);
+    return {};
+}
+
 /// The first parameter set of an avcC box, the unit's header byte excluded.
 Bytes findInBox(Bytes box)
 {
@@ -37,16 +55,6 @@ Bytes findInBox(Bytes box)
     const std::size_t size = static_cast<std::size_t>(box[kHeader]) << 8 | box[kHeader + 1];
     const Bytes unit = box.subspan(kHeader + 2).first(std::min(box.size() - kHeader - 2, size));
     return unit.empty() ? unit : unit.subspan(1);
-}
-
-/// The same among units with start codes, up to the end of all.
-Bytes findAfterStartCode(Bytes units)
-{
-    for (std::size_t i = 0; i + 4 < units.size(); ++i)
-        if (units[i] == 0 && units[i + 1] == 0 && units[i + 2] == 1 &&
-            (units[i + 3] & 0x1F) == kSequenceParameterSet)
-            return units.subspan(i + 4);
-    return {};
 }
 
 void skipScalingList(BitReader &bits, int size)
@@ -122,13 +130,29 @@ bool hasTooManyReferences(Bytes extradata)
     if (extradata.empty()) return false;
     const bool isBox = extradata.front() == 1;
     const auto parameters =
-        readParameters(isBox ? findInBox(extradata) : findAfterStartCode(extradata));
+        readParameters(isBox ? findInBox(extradata) : findAfterStartCode(extradata, kH264Unit));
     const auto *level =
         std::ranges::find(s_Levels, parameters.level, [](const auto &row) { return row.level; });
     if (level == std::end(s_Levels) || parameters.macroblocks == 0) return false;
     const std::uint32_t fitting = std::min(level->bufferMacroblocks / parameters.macroblocks, 16U);
     // a picture too large for its level leaves room for none; that is not about references
     return parameters.referenceFrames > std::max(fitting, 1U);
+}
+
+bool isHevcFromFields(Bytes extradata)
+{
+    // in a set as in an MP4 box: a byte of its own, the profile, what it is compatible with
+    constexpr int kBeforeSource = 8 + 8 + 32;
+
+    if (extradata.empty()) return false;
+    const bool isBox = extradata.front() == 1;
+    const std::vector<std::uint8_t> bytes =
+        isBox ? std::vector(extradata.begin(), extradata.end())
+              : unescape(findAfterStartCode(extradata, kHevcUnit));
+    BitReader bits(bytes);
+    bits.skip(kBeforeSource);
+    const bool progressive = bits.readFlag();
+    return bits.readFlag() && !progressive; // both: it changes from picture to picture
 }
 
 } // namespace vornak::tool
