@@ -4,6 +4,17 @@
 #include "include/vornak_host.h"
 
 #include <cstdio>
+#include <string_view>
+
+namespace vornak {
+
+/// A path less its folders. GCC 11 has no macro for that.
+consteval const char *fileNameIn(const char *path)
+{
+    return path + std::string_view(path).rfind('/') + 1; // npos + 1 is 0
+}
+
+} // namespace vornak
 
 // A macro because the line reports the place that it stands at; `func` is the exported function
 // that is at work. The level is tested before any argument is evaluated.
@@ -11,7 +22,7 @@
     do {                                                                                           \
         if (g_debug_level != 0)                                                                    \
             std::fprintf(stderr, before "[File:%s][Line:%d][Func:%s]: " format "\n" after,         \
-                         __FILE_NAME__, __LINE__, func __VA_OPT__(, ) __VA_ARGS__);                \
+                         vornak::fileNameIn(__FILE__), __LINE__, func __VA_OPT__(, ) __VA_ARGS__); \
     } while (false)
 
 #define VORNAK_DEBUG(func, format, ...)                                                            \
