@@ -25,6 +25,12 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* What these headers describe; a change of the first number breaks programs built before. */
+#define VORNAK_VERSION "1.0.0"
+#define VORNAK_VERSION_MAJOR 1
+#define VORNAK_VERSION_MINOR 0
+#define VORNAK_VERSION_PATCH 0
+
 #if defined(__GNUC__)
 #define VORNAK_API __attribute__((visibility("default")))
 #else

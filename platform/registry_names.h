@@ -31,22 +31,22 @@ struct SubtypeName {
 // the program.
 
 /// Codecs by rising id, the wildcard "any" first.
-VORNAK_HOST_API std::span<const RegistryName> codecNames();
+std::span<const RegistryName> codecNames();
 
 /// Profiles, those of one codec together by rising bit.
-VORNAK_HOST_API std::span<const ProfileName> profileNames();
+std::span<const ProfileName> profileNames();
 
 /// Play exceptions by rising bit.
-VORNAK_HOST_API std::span<const RegistryName> playExceptionNames();
+std::span<const RegistryName> playExceptionNames();
 
 /// Containers by rising id, the wildcard "any" first.
-VORNAK_HOST_API std::span<const RegistryName> containerNames();
+std::span<const RegistryName> containerNames();
 
 /// Subtypes, those of one container together by rising number.
-VORNAK_HOST_API std::span<const SubtypeName> subtypeNames();
+std::span<const SubtypeName> subtypeNames();
 
 /// Whether `name`, or what it is an alias of, is a profile of the codec. Bits are shared between
 /// codecs, so a bit alone doesn't tell.
-VORNAK_HOST_API bool codecHasProfile(int codecId, const char *name);
+bool codecHasProfile(int codecId, const char *name);
 
 } // namespace vornak

@@ -2,6 +2,7 @@
 #include <vornak.h>
 
 #include <stdio.h>
+#include <string.h>
 
 int main(void)
 {
@@ -12,5 +13,9 @@ int main(void)
     if (getTranscodeCmdByCondition(&set, &command) != VORNAK_CMD_OK) return 1;
     if (ParseSingleTranscodeXML(NULL, VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0)) return 2;
     if (s_DefaultFormatParams[20].formatId != -1 || g_supportSRT[1]) return 3;
+    char version[16];
+    snprintf(version, sizeof version, "%d.%d.%d", VORNAK_VERSION_MAJOR, VORNAK_VERSION_MINOR,
+             VORNAK_VERSION_PATCH);
+    if (strcmp(version, VORNAK_VERSION) != 0) return 5;
     return printf("%s\n", command.cmd) == 7 ? 0 : 4;
 }

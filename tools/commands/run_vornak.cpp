@@ -1,5 +1,6 @@
 #include "tools/commands/run_vornak.h"
 
+#include "include/vornak.h"
 #include "tools/commands/subcommands.h"
 #include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"
