@@ -7,6 +7,7 @@
 #include "tests/support/temp_dir.h"
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <thread>
@@ -195,7 +196,7 @@ TEST_F(DiscCommand, SaysThatMountingNeedsRoot)
     mountLeftover("/tmp/Trans_mount_1");
     const ProcessResult sweep = with("unmount-all");
     EXPECT_EQ(sweep.status, 1);
-    EXPECT_EQ(sweep.err, "vornak: /tmp/Trans_mount_1: still mounted: unmounting needs root\n");
+    EXPECT_EQ(sweep.err, "vornak: /tmp/Trans_mount_1: left as it is: unmounting needs root\n");
     EXPECT_EQ(disc({"unmount-all"}).status, 0);
 }
 
@@ -243,25 +244,56 @@ TEST_F(DiscCommand, SweepsUpWhatWasLeft)
 {
     mountLeftover("/tmp/Trans_mount_1");
     fs::create_directory("/tmp/Trans_mount_2"); // of a mount that failed
-    fs::create_symlink("/tmp/Trans_mount_1", "/tmp/Trans_mount_link");
-    const ProcessResult link = disc({"unmount-all"});
-    EXPECT_EQ(link.status, 1);
-    EXPECT_EQ(link.out + link.err, "vornak: /tmp/Trans_mount_link: not a directory; nothing is "
-                                   "unmounted while it is there\n");
-    fs::remove("/tmp/Trans_mount_link");
     {
         const std::ifstream user("/tmp/Trans_mount_1/VIDEO_TS/VTS_02_1.VOB");
         ASSERT_TRUE(user);
         const ProcessResult used = disc({"unmount-all"});
         EXPECT_EQ(used.status, 1);
-        EXPECT_EQ(used.out, "unmounted /tmp/Trans_mount_2\n");
+        EXPECT_EQ(used.out, "removed /tmp/Trans_mount_2\n");
         EXPECT_EQ(used.err, "vornak: /tmp/Trans_mount_1: still mounted: some program uses it (try: "
                             "fuser -vm /tmp/Trans_mount_1)\n");
     }
-    fs::create_directory("/tmp/Trans_mount_2");
+    ASSERT_EQ(run({"mount", "-o", "loop,ro", "/tmp/bluray.iso", "/tmp/Trans_mount_1"}).err, "");
+    const ProcessResult all = disc({"unmount-all"}); // both, of which one hides the other
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(all.out + all.err, "unmounted /tmp/Trans_mount_1\n");
+}
+
+TEST_F(DiscCommand, SweepsPastWhatStrangersMake)
+{
+    mountLeftover("/tmp/victim");
+    mountLeftover("/tmp/Trans_mount_1");
+    fs::create_symlink("/tmp/victim", "/tmp/Trans_mount_link");
+    std::ofstream("/tmp/Trans_mount_file").close();
     const ProcessResult all = disc({"unmount-all"});
     EXPECT_EQ(all.status, 0);
-    EXPECT_EQ(all.out + all.err, "unmounted /tmp/Trans_mount_1\nunmounted /tmp/Trans_mount_2\n");
+    EXPECT_EQ(all.out, "unmounted /tmp/Trans_mount_1\n");
+    const std::string why =
+        ": passed over: nothing is mounted on it, and it is no empty directory\n";
+    EXPECT_EQ(all.err,
+              "vornak: /tmp/Trans_mount_file" + why + "vornak: /tmp/Trans_mount_link" + why);
+    fs::remove("/tmp/Trans_mount_link");
+    fs::remove("/tmp/Trans_mount_file");
+
+    // At any moment a directory may give way to a link.
+    fs::permissions("/tmp", fs::perms::all);
+    const pid_t stranger = fork();
+    if (stranger == 0) {
+        if (setegid(65534) != 0 || seteuid(65534) != 0) _exit(1);
+        for (;;) {
+            mkdir("/tmp/Trans_mount_1", 0777);
+            if (symlink("/tmp/victim", "/tmp/link") != 0 && errno != EEXIST) _exit(1);
+            renameat2(-1, "/tmp/Trans_mount_1", -1, "/tmp/link", RENAME_EXCHANGE);
+        }
+    }
+    for (int i = 0; i < 20; ++i) disc({"unmount-all"});
+    kill(stranger, SIGKILL);
+    int status = 0;
+    waitpid(stranger, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_TRUE(fs::exists("/tmp/victim/VIDEO_TS"));
+    run({"sh", "-c", "umount /tmp/victim; rm -rf /tmp/victim /tmp/Trans_mount_1 /tmp/link"});
+    fs::permissions("/tmp", fs::perms::all | fs::perms::sticky_bit);
 }
 
 } // namespace

@@ -1,16 +1,16 @@
 #include "tools/appliance/unmount_all.h"
 
-#include "include/vornak.h"
+#include "base/directory.h"
+#include "include/vornak_host.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <fmt/format.h>
 #include <string>
-#include <sys/stat.h>
+#include <sys/mount.h>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -18,62 +18,60 @@
 namespace vornak::tool {
 namespace {
 
-namespace fs = std::filesystem;
-
 std::vector<std::string> mountPoints()
 {
     std::vector<std::string> found;
-    for (const auto &entry : fs::directory_iterator("/tmp"))
-        if (entry.path().filename().string().starts_with("Trans_mount_"))
-            found.push_back(entry.path());
+    Directory tmp("/tmp");
+    while (const char *name = tmp.isOpen() ? tmp.next() : nullptr) {
+        const std::string path = std::string("/tmp/") + name;
+        if (path.starts_with(VORNAK_MOUNT_PREFIX)) found.push_back(path);
+    }
+    if (!tmp.isOpen() || tmp.error() != 0)
+        throw std::system_error(errno, std::generic_category(), "can't read /tmp");
     std::sort(found.begin(), found.end());
     return found;
 }
 
-bool isMounted(const std::string &path)
+/// Why a name is still there; empty where it is gone, or no concern of the sweep's.
+std::string whyLeft(const std::string &path, int unmountError, int removeError)
 {
-    struct stat here = {}, parent = {};
-    return stat(path.c_str(), &here) == 0 && stat("/tmp", &parent) == 0 &&
-           here.st_dev != parent.st_dev;
+    if (removeError == ENOENT) return {};
+    if (removeError == ENOTDIR || removeError == ENOTEMPTY) {
+        complain(fmt::format("{}: passed over: nothing is mounted on it, and it is no empty "
+                             "directory",
+                             printable(path)));
+        return {};
+    }
+    if (unmountError == EPERM) return "left as it is: unmounting needs root";
+    if (unmountError == EBUSY)
+        return "still mounted: some program uses it (try: fuser -vm " + path + ")";
+    return "not removed: " + std::generic_category().message(removeError);
 }
 
-/// Why the sweep left a mount point; empty when it is gone now. The library removes none while
-/// any fails to unmount, as an empty directory does.
-std::string whyLeft(const std::string &path)
+/// Anybody may put something else in the place of a name at any moment, but neither call follows
+/// a link, and each does nothing to what isn't of its kind.
+int sweep(const std::string &path)
 {
-    if (isMounted(path))
-        return geteuid() != 0 ? "still mounted: unmounting needs root"
-                              : "still mounted: some program uses it (try: fuser -vm " + path + ")";
-    if (rmdir(path.c_str()) == 0 || errno == ENOENT) return {};
-    return "not removed: " + std::generic_category().message(errno);
+    bool unmounted = false;
+    while (umount2(path.c_str(), UMOUNT_NOFOLLOW) == 0) unmounted = true;
+    const int unmountError = errno;
+    if (rmdir(path.c_str()) == 0) {
+        writeOut(fmt::format("{} {}\n", unmounted ? "unmounted" : "removed", printable(path)));
+        return kDone;
+    }
+    const std::string why = whyLeft(path, unmountError, errno);
+    return why.empty() ? kDone : complainOf(path, why);
 }
 
 } // namespace
 
+// Not by umountAllIso(), for which the shell looks the names up: that follows links.
 int unmountAll()
 {
     const std::vector<std::string> found = mountPoints();
-    // Unmounting follows links, and anybody may make one in /tmp.
-    for (const std::string &path : found)
-        if (!fs::is_directory(fs::symlink_status(path))) {
-            complain(fmt::format("{}: not a directory; nothing is unmounted while it is there",
-                                 printable(path)));
-            return kIncomplete;
-        }
-    if (found.empty()) {
-        writeOut("nothing is mounted\n");
-        return kDone;
-    }
-    umountAllIso();
+    if (found.empty()) writeOut("nothing is mounted\n");
     int status = kDone;
-    for (const std::string &path : found) {
-        const std::string why = whyLeft(path);
-        if (why.empty()) {
-            writeOut(fmt::format("unmounted {}\n", printable(path)));
-            continue;
-        }
-        status = complainOf(path, why);
-    }
+    for (const std::string &path : found) status = std::max(status, sweep(path));
     return status;
 }
 

@@ -44,9 +44,10 @@ Exit status: 0 the title was found, 1 it was not, 2 bad usage.)";
 constexpr const char *kUnmountAll = "unmount-all";
 
 constexpr const char *kUnmountAllNotes =
-    R"(The images are those mounted on /tmp/Trans_mount_*. An empty directory of that name is removed.
+    R"(The images are those mounted on /tmp/Trans_mount_*. An empty directory of that name is removed;
+links, and what else strangers may have put there, are named and passed over.
 
-Exit status: 0 nothing is left, 1 something is, 2 bad usage.)";
+Exit status: 0 no image is left, 1 some is, 2 bad usage.)";
 
 struct Options {
     std::string path;
