@@ -9,7 +9,7 @@ int main(int argc, char **argv)
 {
     using namespace vornak::tool;
     try {
-        keepStandardDescriptors();
+        prepareStandardStreams();
         return runVornak(argc, argv);
     } catch (const std::exception &error) {
         complain(error.what());

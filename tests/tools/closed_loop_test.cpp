@@ -1,6 +1,5 @@
 // Decide, transcode, decide again: what a profile has made of a clip, it takes as it is.
-#include "tools/profile/profile_session.h"
-#include "tools/transcode/transcode_file.h"
+#include "tools/decide/decide_files.h"
 
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
@@ -125,7 +124,7 @@ std::string profilePath(const std::string &name)
 /// What becomes of a file.
 tool::FileResult decide(const std::string &profile, const std::string &file)
 {
-    return tool::probeAndDecide(tool::ProfileSession(profilePath(profile)), {}, file);
+    return tool::decideFile(tool::ProfileSession(profilePath(profile)), {}, file);
 }
 
 class ClosedLoop : public testing::TestWithParam<Clip> {

@@ -1,50 +1,22 @@
 #include "tools/appliance/locked_command.h"
 
 #include "include/vornak.h"
+#include "tools/terminal/child.h"
+#include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
-#include "tools/terminal/printable.h"
 
 #include <cerrno>
 #include <csignal>
-#include <fmt/format.h>
-#include <spawn.h>
-#include <sys/wait.h>
+#include <ctime>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
 namespace vornak::tool {
 namespace {
 
-constexpr int kSignalled = 128; ///< added to a signal's number, as the shell does
 constexpr int kCannotRun = 126;
 constexpr int kNotFound = 127;
-
-constexpr int s_Interruptions[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
-
-// Left to their default action: faults of the tool itself, and what stops and resumes a job.
-constexpr int s_NotHeldBack[] = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGTRAP, SIGSYS,
-                                 SIGABRT, SIGTSTP, SIGTTIN, SIGTTOU, SIGCONT};
-
-volatile std::sig_atomic_t interruptedBy = 0;
-
-// A signal that comes right before the wait begins doesn't end it, so an alarm follows.
-void noteInterruption(int signal)
-{
-    if (signal != SIGALRM) interruptedBy = signal;
-    alarm(1);
-}
-
-void catchInterruptions()
-{
-    struct sigaction action {};
-    action.sa_handler = noteInterruption; // without SA_RESTART: the wait is to end
-    sigaction(SIGALRM, &action, nullptr);
-    for (const int signal : s_Interruptions) {
-        struct sigaction before {};
-        sigaction(signal, nullptr, &before);
-        if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr); // nohup stays so
-    }
-}
 
 [[noreturn]] void failFor(const char *what)
 {
@@ -59,102 +31,81 @@ void sayIfHeld()
         complain("waiting for the database lock (if its holder died: vornak lock repair)");
 }
 
+/// A moment from now, for sem_clockwait().
+timespec shortly()
+{
+    constexpr long kInterval = 100'000'000; // nanoseconds that a user's signal may have to wait
+    constexpr long kSecond = 1'000'000'000;
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    time.tv_nsec += kInterval;
+    time.tv_sec += time.tv_nsec / kSecond;
+    time.tv_nsec %= kSecond;
+    return time;
+}
+
 class HeldLock {
 public:
-    /// Waits, unless a signal of the user comes first.
-    HeldLock()
+    /// Waits, unless a signal that would end the tool comes first.
+    explicit HeldLock(const HeldSignals &signals)
     {
         if (Vornak_Mutex_Init(1) != 0) failFor("can't open the database lock");
         sayIfHeld();
-        while (!held_ && interruptedBy == 0) {
-            held_ = Vornak_Mutex_Lock() == 0;
-            if (!held_ && errno != EINTR) failFor("can't wait for the database lock");
+        while (!isHeld_ && interruption_ == 0) {
+            const timespec until = shortly();
+            isHeld_ = sem_clockwait(vornak_db_mutex, CLOCK_MONOTONIC, &until) == 0;
+            if (!isHeld_ && errno != ETIMEDOUT && errno != EINTR)
+                failFor("can't wait for the database lock");
+            interruption_ = signals.takeInterruption();
         }
     }
     ~HeldLock()
     {
-        if (held_) Vornak_Mutex_Unlock();
+        if (isHeld_) Vornak_Mutex_Unlock();
         Vornak_Mutex_Close();
     }
     HeldLock(const HeldLock &) = delete;
     HeldLock &operator=(const HeldLock &) = delete;
 
-private:
-    bool held_ = false;
-};
-
-/// Signals that no longer act on the tool but wait to be taken.
-class HeldBackSignals {
-public:
-    HeldBackSignals()
-    {
-        sigfillset(&signals_);
-        for (const int signal : s_NotHeldBack) sigdelset(&signals_, signal);
-        sigprocmask(SIG_BLOCK, &signals_, &before_);
-    }
-    ~HeldBackSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-    HeldBackSignals(const HeldBackSignals &) = delete;
-    HeldBackSignals &operator=(const HeldBackSignals &) = delete;
-
-    const sigset_t &before() const { return before_; }
-    int take(siginfo_t &info) const { return sigwaitinfo(&signals_, &info); }
+    /// The signal that came before the command could run, or 0.
+    int interruption() const { return interruption_; }
 
 private:
-    sigset_t signals_{}, before_{};
+    bool isHeld_ = false;
+    int interruption_ = 0;
 };
-
-/// Returns 0 or the error.
-int start(const std::vector<std::string> &command, const sigset_t &signals, pid_t &child)
-{
-    std::vector<char *> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string &word : command) arguments.push_back(const_cast<char *>(word.c_str()));
-    arguments.push_back(nullptr);
-
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    posix_spawnattr_setsigmask(&attributes, &signals);
-    const int error =
-        posix_spawnp(&child, arguments[0], nullptr, &attributes, arguments.data(), environ);
-    posix_spawnattr_destroy(&attributes);
-    return error;
-}
 
 /// Passes on what other processes send; what the terminal sends reaches the program by itself.
-int waitForEnd(pid_t child, const HeldBackSignals &signals)
+int waitForEnd(Child &program, const HeldSignals &signals)
 {
-    for (;;) {
-        siginfo_t info{};
-        const int signal = signals.take(info);
-        if (signal == SIGCHLD) {
-            int status = 0;
-            if (waitpid(child, &status, WNOHANG) != child) continue;
-            return WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status);
-        }
-        if (signal > 0 && info.si_code <= 0) kill(child, signal);
+    while (!program.hasEnded()) {
+        pollfd watched = {signals.descriptor(), POLLIN, 0};
+        poll(&watched, 1, -1);
+        while (const auto info = signals.take())
+            if (info->ssi_signo != SIGCHLD && info->ssi_code <= 0)
+                program.send(static_cast<int>(info->ssi_signo));
     }
+    return program.status();
 }
 
 } // namespace
 
 int runLocked(const std::vector<std::string> &command)
 {
-    catchInterruptions();
-    const HeldLock lock;
-    const HeldBackSignals signals;
-    if (interruptedBy != 0) {
+    const HeldSignals signals;
+    const HeldLock lock(signals);
+    if (const int signal = lock.interruption()) {
         complain("interrupted before the command could run");
-        return kSignalled + interruptedBy;
+        return kSignalled + signal;
     }
-
-    std::signal(SIGCHLD, SIG_DFL); // where it is ignored, nobody can wait for a child
-    pid_t child = 0;
-    const int error = start(command, signals.before(), child);
-    if (error == 0) return waitForEnd(child, signals);
-    complain(fmt::format("can't run {}: {}", printable(command.front()),
-                         std::generic_category().message(error)));
-    return error == ENOENT ? kNotFound : kCannotRun;
+    try {
+        constexpr int kSameAsHere[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+        Child program = startProgram(command, kSameAsHere, Orphan::GoesOn);
+        return waitForEnd(program, signals);
+    } catch (const std::system_error &error) {
+        complain(error.what());
+        return error.code().value() == ENOENT ? kNotFound : kCannotRun;
+    }
 }
 
 } // namespace vornak::tool

@@ -2,11 +2,12 @@
 #include "tools/commands/decision_options.h"
 #include "tools/commands/subcommands.h"
 #include "tools/commands/transcoding_options.h"
-#include "tools/profile/profile_session.h"
+#include "tools/decide/decide_files.h"
+#include "tools/decide/reason_text.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
-#include "tools/transcode/transcode_file.h"
+#include "tools/transcode/make_output.h"
 #include "tools/transcode/work_file.h"
 
 #include <CLI/CLI.hpp>
@@ -66,7 +67,7 @@ int keepAsItIs(const TranscodeOptions &options)
     }
     const std::string place = findPlace(options);
     WorkFile work(folderOf(place));
-    if (const int status = copy(options.file, work.path()); status != kDone) return status;
+    if (const int status = copyOutput(options.file, work.path()); status != kDone) return status;
     work.moveTo(place, options.replace);
     writeOut(fmt::format("{}: copied, it is sent as it is\n", printable(options.output)));
     return kDone;
@@ -76,7 +77,7 @@ int keepAsItIs(const TranscodeOptions &options)
 int verify(const TranscodeOptions &options, const ProfileSession &session)
 {
     const DecisionRequest request{.matchVideo = !options.noMatchVideo};
-    const FileResult result = probeAndDecide(session, request, options.output);
+    const FileResult result = decideFile(session, request, options.output);
     if (const auto *undecided = std::get_if<Undecided>(&result))
         return complainOf(options.output, "not verified: " + undecided->message);
     const auto &decision = std::get<Decision>(result);
@@ -87,39 +88,33 @@ int verify(const TranscodeOptions &options, const ProfileSession &session)
     return kDone;
 }
 
-int transcodeFile(const TranscodeOptions &options, const ProfileSession &session,
-                  const Decision &decision)
+int transcodeFile(const TranscodeOptions &options, const DecidedFile &file)
 {
-    const auto made = makeCommand(decision, options.dialect);
+    const auto made = makeCommand(file.decision, options.dialect);
     if (const auto *problem = std::get_if<std::string>(&made))
         return complainOf(options.file, *problem);
 
     const std::string place = findPlace(options);
     WorkFile work(folderOf(place));
-    const int status = transcode(options.ffmpeg, options.file, decision,
-                                 std::get<TranscodeCommand>(made), work.path());
+    const int status =
+        makeOutput(options.ffmpeg, file, std::get<LibraryCommand>(made), work.path());
     if (status != kDone) return status;
     work.moveTo(place, options.replace);
     writeOut(fmt::format("{}: made from {} ({})\n", printable(options.output),
-                         printable(options.file), nameOf(decision.outcome)));
-    return options.verify ? verify(options, session) : kDone;
+                         printable(options.file), nameOf(file.decision.outcome)));
+    return options.verify ? verify(options, file.session) : kDone;
 }
 
 int runTranscode(const TranscodeOptions &options)
 {
-    const DecisionRequest request = resolve(options);
-    const ProfileSession session(options.profile);
-    complainOfWarnings(options.profile, session);
-
-    const FileResult result = probeAndDecide(session, request, options.file);
-    if (const auto *undecided = std::get_if<Undecided>(&result))
-        return complainOf(options.file, undecided->message);
-    const auto &decision = std::get<Decision>(result);
-    if (decision.isRefused())
-        return complainOf(options.file, "refused, NOTRANSCODE forbids to transcode: " +
-                                            reasonsOf(decision, request, session));
-    if (!needsCommand(decision)) return keepAsItIs(options);
-    return transcodeFile(options, session, decision);
+    const auto file = decideOne(options.profile, resolve(options), options.file);
+    if (!file) return kIncomplete;
+    if (file->decision.isRefused())
+        return complainOf(options.file,
+                          "refused, NOTRANSCODE forbids to transcode: " +
+                              reasonsOf(file->decision, file->request, file->session));
+    if (!needsCommand(file->decision)) return keepAsItIs(options);
+    return transcodeFile(options, *file);
 }
 
 } // namespace

@@ -15,13 +15,11 @@
 namespace vornak::tool {
 namespace {
 
-FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
+FileResult decideItem(const ProfileSession &session, const DecisionRequest &request,
                       const MediaItem &item)
 {
     if (!item.error.empty()) return Undecided{"cannot-open", item.error};
-    ProbeResult probe = probeMedia(item.path);
-    if (!probe.media) return Undecided{"cannot-probe", probe.error};
-    return decide(session, request, std::move(*probe.media));
+    return decideFile(session, request, item.path);
 }
 
 Outcome outcomeOf(const FileResult &result)
@@ -32,7 +30,8 @@ Outcome outcomeOf(const FileResult &result)
 /// How many files there will be, for the progress; 0 where nobody sees it or a list is to come.
 std::size_t countFiles(const std::vector<std::string> &media)
 {
-    if (!Progress::isShown() || std::find(media.begin(), media.end(), "-") != media.end()) return 0;
+    if (!ProgressLine::isShown() || std::find(media.begin(), media.end(), "-") != media.end())
+        return 0;
     MediaList list(media, std::cin);
     std::size_t count = 0;
     while (list.next()) ++count;
@@ -46,24 +45,43 @@ struct Rendered {
 
 } // namespace
 
+FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
+                      const std::string &path)
+{
+    ProbeResult probe = probeMedia(path);
+    if (!probe.media) return Undecided{"cannot-probe", probe.error};
+    return decide(session, request, std::move(*probe.media));
+}
+
+std::optional<DecidedFile> decideOne(const std::string &profile, const DecisionRequest &request,
+                                     const std::string &path)
+{
+    ProfileSession session(profile);
+    complainOfWarnings(profile, session);
+    FileResult result = decideFile(session, request, path);
+    if (auto *decision = std::get_if<Decision>(&result))
+        return DecidedFile{path, request, std::move(session), std::move(*decision)};
+    complainOf(path, std::get<Undecided>(result).message);
+    return std::nullopt;
+}
+
 Totals decideFiles(const ProfileSession &session, const DecisionRequest &request,
                    const std::vector<std::string> &media, std::string_view separator,
                    const RenderFile &render)
 {
     Totals totals;
     MediaList list(media, std::cin);
-    Progress progress(countFiles(media));
+    FileProgress progress(countFiles(media));
     bool first = true;
 
     const auto decideOne = [&](const MediaItem &item) {
-        const FileResult result = decideFile(session, request, item);
+        const FileResult result = decideItem(session, request, item);
         Rendered rendered{render(item.path, result), {}, outcomeOf(result)};
         if (const auto *undecided = std::get_if<Undecided>(&result))
             rendered.complaint = fmt::format("{}: {}", printable(item.path), undecided->message);
         return rendered;
     };
     const auto emit = [&](const Rendered &rendered) {
-        progress.hide();
         const bool hasText = !rendered.text.empty();
         // first, so that on a terminal the complaint has a line of its own
         if (hasText && !first) writeOut(separator);

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "tools/decide/decision.h"
+#include "tools/profile/profile_session.h"
 
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -14,6 +16,23 @@
 namespace vornak::tool {
 
 using FileResult = std::variant<Decision, Undecided>;
+
+/// Probes a file and decides about it. Any thread.
+FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
+                      const std::string &path);
+
+/// One file that is decided about, with what the decision belongs to.
+struct DecidedFile {
+    std::string path;
+    DecisionRequest request;
+    ProfileSession session;
+    Decision decision;
+};
+
+/// Loads the profile, saying what the library warns of, and decides. None: said why, too.
+/// Throws ProfileError.
+std::optional<DecidedFile> decideOne(const std::string &profile, const DecisionRequest &request,
+                                     const std::string &path);
 
 /// Makes the text that standard output receives for a file, perhaps none. Runs on many threads.
 using RenderFile = std::function<std::string(const std::string &path, const FileResult &result)>;

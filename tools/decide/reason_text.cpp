@@ -137,6 +137,12 @@ RuleRef chosenRule(const VideoRule *rule, int index)
     return {rule, index % VORNAK_TRANSCODE, rule->vCodecId};
 }
 
+void appendPart(std::string &text, std::string_view name, const std::string &reasons)
+{
+    if (!text.empty()) text += "; ";
+    text += fmt::format("{}: {}", name, reasons);
+}
+
 } // namespace
 
 std::set<std::string_view> reasonCodes()
@@ -205,6 +211,20 @@ std::string channelsText(int channels)
 std::string bitRateText(int bitrate, bool estimated)
 {
     return fmt::format("{} bit/s{}", bitrate, estimated ? " (estimated)" : "");
+}
+
+std::string reasonsOf(const Decision &decision, const DecisionRequest &request,
+                      const ProfileSession &session)
+{
+    const Explanation why = explain(decision, request);
+    std::string text;
+    if (why.video.action == Action::Transcode)
+        appendPart(text, "video", videoReasons(decision, why.video, session));
+    if (why.audio.action == Action::Transcode)
+        appendPart(text, "audio", audioReasons(decision, why.audio, session));
+    if (decision.containerChanges)
+        appendPart(text, "container", containerReasons(decision, why.container, session));
+    return text;
 }
 
 } // namespace vornak::tool

@@ -27,6 +27,10 @@ std::string audioReasons(const Decision &decision, const Part &part, const Profi
 std::string containerReasons(const Decision &decision, const Part &part,
                              const ProfileSession &session);
 
+/// Why a file is not sent as it is: "audio: 6 channels, rule 0 (aac, line 14) allows 2".
+std::string reasonsOf(const Decision &decision, const DecisionRequest &request,
+                      const ProfileSession &session);
+
 /// What keeps a rule from excluding play exceptions that its set covers in part.
 /// @param rule  its name; empty: the text before has named it
 std::string partlyCoveredText(const std::string &rule, int covered, int exceptions);

@@ -4,11 +4,14 @@
 #include "tools/terminal/printable.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace vornak::tool {
 namespace {
@@ -16,7 +19,11 @@ namespace {
 constexpr Colours s_Coloured = {"\033[1m", "\033[32m", "\033[33m", "\033[31m", "\033[0m"};
 constexpr Colours s_Plain = {};
 
-int s_Output = STDOUT_FILENO; // where the tool's own output goes
+constexpr std::string_view kClearLine = "\r\033[K";
+
+int s_Output = STDOUT_FILENO;          // where the tool's own output goes
+bool s_HasStatusLine = false;          // on the terminal now
+void (*s_OnBrokenPipe)(int) = SIG_DFL; // as the tool's caller has it
 
 /// Writes all of it, or returns the error.
 int writeAll(int descriptor, std::string_view text)
@@ -28,6 +35,18 @@ int writeAll(int descriptor, std::string_view text)
         text.remove_prefix(static_cast<std::size_t>(written));
     }
     return 0;
+}
+
+bool isFile(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// What clears the status line, if there is one, for a text that takes its place.
+std::string_view takeStatusLine()
+{
+    return std::exchange(s_HasStatusLine, false) ? kClearLine : std::string_view();
 }
 
 bool isColoured()
@@ -43,9 +62,12 @@ bool isColoured()
 // Threads may still be at work, so the process ends here and now.
 void writeOut(std::string_view text)
 {
+    if (!isFile(s_Output)) setStatusLine({}); // what reads it may show it on the same terminal
     const int error = writeAll(s_Output, text);
     if (error == 0) return;
     if (error != EPIPE) complain("standard output: " + std::generic_category().message(error));
+    std::signal(SIGPIPE, s_OnBrokenPipe);
+    if (error == EPIPE) std::raise(SIGPIPE);
     _exit(kIncomplete);
 }
 
@@ -58,7 +80,15 @@ std::mutex &standardErrorMutex()
 void complain(std::string_view message)
 {
     const std::lock_guard alone(standardErrorMutex());
-    writeAll(STDERR_FILENO, fmt::format("vornak: {}\n", message));
+    writeAll(STDERR_FILENO, fmt::format("{}vornak: {}\n", takeStatusLine(), message));
+}
+
+void setStatusLine(std::string_view text)
+{
+    const std::lock_guard alone(standardErrorMutex());
+    const std::string_view cleared = takeStatusLine();
+    writeAll(STDERR_FILENO, text.empty() ? std::string(cleared) : fmt::format("\r{}\033[K", text));
+    s_HasStatusLine = !text.empty();
 }
 
 int complainOf(const std::string &path, std::string_view why)
@@ -67,8 +97,9 @@ int complainOf(const std::string &path, std::string_view why)
     return kIncomplete;
 }
 
-void keepStandardDescriptors()
+void prepareStandardStreams()
 {
+    s_OnBrokenPipe = std::signal(SIGPIPE, SIG_IGN);
     for (int opened = 0; opened >= 0 && opened <= STDERR_FILENO;) {
         opened = open("/dev/null", O_RDWR); // NOLINT: stays open across exec, as those three do
         if (opened > STDERR_FILENO) close(opened);

@@ -11,18 +11,23 @@ namespace vornak::tool {
 /// wrong ends it with a line on standard error.
 void writeOut(std::string_view text);
 
-/// Writes "vornak: MESSAGE" and a line end to standard error. Texts from outside come printable().
+/// Writes "vornak: MESSAGE" and a line end to standard error, where a reader or a terminal that has
+/// gone is no error. Texts from outside come printable().
 void complain(std::string_view message);
 
 /// The same of a file, which is made printable; returns the exit status that goes with it.
 int complainOf(const std::string &path, std::string_view why);
 
+/// Draws the terminal's status line on standard error, or clears it if `text` is empty. All that
+/// is written to the terminal afterwards takes its place. From one thread.
+void setStatusLine(std::string_view text);
+
 /// Held by whoever writes to standard error, and by whoever diverts it while threads are at work.
 std::mutex &standardErrorMutex();
 
 /// Opens those of the three standard descriptors that the caller has closed, so that no file
-/// takes their place.
-void keepStandardDescriptors();
+/// takes their place, and lets the tool outlive the readers of the others.
+void prepareStandardStreams();
 
 /// From now on standard output is for writeOut() alone: what the library prints there is lost.
 /// For what runs after the command line is parsed; call it before the first thread starts.

@@ -1,26 +1,37 @@
-// How many of the files are done, in one line on a terminal's standard error; nowhere else.
+// How far some work has come, in one line on a terminal's standard error; nowhere else.
 #pragma once
-
-#include "tools/terminal/progress_line.h"
 
 #include <chrono>
 #include <cstddef>
+#include <string_view>
 
 namespace vornak::tool {
 
-class Progress {
+/// Clears the line when it goes. Whatever else is written to the terminal takes the line's place.
+class ProgressLine {
 public:
     /// Whether there is a terminal to show anything on.
-    static bool isShown() { return ProgressLine::isShown(); }
+    static bool isShown();
 
+    ProgressLine() = default;
+    ~ProgressLine() { hide(); }
+    ProgressLine(const ProgressLine &) = delete;
+    ProgressLine &operator=(const ProgressLine &) = delete;
+
+    /// Draws a bar and a text. @param fraction  0 to 1; below 0: unknown, no bar
+    void draw(double fraction, std::string_view text);
+
+    void hide();
+};
+
+/// How many of the files are done.
+class FileProgress {
+public:
     /// @param total  files to come; 0: unknown
-    explicit Progress(std::size_t total) : total_(total) {}
+    explicit FileProgress(std::size_t total) : total_(total) {}
 
     /// One file more is done. Draws a few times a second at most, and nothing for short work.
     void advance();
-
-    /// Clears the line, for what else the terminal is to show.
-    void hide() { line_.hide(); }
 
 private:
     std::size_t total_;

@@ -43,7 +43,7 @@ Json jsonOf(const PcmEstimate &pcm)
             {"frames", pcm.frames}};
 }
 
-Json jsonOf(const TranscodeCommand &command, const FileCommand &file)
+Json jsonOf(const LibraryCommand &command, const FileCommand &file)
 {
     return {{"options", printable(command.options)},
             {"limits", {{"dialect", command.dialect}, {"text", printable(command.limits)}}},
@@ -56,7 +56,7 @@ Json jsonOf(const TranscodeCommand &command, const FileCommand &file)
             {"ffmpeg", shellCommand(file.ffmpeg)}};
 }
 
-std::string commandLines(const TranscodeCommand &command, const FileCommand &file)
+std::string commandLines(const LibraryCommand &command, const FileCommand &file)
 {
     std::string text = fmt::format(
         "  options: {}\n"
@@ -95,7 +95,7 @@ FileCommand commandFor(const std::string &path, const Decision &decision, int di
         file.problem = std::move(*problem);
         return file;
     }
-    file.command = std::get<TranscodeCommand>(std::move(made));
+    file.command = std::get<LibraryCommand>(std::move(made));
     file.ffmpeg = {"ffmpeg", "-nostdin"};
     for (std::string &word : ffmpegArguments(path, decision, *file.command))
         file.ffmpeg.push_back(std::move(word));

@@ -11,9 +11,9 @@ namespace vornak::tool {
 struct FileCommand {
     std::string path;
     const Decision *decision = nullptr;
-    std::optional<TranscodeCommand> command; ///< none: nothing to do, refused, or a problem
-    std::vector<std::string> ffmpeg;         ///< the words of the line, with the command
-    std::string problem;                     ///< why there is no command though one is needed
+    std::optional<LibraryCommand> command; ///< none: nothing to do, refused, or a problem
+    std::vector<std::string> ffmpeg;       ///< the words of the line, with the command
+    std::string problem;                   ///< why there is no command though one is needed
 
     /// What is said of a file without a command.
     std::string_view standing() const;

@@ -1,104 +1,37 @@
 #include "tools/transcode/ffmpeg_run.h"
 
+#include "tools/terminal/child.h"
+#include "tools/terminal/held_signals.h"
 #include "tools/terminal/printable.h"
-#include "tools/transcode/ffmpeg_progress.h"
-
-#include "platform/descriptor.h"
+#include "tools/transcode/ffmpeg_report.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <deque>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <iterator>
 #include <poll.h>
-#include <spawn.h>
 #include <stdexcept>
-#include <sys/signalfd.h>
-#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 
 namespace vornak::tool {
 namespace {
 
-constexpr int kSignalled = 128;        ///< added to a signal's number, as the shell does
 constexpr std::size_t kLinesKept = 10; ///< of standard error
 constexpr std::size_t kLineSize = 1000;
 constexpr std::chrono::seconds kGrace{2}; ///< to end by itself; its output is lost anyway
 
-constexpr int s_Interruptions[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
-
-[[noreturn]] void failFor(const std::string &what, int error)
-{
-    throw std::runtime_error(what + ": " + std::generic_category().message(error));
-}
-
-/// Signals that wait in a descriptor instead of acting on the tool.
-class SignalQueue {
-public:
-    SignalQueue() : descriptor_(open(before_))
-    {
-        if (!descriptor_) failFor("can't wait for signals", errno);
-    }
-    ~SignalQueue() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-    SignalQueue(const SignalQueue &) = delete;
-    SignalQueue &operator=(const SignalQueue &) = delete;
-
-    const sigset_t &before() const { return before_; }
-    int descriptor() const { return descriptor_.get(); }
-
-    /// The next signal, or 0.
-    int take() const
-    {
-        signalfd_siginfo info = {};
-        return read(descriptor_.get(), &info, sizeof info) == sizeof info
-                   ? static_cast<int>(info.ssi_signo)
-                   : 0;
-    }
-
-private:
-    static int open(sigset_t &before)
-    {
-        std::signal(SIGCHLD, SIG_DFL); // where it is ignored, nobody can wait for a child
-        sigset_t signals;
-        sigemptyset(&signals);
-        sigaddset(&signals, SIGCHLD);
-        for (const int signal : s_Interruptions) {
-            struct sigaction action {};
-            sigaction(signal, nullptr, &action);
-            if (action.sa_handler != SIG_IGN) sigaddset(&signals, signal); // nohup stays so
-        }
-        sigprocmask(SIG_BLOCK, &signals, &before);
-        return signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    }
-
-    sigset_t before_{};
-    Descriptor descriptor_;
-};
-
 /// A pipe whose lines come out of this end as they are written at the other.
 class LinePipe {
 public:
-    LinePipe()
-    {
-        if (pipe2(ends_.data(), O_CLOEXEC) != 0) failFor("can't make a pipe", errno);
-        fcntl(ends_[0], F_SETFL, O_NONBLOCK);
-    }
-    ~LinePipe()
-    {
-        closeEnd(0);
-        closeEnd(1);
-    }
-    LinePipe(const LinePipe &) = delete;
-    LinePipe &operator=(const LinePipe &) = delete;
+    LinePipe() { fcntl(pipe_.readEnd(), F_SETFL, O_NONBLOCK); }
 
-    int readEnd() const { return ends_[0]; }
-    int writeEnd() const { return ends_[1]; }
-    void closeWriteEnd() { closeEnd(1); }
+    int readEnd() const { return pipe_.readEnd(); }
+    int writeEnd() const { return pipe_.writeEnd(); }
+    void closeWriteEnd() { pipe_.closeWriteEnd(); }
 
     /// Hands out the lines that have come so far. @param last  also what has no line end yet
     template <class Take>
@@ -106,13 +39,14 @@ public:
     {
         char block[4096];
         ssize_t got = 0;
-        while ((got = read(ends_[0], block, sizeof block)) > 0 || (got < 0 && errno == EINTR))
+        while ((got = read(readEnd(), block, sizeof block)) > 0 || (got < 0 && errno == EINTR))
             for (ssize_t i = 0; i < got; ++i)
                 if (block[i] == '\n' || block[i] == '\r')
                     handOut(take);
                 else if (line_.size() < kLineSize)
                     line_ += block[i];
-        if (got == 0) closeEnd(0); // without writers it would wake the wait again and again
+        if (got == 0)
+            pipe_.closeReadEnd(); // without writers it would wake the wait again and again
         if (last) handOut(take);
     }
 
@@ -124,70 +58,38 @@ private:
         line_.clear();
     }
 
-    void closeEnd(std::size_t end)
-    {
-        if (ends_[end] >= 0) close(ends_[end]);
-        ends_[end] = -1;
-    }
-
-    std::array<int, 2> ends_{-1, -1};
+    Pipe pipe_;
     std::string line_;
 };
 
-pid_t start(const std::vector<std::string> &command, const sigset_t &signals, int out, int err)
-{
-    std::vector<char *> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string &word : command) arguments.push_back(const_cast<char *>(word.c_str()));
-    arguments.push_back(nullptr);
-
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&files, out, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&files, err, STDERR_FILENO);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    posix_spawnattr_setsigmask(&attributes, &signals);
-    pid_t child = 0;
-    const int error =
-        posix_spawnp(&child, arguments[0], &files, &attributes, arguments.data(), environ);
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&files);
-    if (error != 0)
-        failFor(fmt::format("can't run {} (--ffmpeg names another program)",
-                            printable(command.front())),
-                error);
-    return child;
+Child start(const std::vector<std::string> &command, int out, int err)
+try {
+    const int descriptors[] = {kNothing, out, err};
+    return startProgram(command, descriptors, Orphan::GoesOn);
+} catch (const std::system_error &error) {
+    throw std::runtime_error(std::string(error.what()) + " (--ffmpeg names another program)");
 }
 
 /// One run: the child, what it says, and what the user says meanwhile.
 class Run {
 public:
-    Run(const std::vector<std::string> &command, TranscodeProgress &progress) : progress_(progress)
+    Run(const std::vector<std::string> &command, FfmpegProgress &progress)
+        : progress_(progress), child_(start(command, out_.writeEnd(), err_.writeEnd()))
     {
-        child_ = start(command, signals_.before(), out_.writeEnd(), err_.writeEnd());
         out_.closeWriteEnd();
         err_.closeWriteEnd();
     }
-    ~Run()
-    {
-        if (child_ <= 0) return;
-        kill(child_, SIGKILL);
-        waitpid(child_, nullptr, 0);
-    }
-    Run(const Run &) = delete;
-    Run &operator=(const Run &) = delete;
 
-    TranscoderEnd watch()
+    FfmpegEnd watch()
     {
-        while (child_ > 0) {
+        while (!child_.hasEnded()) {
             wait();
             takeSignals();
             drain(false);
         }
+        takeSignals();
         drain(true);
+        end_.status = child_.status();
         end_.lastLines.assign(lines_.begin(), lines_.end());
         return end_;
     }
@@ -205,32 +107,19 @@ private:
             const auto left =
                 std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
             timeout = std::max(static_cast<int>(left.count()), 0);
-            if (timeout == 0) kill(child_, SIGKILL);
+            if (timeout == 0) child_.send(SIGKILL);
         }
         poll(watched, std::size(watched), timeout);
     }
 
-    void passOn(int signal)
-    {
-        const bool again = end_.interruption != 0;
-        kill(child_, again ? SIGKILL : SIGTERM);
-        if (again) return;
-        end_.interruption = signal;
-        deadline_ = Clock::now() + kGrace;
-    }
-
     void takeSignals()
     {
-        while (const int signal = signals_.take()) {
-            if (signal != SIGCHLD) {
-                passOn(signal);
-                continue;
-            }
-            int status = 0;
-            if (waitpid(child_, &status, WNOHANG) != child_) continue;
-            child_ = 0;
-            end_.status = WIFEXITED(status) ? WEXITSTATUS(status) : kSignalled + WTERMSIG(status);
-            return;
+        while (const int signal = signals_.takeInterruption()) {
+            const bool again = end_.interruption != 0;
+            child_.send(again ? SIGKILL : SIGTERM);
+            if (again) continue;
+            end_.interruption = signal;
+            deadline_ = Clock::now() + kGrace;
         }
     }
 
@@ -243,21 +132,21 @@ private:
         });
     }
 
-    TranscodeProgress &progress_;
-    SignalQueue signals_;
+    FfmpegProgress &progress_;
+    HeldSignals signals_;
     LinePipe out_, err_;
+    Child child_;
     std::deque<std::string> lines_;
-    TranscoderEnd end_;
+    FfmpegEnd end_;
     Clock::time_point deadline_{};
-    pid_t child_ = 0;
 };
 
 } // namespace
 
-TranscoderEnd runTranscoder(const std::vector<std::string> &command, TranscodeProgress &progress)
+FfmpegEnd runFfmpeg(const std::vector<std::string> &command, FfmpegProgress &progress)
 {
     Run run(command, progress);
-    TranscoderEnd end = run.watch();
+    FfmpegEnd end = run.watch();
     progress.hide();
     return end;
 }

@@ -7,10 +7,10 @@
 
 namespace vornak::tool {
 
-class TranscodeProgress;
+class FfmpegProgress;
 
 /// What came of a run.
-struct TranscoderEnd {
+struct FfmpegEnd {
     int status = 0;                     ///< exit status, or 128 and the signal that ended it
     int interruption = 0;               ///< the signal that the tool was sent meanwhile; 0: none
     std::vector<std::string> lastLines; ///< of its standard error, printable
@@ -22,6 +22,6 @@ struct TranscoderEnd {
  * ends the program in its stead, at once where it comes a second time. Throws a line for the user
  * where the program can't be started.
  */
-TranscoderEnd runTranscoder(const std::vector<std::string> &command, TranscodeProgress &progress);
+FfmpegEnd runFfmpeg(const std::vector<std::string> &command, FfmpegProgress &progress);
 
 } // namespace vornak::tool

@@ -58,7 +58,7 @@ std::string limitsOf(const Decision &decision, int dialect)
 }
 
 /// The option text and the tag, both empty where there is no container option.
-void askOptions(const Decision &decision, TranscodeCommand &command)
+void askOptions(const Decision &decision, LibraryCommand &command)
 {
     char options[VORNAK_OPTION_TEXT_SIZE] = "", tag[VORNAK_TAG_SIZE] = "";
     const std::int64_t frames = command.pcm ? command.pcm->frames : 0;
@@ -72,7 +72,7 @@ void askOptions(const Decision &decision, TranscodeCommand &command)
     command.tag = tag;
 }
 
-void askAttributes(const Decision &decision, TranscodeCommand &command)
+void askAttributes(const Decision &decision, LibraryCommand &command)
 {
     char *mime = nullptr, *dlnaProfile = nullptr;
     if (decision.isVideo) {
@@ -109,9 +109,9 @@ std::optional<PcmEstimate> estimatePcm(const Decision &decision)
     return estimate;
 }
 
-std::variant<TranscodeCommand, std::string> makeCommand(const Decision &decision, int dialect)
+std::variant<LibraryCommand, std::string> makeCommand(const Decision &decision, int dialect)
 {
-    TranscodeCommand command;
+    LibraryCommand command;
     command.dialect = dialect;
     command.pcm = estimatePcm(decision);
     askOptions(decision, command);

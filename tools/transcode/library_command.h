@@ -18,7 +18,7 @@ struct PcmEstimate {
     std::int64_t frames = 0; ///< samples a channel
 };
 
-struct TranscodeCommand {
+struct LibraryCommand {
     std::string options; ///< container, video and audio
     int dialect = 1;     ///< of the limits, 1 or 2
     std::string limits;  ///< that the source exceeds, each with a blank before it
@@ -39,7 +39,7 @@ bool needsCommand(const Decision &decision);
  * @param decision  of a file that needsCommand()
  * @return the command, or why the profile gives none
  */
-std::variant<TranscodeCommand, std::string> makeCommand(const Decision &decision, int dialect);
+std::variant<LibraryCommand, std::string> makeCommand(const Decision &decision, int dialect);
 
 /// The estimate for music that is transcoded; none where the library refuses it.
 std::optional<PcmEstimate> estimatePcm(const Decision &decision);

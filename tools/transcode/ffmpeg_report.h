@@ -1,17 +1,17 @@
 // How far ffmpeg has come, from what it reports on itself.
 #pragma once
 
-#include "tools/terminal/progress_line.h"
+#include "tools/terminal/progress.h"
 
 #include <string>
 #include <string_view>
 
 namespace vornak::tool {
 
-class TranscodeProgress {
+class FfmpegProgress {
 public:
     /// @param duration  seconds that the output will last; 0: unknown
-    explicit TranscodeProgress(double duration) : duration_(duration) {}
+    explicit FfmpegProgress(double duration) : duration_(duration) {}
 
     /// Takes a line of the form "key=value", as ffmpeg's -progress writes them; draws at the end
     /// of each report.

@@ -1,4 +1,4 @@
-#include "tools/transcode/ffmpeg_progress.h"
+#include "tools/transcode/ffmpeg_report.h"
 #include "tools/transcode/ffmpeg_run.h"
 
 #include <chrono>
@@ -11,13 +11,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-tool::TranscoderEnd runScript(const std::string &script)
+tool::FfmpegEnd runScript(const std::string &script)
 {
-    tool::TranscodeProgress progress(10);
-    return tool::runTranscoder({"sh", "-c", script}, progress);
+    tool::FfmpegProgress progress(10);
+    return tool::runFfmpeg({"sh", "-c", script}, progress);
 }
 
-TEST(TranscodeProgress, ShowsShareSpeedAndTimeLeft)
+TEST(FfmpegProgress, ShowsShareSpeedAndTimeLeft)
 {
     const struct {
         double duration;
@@ -38,14 +38,14 @@ TEST(TranscodeProgress, ShowsShareSpeedAndTimeLeft)
         {0, {"out_time_us=3725000000", "speed=1e+03x"}, "1:02:05  1000x", -1},
     };
     for (const auto &c : cases) {
-        tool::TranscodeProgress progress(c.duration);
+        tool::FfmpegProgress progress(c.duration);
         for (const char *line : c.lines) progress.takeLine(line);
         EXPECT_EQ(progress.text(), c.text);
         EXPECT_DOUBLE_EQ(progress.fraction(), c.fraction);
     }
 }
 
-TEST(TranscoderProcess, ReportsItsEnd)
+TEST(FfmpegRun, ReportsItsEnd)
 {
     const struct {
         const char *script;
@@ -71,20 +71,20 @@ TEST(TranscoderProcess, ReportsItsEnd)
     }
 }
 
-TEST(TranscoderProcess, ThatIsNotThereIsAnError)
+TEST(FfmpegRun, ThatIsNotThereIsAnError)
 {
-    tool::TranscodeProgress progress(0);
+    tool::FfmpegProgress progress(0);
     try {
-        tool::runTranscoder({"/nowhere/ffmpeg"}, progress);
+        tool::runFfmpeg({"/nowhere/ffmpeg"}, progress);
         FAIL();
     } catch (const std::runtime_error &error) {
-        EXPECT_STREQ(error.what(), "can't run /nowhere/ffmpeg (--ffmpeg names another program): "
-                                   "No such file or directory");
+        EXPECT_STREQ(error.what(), "can't run /nowhere/ffmpeg: No such file or directory "
+                                   "(--ffmpeg names another program)");
     }
 }
 
 // The scripts send the tool its signals; $PPID is the tool.
-TEST(TranscoderProcess, EndsWhenTheToolIsInterrupted)
+TEST(FfmpegRun, EndsWhenTheToolIsInterrupted)
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         const auto end = runScript("trap 'echo ending >&2; exit 255' TERM; kill -" +
@@ -95,7 +95,7 @@ TEST(TranscoderProcess, EndsWhenTheToolIsInterrupted)
     }
 }
 
-TEST(TranscoderProcess, IsKilledWhenItDoesNotEnd)
+TEST(FfmpegRun, IsKilledWhenItDoesNotEnd)
 {
     const auto start = Clock::now();
     auto end = runScript("trap '' TERM; kill -INT $PPID; while :; do echo x >&2; sleep 0.1; done");
@@ -109,7 +109,7 @@ TEST(TranscoderProcess, IsKilledWhenItDoesNotEnd)
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));
 }
 
-TEST(TranscoderProcess, LeavesTheSignalsAsTheyWere)
+TEST(FfmpegRun, LeavesTheSignalsAsTheyWere)
 {
     sigset_t before, after;
     sigprocmask(SIG_SETMASK, nullptr, &before);

@@ -1,4 +1,4 @@
-#include "tools/transcode/ffmpeg_progress.h"
+#include "tools/transcode/ffmpeg_report.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +25,7 @@ std::string clockText(double seconds)
 
 } // namespace
 
-void TranscodeProgress::takeLine(std::string_view line)
+void FfmpegProgress::takeLine(std::string_view line)
 {
     const std::size_t sign = line.find('=');
     if (sign == std::string_view::npos) return;
@@ -35,12 +35,12 @@ void TranscodeProgress::takeLine(std::string_view line)
     if (key == "progress") line_.draw(fraction(), text());
 }
 
-double TranscodeProgress::fraction() const
+double FfmpegProgress::fraction() const
 {
     return duration_ > 0 ? std::min(done_ / duration_, 1.0) : -1;
 }
 
-std::string TranscodeProgress::text() const
+std::string FfmpegProgress::text() const
 {
     std::string text =
         duration_ > 0 ? fmt::format("{:3.0f}%", std::floor(fraction() * 100)) : clockText(done_);

@@ -1,4 +1,4 @@
-#include "tools/transcode/stock_options.h"
+#include "tools/transcode/ffmpeg_line.h"
 
 #include <fmt/ranges.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,181 @@
+#include "tools/terminal/child.h"
+
+#include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <exception>
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace vornak::tool {
+namespace {
+
+[[noreturn]] void fail(const std::string &what, int error)
+{
+    throw std::system_error(error, std::generic_category(), what);
+}
+
+/// The life of a child.
+[[noreturn]] void live(const std::function<int()> &work, Orphan orphan, pid_t parent) noexcept
+{
+    // Asked of the kernel, so it also holds when the tool can't do anything any more.
+    if (orphan == Orphan::IsKilled) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != parent) _exit(EXIT_FAILURE);
+    }
+    sigset_t ofChildren; // it may have some of its own
+    sigemptyset(&ofChildren);
+    sigaddset(&ofChildren, SIGCHLD);
+    sigprocmask(SIG_UNBLOCK, &ofChildren, nullptr);
+    try {
+        _exit(work());
+    } catch (const std::exception &error) {
+        complain(error.what());
+        _exit(EXIT_FAILURE);
+    }
+}
+
+/// Gives the descriptors their numbers. All are moved out of the way first.
+bool arrange(std::span<const int> descriptors)
+{
+    const int above = static_cast<int>(descriptors.size());
+    std::vector<int> moved;
+    for (const int descriptor : descriptors) {
+        const int from =
+            descriptor == kNothing ? open("/dev/null", O_RDWR | O_CLOEXEC) : descriptor;
+        moved.push_back(fcntl(from, F_DUPFD_CLOEXEC, above));
+    }
+    for (int number = 0; number < above; ++number)
+        if (dup2(moved[static_cast<std::size_t>(number)], number) < 0) return false;
+    return true;
+}
+
+void releaseSignals()
+{
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    std::signal(SIGPIPE, SIG_DFL); // which the tool ignores
+}
+
+} // namespace
+
+Pipe::Pipe()
+{
+    if (pipe2(ends_, O_CLOEXEC) != 0) fail("can't make a pipe", errno);
+}
+
+Pipe::~Pipe()
+{
+    closeReadEnd();
+    closeWriteEnd();
+}
+
+void Pipe::closeEnd(int end)
+{
+    if (ends_[end] >= 0) close(ends_[end]);
+    ends_[end] = -1;
+}
+
+std::string Pipe::readAll()
+{
+    closeWriteEnd();
+    std::string text;
+    char block[4096];
+    for (;;) {
+        const ssize_t got = read(readEnd(), block, sizeof block);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) return text;
+        text.append(block, static_cast<std::size_t>(got));
+    }
+}
+
+Child::Child(const std::function<int()> &work, Orphan orphan)
+{
+    const pid_t parent = getpid();
+    process_ = fork();
+    if (process_ == 0) live(work, orphan, parent);
+    if (process_ < 0) fail("can't start a process", errno);
+}
+
+Child::Child(Child &&other) noexcept : process_(std::exchange(other.process_, 0)), end_(other.end_)
+{}
+
+Child::~Child()
+{
+    if (process_ == 0) return;
+    send(SIGKILL);
+    reap(0);
+}
+
+bool Child::reap(int options)
+{
+    pid_t ended = 0;
+    do ended = waitpid(process_, &end_, options);
+    while (ended < 0 && errno == EINTR);
+    if (ended != 0) process_ = 0;
+    return process_ == 0;
+}
+
+void Child::send(int signal) const
+{
+    if (process_ > 0) kill(process_, signal);
+}
+
+bool Child::hasEnded()
+{
+    return process_ == 0 || reap(WNOHANG);
+}
+
+void Child::wait()
+{
+    if (process_ != 0) reap(0);
+}
+
+int Child::signal() const
+{
+    return WIFSIGNALED(end_) ? WTERMSIG(end_) : 0;
+}
+
+int Child::status() const
+{
+    return WIFEXITED(end_) ? WEXITSTATUS(end_) : kSignalled + signal();
+}
+
+// posix_spawn() can't ask for a signal at the tool's death.
+Child startProgram(const std::vector<std::string> &command, std::span<const int> descriptors,
+                   Orphan orphan)
+{
+    std::vector<char *> arguments;
+    arguments.reserve(command.size() + 1);
+    for (const std::string &word : command) arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+
+    Pipe failure; // closed when the program starts, or else it tells the error
+    Child child(
+        [&] {
+            const int above = static_cast<int>(descriptors.size());
+            const int report = fcntl(failure.writeEnd(), F_DUPFD_CLOEXEC, above);
+            if (arrange(descriptors)) {
+                releaseSignals();
+                execvp(arguments[0], arguments.data());
+            }
+            const int error = errno;
+            return write(report, &error, sizeof error) < 0 ? 1 : 127;
+        },
+        orphan);
+    const std::string told = failure.readAll();
+    int error = 0;
+    if (told.size() != sizeof error) return child;
+    std::memcpy(&error, told.data(), sizeof error);
+    fail("can't run " + printable(command.front()), error);
+}
+
+} // namespace vornak::tool
