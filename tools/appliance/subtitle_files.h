@@ -21,11 +21,9 @@ struct SubtitleSearch {
     std::optional<std::string> plainSrt; ///< name of the SRT file that has the video's name
 };
 
-/// The files that the library finds, nine at most, in the byte order of their names. The library
-/// names its candidates on standard output meanwhile.
+/// The files that the library finds, nine at most, in the byte order of their names. They are told
+/// by the library's own matcher from names that are read once a folder: the exported functions
+/// read it for each video. Any thread.
 SubtitleSearch searchSubtitles(const std::string &videoPath);
-
-/// The files alone; none for a folder that can't be searched.
-std::vector<SubtitleFile> findSubtitleFiles(const std::string &videoPath);
 
 } // namespace vornak::tool

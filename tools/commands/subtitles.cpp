@@ -103,7 +103,6 @@ void show(const MediaItem &item, const Options &options, Totals &totals)
 
 int runSubtitles(const Options &options)
 {
-    claimStandardOutput();
     if (options.json) writeOut("{\"document\":\"vornak-subtitles\",\"version\":1,\n\"files\":[\n");
     MediaList media(options.media, std::cin);
     Totals totals;

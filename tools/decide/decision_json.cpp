@@ -169,15 +169,21 @@ Json forbidding(const Explanation &explanation, const ProfileSession &session)
     return list;
 }
 
-Json subtitles(const Surroundings &around)
+Json subtitles(const SubtitleSearch &search)
 {
     Json list = Json::array();
-    for (const SubtitleFile &file : around.subtitles)
+    for (const SubtitleFile &file : search.files)
         list.push_back({{"name", printable(file.name)},
                         {"nameHex", hexBytes(file.name)},
                         {"kind", file.kind},
                         {"language", textOrNull(file.language)}});
     return list;
+}
+
+Json subtitlesError(const SubtitleSearch &search)
+{
+    if (search.error.empty()) return nullptr;
+    return {{"code", search.errorCode}, {"message", search.error}};
 }
 
 Json hardware(const Surroundings &around)
@@ -270,7 +276,8 @@ std::string jsonOf(const std::string &path, const Decision &decision,
     json["container"] = part(explanation.container, decision.formatIndex, true, session);
     json["forbiddenBy"] = forbidding(explanation, session);
     json["output"] = output(decision);
-    json["subtitles"] = subtitles(around);
+    json["subtitles"] = subtitles(around.subtitles);
+    json["subtitlesError"] = subtitlesError(around.subtitles);
     json["hardware"] = decision.isVideo ? hardware(around) : Json();
     json["elements"] = elements(around);
     if (withVisits) json["visited"] = visits(explanation, session);

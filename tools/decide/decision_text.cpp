@@ -177,10 +177,11 @@ std::string visitLines(const std::string &heading, const std::vector<Visit> &vis
     return text;
 }
 
-std::string subtitlesText(const std::vector<SubtitleFile> &files)
+std::string subtitlesText(const SubtitleSearch &search)
 {
+    if (!search.error.empty()) return "unknown, " + search.error;
     std::string text;
-    for (const SubtitleFile &file : files) {
+    for (const SubtitleFile &file : search.files) {
         if (!text.empty()) text += ", ";
         text += fmt::format("{} ({}{}{})", printable(file.name), file.kind,
                             file.language.empty() ? "" : ", ", printable(file.language));

@@ -15,7 +15,7 @@ Surroundings lookAround(const std::string &path, const Decision &decision, int h
 {
     Surroundings around;
     if (decision.isVideo) {
-        around.subtitles = findSubtitleFiles(path);
+        around.subtitles = searchSubtitles(path);
         around.ruleAllowsHardware =
             isVideoSupportVATranscode(decision.videoTable, decision.videoIndex) == 1;
         around.hardwareAgent = hardwareAgent;

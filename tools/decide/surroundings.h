@@ -5,14 +5,13 @@
 #include "tools/decide/decision.h"
 
 #include <string>
-#include <vector>
 
 namespace vornak::tool {
 
 struct Surroundings {
-    std::vector<SubtitleFile> subtitles; ///< of a video
-    bool ruleAllowsHardware = false;     ///< the chosen video rule has VATRANSCODE
-    int hardwareAgent = 0;               ///< as isVATranscodeExist() returns it
+    SubtitleSearch subtitles;        ///< of a video
+    bool ruleAllowsHardware = false; ///< the chosen video rule has VATRANSCODE
+    int hardwareAgent = 0;           ///< as isVATranscodeExist() returns it
 
     // GStreamer's; null: there is none, or none is needed
     const char *demuxer = nullptr;
