@@ -3,6 +3,11 @@
  * the first definition that the process offers, the program's own before any library's.
  * libvornak_platform.so defines them all, for hosts that have nothing of their own.
  *
+ * What a program that links the library defines is exported by the linker. One that opens it by
+ * dlopen() must be linked with -rdynamic: else libvornak_platform.so, where it is loaded, answers
+ * in the program's place, and nothing says so. LD_DEBUG=bindings in the environment makes the
+ * dynamic linker name whose CodecNameToID is taken.
+ *
  * The registry's functions return 0 on success and any other value for a name or id that they
  * do not know. They may be called from several threads at once. None of them may throw.
  */

@@ -1,8 +1,12 @@
 // The examples of a page of the documentation.
 #pragma once
 
+#include "tests/support/process.h"
+
 #include <fstream>
+#include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vornak::test {
@@ -34,6 +38,46 @@ inline std::vector<DocExample> readDocExamples(const std::string &page)
         blankLines.clear();
     }
     return examples;
+}
+
+/// Whether `output` is what a page shows; a line "…" there stands for any lines.
+inline bool isShown(std::string_view output, std::string_view shown)
+{
+    constexpr std::string_view kAnyLines = "…\n";
+    const std::size_t gap = shown.find(kAnyLines);
+    if (gap == std::string_view::npos) return output == shown;
+    if (!output.starts_with(shown.substr(0, gap))) return false;
+    output.remove_prefix(gap);
+    shown.remove_prefix(gap + kAnyLines.size());
+    while (!isShown(output, shown)) {
+        const std::size_t end = output.find('\n');
+        if (end == std::string_view::npos) return false;
+        output.remove_prefix(end + 1);
+    }
+    return true;
+}
+
+/// Runs the commands in one shell, one after the other, and compares what they print.
+/// @param prologue  what the shell does first
+inline void expectDocExamples(const std::vector<DocExample> &examples, const std::string &prologue)
+{
+    constexpr std::string_view kEnd = "\f\n";
+    std::string script = "exec 2>&1 </dev/null\n" + prologue + "\nprintf '\\f\\n'\n";
+    for (const DocExample &example : examples) script += example.command + "\nprintf '\\f\\n'\n";
+    const std::string printed = run({"sh", "-c", script}).out;
+    std::size_t from = printed.find(kEnd);
+    EXPECT_EQ(printed.substr(0, from), "");
+    for (const DocExample &example : examples) {
+        if (from == std::string::npos) break;
+        from += kEnd.size();
+        const std::size_t end = printed.find(kEnd, from);
+        const std::string output = printed.substr(from, end - from);
+        EXPECT_TRUE(isShown(output, example.output)) << "$ " << example.command << "\nprinted\n"
+                                                     << output << "not\n"
+                                                     << example.output;
+        from = end;
+    }
+    EXPECT_NE(from, std::string::npos) << printed;
 }
 
 } // namespace vornak::test

@@ -1,5 +1,6 @@
-/* Asks a profile about one video whose properties are known, and prints the answer.
- *   decide PROFILE            build it: see "The library" in README.md */
+/* A media server's question in C, with libvornak_platform.so for a host: what does this player
+ * take of a film whose properties are known, and what is the transcoder told?
+ *   host-c PROFILE            how to build it: "Link a program" in README.md */
 #include <vornak.h>
 #include <vornak_host.h> /* the registry: names to ids */
 
@@ -47,7 +48,7 @@ static void printPart(const char *name, int index)
 
 static int fail(int status, const char *what)
 {
-    fprintf(stderr, "decide: %s\n", what);
+    fprintf(stderr, "host-c: %s\n", what);
     return status;
 }
 
@@ -79,14 +80,21 @@ static int decideFilm(TRANSCODE_VIDEO_MAPPING_ST *rules)
     if (ContainerFormatIDToName(name, subtype, container)) return fail(1, "unnamed container");
     printf("output: container %s, entry %d\n", name + VORNAK_CONTAINER_PREFIX, format & 255);
     printf("MIME type %s, DLNA profile %s\n", mime ? mime : "none", dlnaName ? dlnaName : "none");
-    if (result == VORNAK_KEPT) puts("sent as it is");
     if (result == VORNAK_NONSEEKABLE) puts("the output can't be sought in");
+    if (result == VORNAK_KEPT) {
+        puts("sent as it is");
+        return 0;
+    }
+    char option[VORNAK_OPTION_TEXT_SIZE], tag[VORNAK_TAG_SIZE];
+    if (getVideoTranscodeParams2(rules, video, audio, format, option, tag, 0, container))
+        return fail(1, "no options for this output");
+    printf("transcoder's options: %s\n", option);
     return 0;
 }
 
 int main(int argc, char **argv)
 {
-    if (argc != 2) return fail(2, "usage: decide PROFILE");
+    if (argc != 2) return fail(2, "usage: host-c PROFILE");
     TRANSCODE_DEVICE_PROFILE_ST *profile =
         ParseSingleTranscodeXML(argv[1], VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0);
     if (!profile) return fail(2, "can't load the profile");
