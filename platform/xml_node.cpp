@@ -1,7 +1,7 @@
 #include "include/vornak_host.h"
 
+#include "base/descriptor.h"
 #include "base/open_to_read.h"
-#include "platform/descriptor.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,7 +1,7 @@
 // A media file that is open for reading, with what libavformat found in it.
 #pragma once
 
-#include "platform/descriptor.h"
+#include "base/descriptor.h"
 
 #include <cstdint>
 #include <limits>
