@@ -1,5 +1,6 @@
 // Commands and option texts against one snprintf() of the same final text. The registry is the
 // program's own and only copies, so that the library is what is measured.
+#include "base/media_ids.h"
 #include "bench/measure.h"
 #include "include/vornak.h"
 #include "include/vornak_host.h"
@@ -86,15 +87,15 @@ void compareCommands()
 void compareOptionTexts()
 {
     char mp4[] = "-f mp4", h264[] = "-c:v libx264 -profile:v high -b:v 4M", aac[] = "-c:a aac";
-    TANASCODE_FORMAT_MAPPING_ST format = {6 << 16 | 8, nullptr, nullptr, mp4, 0, 0, 1};
+    TANASCODE_FORMAT_MAPPING_ST format = {"mp4/isom"_container, nullptr, nullptr, mp4, 0, 0, 1};
     TRANSCODE_AUDIO_MAPPING_ST audio = {};
-    audio.aCodecId = 0x15002;
+    audio.aCodecId = "aac"_codec;
     audio.aProfileId = 1;
     audio.option = aac;
     audio.count = 1;
     audio.pFormatTable = &format;
     TRANSCODE_VIDEO_MAPPING_ST video = {};
-    video.vCodecId = 28;
+    video.vCodecId = "h264"_codec;
     video.vProfileId = 4;
     video.option = h264;
     video.count = 1;

@@ -1,4 +1,5 @@
 // A video decision against the same comparisons written by hand as plain branches.
+#include "base/media_ids.h"
 #include "bench/measure.h"
 #include "include/vornak.h"
 
@@ -9,7 +10,7 @@ namespace vornak::bench {
 namespace {
 
 constexpr int kVideoRules = 32, kAudioRules = 8, kFormats = 4;
-constexpr int kH264 = 28, kAac = 0x15002, kMp4 = 8;
+constexpr int kH264 = "h264"_codec, kAac = "aac"_codec;
 
 using Formats = std::array<TANASCODE_FORMAT_MAPPING_ST, kFormats + 1>;
 using Audio = std::array<TRANSCODE_AUDIO_MAPPING_ST, kAudioRules + 1>;

@@ -1,28 +1,31 @@
 #include "cmdline/container_option.h"
 
-#include "decision/rule_index.h"
+#include "base/media_ids.h"
+#include "base/rule_tables.h"
+
+using vornak::operator""_container;
 
 DEFAULT_FORMAT_PARAM_ST s_DefaultFormatParams[21] = {
-    {1, "-f mp3"},
-    {2, "-f wav -write_bext 1"},
-    {3, "-f flac"},
-    {5, "-f ogg"},
-    {6, "-f ac3"},
-    {7, "-f asf"},
-    {8, "-f mp4"},
-    {9, "-f avi"},
-    {10, "-f mpeg"},
-    {11, "-f mpegts"},
-    {12, "-f mkvtimestamp_v2"},
-    {13, "-f flv"},
-    {14, "-f aiff"},
-    {15, "-f au"},
-    {16, "-f adts"},
-    {17, "-f mpeg2video"},
-    {18, "-f mpegts"},
-    {19, "-f mpeg2video"},
-    {20, "-f mpegts"},
-    {21, "-f rm"},
+    {"mp3"_container, "-f mp3"},
+    {"wav"_container, "-f wav -write_bext 1"},
+    {"flac"_container, "-f flac"},
+    {"ogg"_container, "-f ogg"},
+    {"ac3"_container, "-f ac3"},
+    {"asf"_container, "-f asf"},
+    {"mp4"_container, "-f mp4"},
+    {"avi"_container, "-f avi"},
+    {"mpegps"_container, "-f mpeg"},
+    {"mpegts"_container, "-f mpegts"},
+    {"matroska"_container, "-f mkvtimestamp_v2"},
+    {"flv"_container, "-f flv"},
+    {"aiff"_container, "-f aiff"},
+    {"au"_container, "-f au"},
+    {"adts"_container, "-f adts"},
+    {"mpegps_dvd"_container, "-f mpeg2video"},
+    {"mpegts_m2ts"_container, "-f mpegts"},
+    {"mpegps_mpeg1"_container, "-f mpeg2video"},
+    {"mpegts_204"_container, "-f mpegts"},
+    {"rm"_container, "-f rm"},
     {vornak::kEndOfTable, nullptr},
 };
 
@@ -31,8 +34,8 @@ namespace vornak {
 std::optional<ContainerOption> findContainerOption(const TANASCODE_FORMAT_MAPPING_ST &entry,
                                                    int defaultFormatId)
 {
-    if (entry.formatId != 0) return ContainerOption{entry.option, entry.formatId};
-    if (defaultFormatId == 0) return std::nullopt;
+    if (entry.formatId != kAnyContainer) return ContainerOption{entry.option, entry.formatId};
+    if (defaultFormatId == kAnyContainer) return std::nullopt;
     for (const DEFAULT_FORMAT_PARAM_ST &row : s_DefaultFormatParams) {
         if (row.formatId == kEndOfTable) break;
         if (row.formatId != defaultFormatId) continue;

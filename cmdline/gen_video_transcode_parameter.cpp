@@ -1,7 +1,7 @@
 #include "cmdline/limit_recording.h"
-#include "cmdline/rule_lookup.h"
 #include "include/vornak.h"
 
+#include "base/rule_tables.h"
 #include "decision/video_comparisons.h"
 
 namespace vornak {

@@ -1,10 +1,10 @@
 #include "cmdline/container_option.h"
 #include "cmdline/option_text.h"
-#include "cmdline/rule_lookup.h"
 #include "cmdline/target_tag.h"
 #include "include/vornak.h"
 
 #include "base/fixed_text.h"
+#include "base/rule_tables.h"
 
 int getVideoTranscodeParams2(const TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int videoIndex,
                              int audioIndex, int formatIndex, char *option, char *tag,

@@ -1,7 +1,8 @@
 #include "cmdline/container_option.h"
-#include "cmdline/rule_lookup.h"
 #include "include/vornak.h"
 #include "include/vornak_host.h"
+
+#include "base/rule_tables.h"
 
 #include <cstring>
 #include <optional>

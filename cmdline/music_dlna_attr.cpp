@@ -1,5 +1,6 @@
-#include "cmdline/rule_lookup.h"
 #include "include/vornak.h"
+
+#include "base/rule_tables.h"
 
 int getMusicTranscodeDLNAAttr(const TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int audioIndex,
                               int formatIndex, char **pMime, char **pPN)

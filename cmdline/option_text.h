@@ -1,9 +1,7 @@
 // The pieces that the option texts of music and video files share.
 #pragma once
 
-#include "include/vornak.h"
-
-#include "decision/rule_index.h"
+#include "base/rule_tables.h"
 
 #include <string_view>
 
@@ -15,15 +13,14 @@ inline std::string_view orEmpty(const char *text)
 }
 
 /// How the audio is made: as the rule says, or copied.
-inline std::string_view audioOption(const TRANSCODE_AUDIO_MAPPING_ST &rule, int audioIndex)
+inline std::string_view audioOption(const AudioRule &rule, int audioIndex)
 {
     if (!isTranscoded(audioIndex) || rule.aCodecId == kAnyCodec) return "-c:a copy";
     return orEmpty(rule.option);
 }
 
 /// How the video is made. @param force  take the rule's options though the video is kept
-inline std::string_view videoOption(const TRANSCODE_VIDEO_MAPPING_ST &rule, int videoIndex,
-                                    bool force)
+inline std::string_view videoOption(const VideoRule &rule, int videoIndex, bool force)
 {
     const bool made = isTranscoded(videoIndex) && rule.vCodecId != kAnyCodec;
     return made || force ? orEmpty(rule.option) : "-c:v copy";

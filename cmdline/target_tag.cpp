@@ -3,6 +3,7 @@
 #include "include/vornak_host.h"
 
 #include "base/fixed_text.h"
+#include "base/media_ids.h"
 
 #include <algorithm>
 #include <cstring>
@@ -27,14 +28,14 @@ struct RegistryText {
 // and as many marks between them. So nothing is ever cut.
 static_assert(5 * (VORNAK_NAME_SIZE + 1) < VORNAK_TAG_SIZE);
 
-struct Brand {
-    int number;
+constexpr struct {
+    int formatId;
     const char *text;
-};
-
-constexpr Brand s_Mp4Brands[] = {
-    {1, "M4A"},  {2, "M4V"}, {3, "MP4"}, {4, "MOV"},  {5, "MSNV"}, {6, "ISOM"},
-    {7, "MJP2"}, {8, "3G2"}, {9, "3GP"}, {10, "MP4"}, {11, "MOV"},
+} s_Mp4Brands[] = {
+    {"mp4/m4a"_container, "M4A"},   {"mp4/m4v"_container, "M4V"},   {"mp4/mp41"_container, "MP4"},
+    {"mp4/mov"_container, "MOV"},   {"mp4/msnv"_container, "MSNV"}, {"mp4/isom"_container, "ISOM"},
+    {"mp4/mjp2"_container, "MJP2"}, {"mp4/3g2"_container, "3G2"},   {"mp4/3gp"_container, "3GP"},
+    {"mp4/mp42"_container, "MP4"},  {"mp4/qt"_container, "MOV"},
 };
 
 /// Begins the tag with a codec's name. Until the registry has given it, the caller's buffer stays
@@ -88,9 +89,8 @@ template <class SubtypeText>
 /// The short name of an MP4 brand, or `name` for a subtype that is none.
 std::string_view brandText(int formatId, std::string_view name)
 {
-    const int number = formatId >> 16;
-    for (const Brand &brand : s_Mp4Brands)
-        if (brand.number == number) return brand.text;
+    for (const auto &brand : s_Mp4Brands)
+        if (subtypePart(brand.formatId) == subtypePart(formatId)) return brand.text;
     return name;
 }
 

@@ -1,6 +1,7 @@
 // What a host asks of the chosen video rule and what lies under it.
-#include "cmdline/rule_lookup.h"
 #include "include/vornak.h"
+
+#include "base/rule_tables.h"
 
 int getVideoTranscodeOptions(const TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int videoIndex,
                              int audioIndex, int formatIndex, char **pVideoOption,

@@ -1,8 +1,8 @@
 // What an audio rule compares with a source, in order; the first row that refuses ends the rule.
 #pragma once
 
+#include "base/rule_tables.h"
 #include "decision/comparison.h"
-#include "include/vornak.h"
 
 namespace vornak {
 
@@ -11,7 +11,6 @@ struct AudioSource {
     int codecId, profileId, level, channels, bitrate, sampleRate;
 };
 
-using AudioRule = TRANSCODE_AUDIO_MAPPING_ST;
 using AudioComparison = Comparison<AudioRule, AudioSource>;
 
 enum AudioRow {

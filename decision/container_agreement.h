@@ -1,19 +1,10 @@
-// When the container of a rule and that of a file are the same. An id's low 16 bits are the
-// container, the high 16 bits a subtype, 0 for none.
+// When the container of a rule and that of a file are the same.
 #pragma once
 
-#include "include/vornak.h"
+#include "base/media_ids.h"
+#include "base/rule_tables.h"
 
 namespace vornak {
-
-constexpr unsigned containerPart(int formatId)
-{
-    return static_cast<unsigned>(formatId) & 0xFFFF;
-}
-constexpr unsigned subtypePart(int formatId)
-{
-    return static_cast<unsigned>(formatId) >> 16;
-}
 
 /// Whether an entry serves a wanted container; a subtype counts only where both name one.
 constexpr bool agrees(int entryId, int wantedId)
@@ -24,9 +15,9 @@ constexpr bool agrees(int entryId, int wantedId)
 }
 
 /// Whether an entry takes a source's container: the wildcard takes any.
-constexpr bool takesContainer(const TANASCODE_FORMAT_MAPPING_ST &entry, int srcFormatId)
+constexpr bool takesContainer(const ContainerEntry &entry, int srcFormatId)
 {
-    return containerPart(entry.formatId) == 0 || agrees(entry.formatId, srcFormatId);
+    return containerPart(entry.formatId) == kAnyContainer || agrees(entry.formatId, srcFormatId);
 }
 
 /// The container that a video's matching sees: elementary and raw forms of the MPEG streams
@@ -34,12 +25,12 @@ constexpr bool takesContainer(const TANASCODE_FORMAT_MAPPING_ST &entry, int srcF
 constexpr int foldMpegStreams(int formatId)
 {
     switch (formatId) {
-    case 17:
-    case 19:
-        return 10;
-    case 18:
-    case 20:
-        return 11;
+    case "mpegps_dvd"_container:
+    case "mpegps_mpeg1"_container:
+        return "mpegps"_container;
+    case "mpegts_m2ts"_container:
+    case "mpegts_204"_container:
+        return "mpegts"_container;
     default:
         return formatId;
     }

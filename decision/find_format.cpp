@@ -2,39 +2,27 @@
 
 #include "base/debug_line.h"
 #include "decision/container_agreement.h"
-#include "decision/rule_index.h"
 
 namespace vornak {
 namespace {
 
-using FormatEntry = TANASCODE_FORMAT_MAPPING_ST;
-
-/// Position of the first entry that `accepts`, or kNoRule.
-template <class Predicate>
-int findEntry(const FormatEntry *table, Predicate accepts)
-{
-    for (int i = 0; i < kMaxRules && table[i].formatId != kEndOfTable; ++i)
-        if (accepts(table[i])) return i;
-    return kNoRule;
-}
-
-int chooseEntry(const FormatEntry *table, const Request &request, bool transcoding)
+int chooseEntry(const ContainerEntry *table, const Request &request, bool transcoding)
 {
     if (request.preferFormatId > 0) {
-        const int preferred = findEntry(table, [&](const FormatEntry &entry) {
+        const int preferred = findRecord(table, [&](const ContainerEntry &entry, int) {
             return agrees(entry.formatId, request.preferFormatId);
         });
         if (preferred != kNoRule) return preferred;
     }
     if (transcoding) return 0;
-    return findEntry(table, [&](const FormatEntry &entry) {
+    return findRecord(table, [&](const ContainerEntry &entry, int) {
         return takesContainer(entry, request.srcFormatId);
     });
 }
 
 } // namespace
 
-int findFormat(const FormatEntry *table, const Request &request, bool transcoding,
+int findFormat(const ContainerEntry *table, const Request &request, bool transcoding,
                const Answer &answer)
 {
     if (!table) return VORNAK_NO_TABLE;
@@ -50,12 +38,12 @@ int findFormat(const FormatEntry *table, const Request &request, bool transcodin
         if (table[0].nonSeekable == 1) result = VORNAK_NONSEEKABLE;
     }
 
-    const FormatEntry &used = table[positionOf(index)];
+    const ContainerEntry &used = table[positionOf(index)];
     *answer.formatIndex = index;
     if (answer.mime) *answer.mime = used.mime;
     if (answer.pn) *answer.pn = used.pn;
     if (answer.dstFormatId)
-        *answer.dstFormatId = used.formatId == 0 ? request.srcFormatId : used.formatId;
+        *answer.dstFormatId = used.formatId == kAnyContainer ? request.srcFormatId : used.formatId;
 
     if (index == kTranscode && table[0].noTranscode == 1) return VORNAK_NOT_ALLOWED;
     return result;

@@ -1,8 +1,9 @@
 #include "decision/find_music.h"
 
 #include "base/debug_line.h"
+#include "base/media_ids.h"
+#include "base/rule_tables.h"
 #include "decision/find_format.h"
-#include "decision/rule_index.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,10 +11,8 @@
 namespace vornak {
 namespace {
 
-constexpr int kWav = 2;
-
-// 16-bit and 24-bit linear PCM, little-endian and big-endian each
-constexpr int s_PcmCodecs[] = {0x10000, 0x10001, 0x1000C, 0x1000D};
+constexpr int s_PcmCodecs[] = {"pcm_s16le"_codec, "pcm_s16be"_codec, "pcm_s24le"_codec,
+                               "pcm_s24be"_codec};
 
 #define VORNAK_DEBUG_RULE(index, field, value)                                                     \
     VORNAK_DEBUG("FindMusicTranscode", " pAudioTable[%d].%s = %d", index, field, value)
@@ -27,14 +26,6 @@ bool matches(const AudioRule &rule, const AudioSource &source, int index)
     return findRefusal<s_AudioComparisons>(rule, source, [&](const AudioComparison &row) {
                VORNAK_DEBUG_RULE(index, row.field, rule.*row.limit);
            }) < 0;
-}
-
-/// Position of the first rule that takes the source, or kNoRule: the profile's order breaks ties.
-int findAudioRule(const AudioRule *table, const AudioSource &source)
-{
-    for (int i = 0; i < kMaxRules && table[i].aCodecId != kEndOfTable; ++i)
-        if (matches(table[i], source, i)) return i;
-    return kNoRule;
 }
 
 bool isPcm(int codecId)
@@ -55,7 +46,9 @@ int findMusic(const AudioRule *table, const AudioSource &source, const Request &
                  "srcABitrate = %d, srcASampleRate = %d, srcFormatId = %d",
                  source.codecId, source.profileId, source.level, source.channels, source.bitrate,
                  source.sampleRate, request.srcFormatId);
-    int index = findAudioRule(table, source);
+    int index = findRecord(table, [&](const AudioRule &rule, int position) {
+        return matches(rule, source, position);
+    });
     VORNAK_DEBUG("FindMusicTranscode", " pAudioIndex = %d", index);
 
     if (index == kNoRule || request.forceTranscode != 0) {
@@ -74,7 +67,7 @@ int findMusic(const AudioRule *table, const AudioSource &source, const Request &
         if (chosen && answer.dstFormatId) *answer.dstFormatId = dstFormatId;
         if (pIsWavPcm)
             *pIsWavPcm = chosen && isPcm(table[positionOf(*answer.audioIndex)].aCodecId) &&
-                         dstFormatId == kWav;
+                         dstFormatId == "wav"_container;
         if (result != VORNAK_NOT_ALLOWED || *answer.audioIndex == kTranscode) return result;
 
         // The stream fits, but no container does and none may be made: transcode it all.

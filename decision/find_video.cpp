@@ -1,8 +1,8 @@
 #include "decision/find_video.h"
 
 #include "base/debug_line.h"
+#include "base/rule_tables.h"
 #include "decision/find_music.h"
-#include "decision/rule_index.h"
 
 namespace vornak {
 namespace {
@@ -21,14 +21,6 @@ bool matches(const VideoRule &rule, const VideoSource &source, int index)
     return false;
 }
 
-/// Position of the first rule that takes the source, or kNoRule: the profile's order breaks ties.
-int findVideoRule(const VideoRule *table, const VideoSource &source, bool match)
-{
-    for (int i = 0; i < kMaxRules && table[i].vCodecId != kEndOfTable; ++i)
-        if (!match || matches(table[i], source, i)) return i;
-    return kNoRule;
-}
-
 } // namespace
 
 int findVideo(const VideoRule *table, const VideoSource &video, const AudioSource &audio,
@@ -37,7 +29,9 @@ int findVideo(const VideoRule *table, const VideoSource &video, const AudioSourc
 {
     if (!table) return VORNAK_NO_TABLE;
 
-    int index = findVideoRule(table, video, videoRequest.matchVideo == 1);
+    int index = findRecord(table, [&](const VideoRule &rule, int position) {
+        return videoRequest.matchVideo != 1 || matches(rule, video, position);
+    });
     VORNAK_DEBUG_BOLD("FindVideoTranscode", "*pVideoIndex=%d, assignTrack=%d", index,
                       videoRequest.assignTrack);
 

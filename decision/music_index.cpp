@@ -1,5 +1,6 @@
 #include "decision/find_music.h"
-#include "decision/rule_index.h"
+
+#include "base/rule_tables.h"
 
 int getMusicTranscodeIndex2(TRANSCODE_AUDIO_MAPPING_ST *pAudioTable, int srcACodecId,
                             int srcAProfileId, int srcALevel, int srcAChannels, int srcABitrate,

@@ -1,8 +1,8 @@
 // What a video rule compares with a source, in order; the first row that refuses ends the rule.
 #pragma once
 
+#include "base/rule_tables.h"
 #include "decision/comparison.h"
-#include "include/vornak.h"
 
 namespace vornak {
 
@@ -12,7 +12,6 @@ struct VideoSource {
     int codecFlag; ///< play-exception bits
 };
 
-using VideoRule = TRANSCODE_VIDEO_MAPPING_ST;
 using VideoComparison = Comparison<VideoRule, VideoSource>;
 
 enum VideoRow {

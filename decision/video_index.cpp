@@ -1,9 +1,9 @@
 #include "decision/find_video.h"
 
 #include "base/debug_line.h"
+#include "base/rule_tables.h"
 #include "decision/audio_comparisons.h"
 #include "decision/container_agreement.h"
-#include "decision/rule_index.h"
 
 int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
                             int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,

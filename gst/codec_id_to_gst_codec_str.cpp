@@ -8,9 +8,12 @@ namespace vornak {
 namespace {
 
 constexpr const char *kHardwareDecoder = "vaapidecode";
-constexpr int s_HardwareCodecs[] = {5, 13, 28, 72, 73}; // what the hardware takes over
+// what the hardware takes over
+constexpr int s_HardwareCodecs[] = {"h263"_codec, "mpeg4"_codec, "h264"_codec, "vc1"_codec,
+                                    "wmv3"_codec};
 constexpr int s_HardwareClasses[] = {1, 2, 3, 7, 8, 9, 10};
-constexpr int s_SoftwareSources[] = {10, 11}; // source kinds that stay in software
+// source kinds that stay in software
+constexpr int s_SoftwareSources[] = {"mpegps"_container, "mpegts"_container};
 
 template <std::size_t Size>
 constexpr bool contains(const int (&values)[Size], int value)

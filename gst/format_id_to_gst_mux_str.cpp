@@ -1,6 +1,8 @@
 // Container ids to pipeline fragments: FormatId_To_GSTMuxDecStr() and FormatId_To_GSTMuxEncStr().
 #include "include/vornak.h"
 
+#include "base/media_ids.h"
+
 namespace vornak {
 namespace {
 
@@ -13,18 +15,18 @@ struct ContainerRow {
 
 constexpr ContainerRow s_Containers[] = {
     // id, flag, demultiplexer, multiplexer
-    {2, 0, "wavparse", nullptr},
-    {4, 0, "ffdemux_ape", nullptr},
-    {5, 0, "oggdemux", "oggmux"},
-    {7, 0, "asfdemux", "asfmux"},
-    {8, 1, "qtdemux", "mp4mux faststart=true"},
-    {9, 0, "avidemux", "avimux"},
-    {10, 0, "mpegpsdemux", "mpegpsmux"},
-    {11, 0, "mpegtsdemux", "mpegtsmux"},
-    {12, 0, "matroskademux", "matroskamux"},
-    {13, 0, "flvdemux", "flvmux"},
-    {14, 0, "ffdemux_aiff", nullptr},
-    {21, 0, "rmdemux", nullptr},
+    {"wav"_container, 0, "wavparse", nullptr},
+    {"ape"_container, 0, "ffdemux_ape", nullptr},
+    {"ogg"_container, 0, "oggdemux", "oggmux"},
+    {"asf"_container, 0, "asfdemux", "asfmux"},
+    {"mp4"_container, 1, "qtdemux", "mp4mux faststart=true"},
+    {"avi"_container, 0, "avidemux", "avimux"},
+    {"mpegps"_container, 0, "mpegpsdemux", "mpegpsmux"},
+    {"mpegts"_container, 0, "mpegtsdemux", "mpegtsmux"},
+    {"matroska"_container, 0, "matroskademux", "matroskamux"},
+    {"flv"_container, 0, "flvdemux", "flvmux"},
+    {"aiff"_container, 0, "ffdemux_aiff", nullptr},
+    {"rm"_container, 0, "rmdemux", nullptr},
 };
 
 /// The row of a container, whatever its subtype; or null.
@@ -32,7 +34,7 @@ const ContainerRow *findContainer(int formatId)
 {
     if (formatId <= 0) return nullptr;
     for (const ContainerRow &row : s_Containers)
-        if (row.container == (formatId & 0xFFFF)) return &row;
+        if (row.container == containerPart(formatId)) return &row;
     return nullptr;
 }
 

@@ -7,59 +7,6 @@
 namespace vornak {
 namespace {
 
-constexpr int kMp4 = 8;
-constexpr int kMatroska = 12;
-
-constexpr auto s_ContainerNames = std::to_array<RegistryName>({
-    {"any", 0},
-    {"mp3", 1},
-    {"wav", 2},
-    {"flac", 3},
-    {"ape", 4},
-    {"ogg", 5},
-    {"ac3", 6},
-    {"asf", 7},
-    {"mp4", kMp4},
-    {"avi", 9},
-    {"mpegps", 10},
-    {"mpegts", 11},
-    {"matroska", kMatroska},
-    {"flv", 13},
-    {"aiff", 14},
-    {"au", 15},
-    {"adts", 16},
-    // Forms of the two MPEG streams. A video's matching takes them for 10 and 11, so no name
-    // that people would write for one of these streams leads here.
-    {"mpegps_dvd", 17},   // with the navigation packs of DVD-Video
-    {"mpegts_m2ts", 18},  // packets of 192 bytes, each with a time stamp
-    {"mpegps_mpeg1", 19}, // MPEG-1 system stream
-    {"mpegts_204", 20},   // packets of 204 bytes, each with error correction
-    {"rm", 21},
-    // not in the classic numbering
-    {"dts", 64},
-    {"eac3", 65},
-    {"truehd", 66},
-    {"wavpack", 67},
-    {"dsf", 68},
-    {"dff", 69},
-    {"caf", 70},
-    {"tta", 71},
-    {"mpc", 72},
-    {"amr", 73},
-    {"w64", 74},
-    {"latm", 75},
-    {"mpegvideo", 80}, // elementary streams
-    {"h264", 81},
-    {"hevc", 82},
-    {"mpeg4video", 83},
-    {"vc1", 84},
-    {"ivf", 85},
-    {"dv", 86},
-    {"mxf", 87},
-});
-static_assert(std::ranges::adjacent_find(s_ContainerNames, std::ranges::greater_equal{},
-                                         &RegistryName::id) == s_ContainerNames.end());
-
 constexpr auto s_ContainerAliases = std::to_array<Alias>({
     {"*", "any"},         {"mpegaudio", "mp3"}, {"wave", "wav"},     {"oga", "ogg"},
     {"ogv", "ogg"},       {"wma", "asf"},       {"wmv", "asf"},      {"mpeg4", "mp4"},
@@ -72,22 +19,6 @@ constexpr auto s_ContainerAliases = std::to_array<Alias>({
     {"m1v", "mpegvideo"}, {"m2v", "mpegvideo"}, {"h265", "hevc"},
 });
 
-// The numbers of MP4 brands are those that tags spell out; other subtypes keep clear of them.
-constexpr auto s_SubtypeNames = std::to_array<SubtypeName>({
-    {kMp4, 1, "m4a"},
-    {kMp4, 2, "m4v"},
-    {kMp4, 3, "mp41"},
-    {kMp4, 4, "mov"}, // no brand: QuickTime files have "qt", also those without any
-    {kMp4, 5, "msnv"},
-    {kMp4, 6, "isom"},
-    {kMp4, 7, "mjp2"},
-    {kMp4, 8, "3g2"},
-    {kMp4, 9, "3gp"},
-    {kMp4, 10, "mp42"},
-    {kMp4, 11, "qt"},
-    {kMatroska, 12, "webm"},
-});
-
 constexpr auto s_SubtypeAliases = std::to_array<Alias>({
     {"mp4", "mp41"},
     {"quicktime", "qt"},
@@ -97,14 +28,14 @@ constexpr auto s_SubtypeAliases = std::to_array<Alias>({
 
 // Containers that go by the name of a subtype: files with that subtype alone are meant.
 constexpr auto s_NarrowNames = std::to_array<RegistryName>({
-    {"m4a", kMp4 | 1 << 16},
-    {"m4v", kMp4 | 2 << 16},
-    {"3g2", kMp4 | 8 << 16},
-    {"3gp", kMp4 | 9 << 16},
-    {"mov", kMp4 | 11 << 16},
-    {"qt", kMp4 | 11 << 16},
-    {"quicktime", kMp4 | 11 << 16},
-    {"webm", kMatroska | 12 << 16},
+    {"m4a", "mp4/m4a"_container},
+    {"m4v", "mp4/m4v"_container},
+    {"3g2", "mp4/3g2"_container},
+    {"3gp", "mp4/3gp"_container},
+    {"mov", "mp4/qt"_container},
+    {"qt", "mp4/qt"_container},
+    {"quicktime", "mp4/qt"_container},
+    {"webm", "matroska/webm"_container},
 });
 
 constexpr auto s_AllContainerNames = [] {
@@ -145,28 +76,12 @@ const RegistryName *findContainer(int containerId)
     return row != s_ContainerNames.end() && row->id == containerId ? row : nullptr;
 }
 
-constexpr int containerOf(int id)
-{
-    return id & 0xFFFF;
-}
-
 constexpr std::string_view kContainerPrefix = "FORMAT_";
 constexpr std::string_view kSubtypePrefix = "BRAND_";
 static_assert(kContainerPrefix.size() == VORNAK_CONTAINER_PREFIX);
 static_assert(kSubtypePrefix.size() == VORNAK_SUBTYPE_PREFIX);
 
 } // namespace
-
-std::span<const RegistryName> containerNames()
-{
-    return s_ContainerNames;
-}
-
-std::span<const SubtypeName> subtypeNames()
-{
-    return s_SubtypeNames;
-}
-
 } // namespace vornak
 
 int ContainerFormatNameToID(const char *name, const char *subtype, int *id)
@@ -180,9 +95,9 @@ int ContainerFormatNameToID(const char *name, const char *subtype, int *id)
         *id = container->id;
         return 0;
     }
-    const SubtypeName *row = findSubtype(containerOf(container->id), subtype);
+    const SubtypeName *row = findSubtype(containerPart(container->id), subtype);
     if (!row) return 1;
-    *id = row->containerId | row->number << 16;
+    *id = formatIdOf(row->containerId, row->number);
     return 0;
 }
 
@@ -193,9 +108,9 @@ int ContainerFormatIDToName(char *name, char *subtype, int id)
     if (!name || !subtype) return 1;
     FixedText nameText(name, VORNAK_NAME_SIZE);
     FixedText subtypeText(subtype, VORNAK_NAME_SIZE);
-    const RegistryName *container = findContainer(containerOf(id));
+    const RegistryName *container = findContainer(containerPart(id));
     if (!container || !nameText.append(kContainerPrefix, container->name)) return 1;
-    if (id >> 16 == 0) return 0;
-    const SubtypeName *row = findSubtype(container->id, id >> 16);
+    if (subtypePart(id) == 0) return 0;
+    const SubtypeName *row = findSubtype(container->id, subtypePart(id));
     return row && subtypeText.append(kSubtypePrefix, row->name) ? 0 : 1;
 }

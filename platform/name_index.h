@@ -6,29 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 namespace vornak {
-
-/// A name as it is compared: lower case, and without '-', '_' and '.', which people set freely
-/// ("H.264", "E-AC-3", "pcm-s16le"). Filled up with NULs.
-using FoldedName = std::array<unsigned char, 32>;
-
-/// Nothing for a name that is empty or too long once folded: no table holds such a one.
-constexpr std::optional<FoldedName> foldName(const char *name)
-{
-    FoldedName folded{};
-    std::size_t length = 0;
-    for (; *name != '\0'; ++name) {
-        const char c = *name;
-        if (c == '-' || c == '_' || c == '.') continue;
-        if (length == folded.size()) return std::nullopt;
-        folded[length++] = static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    }
-    if (length == 0) return std::nullopt;
-    return folded;
-}
 
 /// A second name for what a table names already.
 struct Alias {

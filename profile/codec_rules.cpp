@@ -1,7 +1,7 @@
 #include "profile/codec_rules.h"
 
 #include "profile/name_list.h"
-#include "profile/rule_table.h"
+#include "profile/read_rules.h"
 #include "profile/sample_rates.h"
 #include "profile/suffixed_number.h"
 
@@ -25,8 +25,7 @@ bool identifyFormat(Format &format, const XMLNode &element, const char *name)
     return ContainerFormatNameToID(name, subtype, &format.formatId) == 0;
 }
 
-constexpr RuleKind<Format> kFormat = {"FORMAT", &Format::formatId, identifyFormat,
-                                      s_FormatAttributes,
+constexpr RuleKind<Format> kFormat = {"FORMAT", identifyFormat, s_FormatAttributes,
                                       [](Format &, const XMLNode &) { return true; }};
 
 int parseProfiles(const char *names)
@@ -62,8 +61,7 @@ bool readFormats(Audio &rule, const XMLNode &element)
     return readRules(element, kFormat, rule.pFormatTable);
 }
 
-constexpr RuleKind<Audio> kAudio = {"ACODEC", &Audio::aCodecId, identifyAudio, s_AudioAttributes,
-                                    readFormats};
+constexpr RuleKind<Audio> kAudio = {"ACODEC", identifyAudio, s_AudioAttributes, readFormats};
 
 } // namespace
 

@@ -2,7 +2,7 @@
 
 #include "profile/codec_rules.h"
 #include "profile/profile_release.h"
-#include "profile/rule_table.h"
+#include "profile/read_rules.h"
 #include "profile/video_rules.h"
 
 #include <cstdlib>

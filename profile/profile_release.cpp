@@ -1,13 +1,15 @@
 #include "profile/profile_release.h"
 
+#include "base/rule_tables.h"
+
 #include <cstdlib>
 
 namespace vornak {
 namespace {
 
-void release(TANASCODE_FORMAT_MAPPING_ST *table)
+void release(ContainerEntry *table)
 {
-    for (auto *entry = table; entry && entry->formatId != kEndOfTable; ++entry) {
+    for (auto *entry = table; entry && idOf(*entry) != kEndOfTable; ++entry) {
         std::free(entry->mime);
         std::free(entry->pn);
         std::free(entry->option);
@@ -15,18 +17,18 @@ void release(TANASCODE_FORMAT_MAPPING_ST *table)
     std::free(table);
 }
 
-void release(TRANSCODE_AUDIO_MAPPING_ST *table)
+void release(AudioRule *table)
 {
-    for (auto *rule = table; rule && rule->aCodecId != kEndOfTable; ++rule) {
+    for (auto *rule = table; rule && idOf(*rule) != kEndOfTable; ++rule) {
         release(rule->pFormatTable);
         std::free(rule->option);
     }
     std::free(table);
 }
 
-void release(TRANSCODE_VIDEO_MAPPING_ST *table)
+void release(VideoRule *table)
 {
-    for (auto *rule = table; rule && rule->vCodecId != kEndOfTable; ++rule) {
+    for (auto *rule = table; rule && idOf(*rule) != kEndOfTable; ++rule) {
         release(rule->pAudioTable);
         std::free(rule->option);
     }

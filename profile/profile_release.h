@@ -1,4 +1,4 @@
-// The owner of a profile while it is being loaded.
+// The owner of a loaded profile.
 #pragma once
 
 #include "include/vornak.h"
@@ -6,8 +6,6 @@
 #include <memory>
 
 namespace vornak {
-
-constexpr int kEndOfTable = -1; // the id that ends a rule table
 
 /// Frees a profile and all that it holds; also one that is not filled to the end.
 struct ReleaseProfile {

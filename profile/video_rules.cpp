@@ -2,7 +2,7 @@
 
 #include "profile/codec_rules.h"
 #include "profile/name_list.h"
-#include "profile/rule_table.h"
+#include "profile/read_rules.h"
 #include "profile/suffixed_number.h"
 
 namespace vornak {
@@ -47,8 +47,7 @@ bool readAudioRules(Video &rule, const XMLNode &element)
     return parseCodecRules(&rule.pAudioTable, element) == 0;
 }
 
-constexpr RuleKind<Video> kVideo = {"VCODEC", &Video::vCodecId, identifyVideo, s_VideoAttributes,
-                                    readAudioRules};
+constexpr RuleKind<Video> kVideo = {"VCODEC", identifyVideo, s_VideoAttributes, readAudioRules};
 
 } // namespace
 

@@ -200,7 +200,7 @@ TEST(Codecs, WithADecoderInTheLibraryHaveNames)
 
 TEST(Codecs, ComeBackFromTheirNames)
 {
-    for (const RegistryName &row : codecNames()) {
+    for (const RegistryName &row : s_CodecNames) {
         EXPECT_TRUE(isPlainName(row.name)) << row.name;
         EXPECT_EQ(codecName(row.id), std::string("CODEC_ID_") + row.name);
         EXPECT_EQ(codecId(row.name), row.id) << row.name;
@@ -362,12 +362,12 @@ TEST(Containers, AreKnownByTheFieldsNames)
 TEST(Containers, ComeBackFromTheirNames)
 {
     for (int id = 0; id <= 21; ++id) EXPECT_TRUE(containerName(id).has_value()) << id;
-    for (const RegistryName &row : containerNames()) {
+    for (const RegistryName &row : s_ContainerNames) {
         EXPECT_TRUE(isPlainName(row.name)) << row.name;
         EXPECT_EQ(containerName(row.id), std::string("FORMAT_") + row.name + "|");
         EXPECT_EQ(containerId(row.name, nullptr), row.id) << row.name;
     }
-    for (const SubtypeName &row : subtypeNames()) {
+    for (const SubtypeName &row : s_SubtypeNames) {
         const int id = row.number << 16 | row.containerId;
         EXPECT_THAT(containerName(id).value(),
                     testing::EndsWith(std::string("|BRAND_") + row.name));

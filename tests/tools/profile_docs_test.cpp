@@ -67,7 +67,7 @@ std::vector<Names> rows(const std::string &text)
 TEST(ProfileGuide, ListsTheNamesOfTheRegistry)
 {
     Names video, audio;
-    for (const RegistryName &row : codecNames()) {
+    for (const RegistryName &row : s_CodecNames) {
         if (row.id > 0 && row.id < 0x10000) video.emplace_back(row.name);
         if (row.id >= 0x10000 && row.id < 0x17000) audio.emplace_back(row.name);
     }
@@ -114,7 +114,7 @@ TEST(ProfileGuide, ListsProfilesAndSubtypesByTheirOwner)
         last = row.codecId;
         profiles.emplace_back(row.name);
     }
-    for (const SubtypeName &row : subtypeNames()) {
+    for (const SubtypeName &row : s_SubtypeNames) {
         if (row.containerId != last) subtypes.push_back(tool::containerText(row.containerId));
         last = row.containerId;
         subtypes.emplace_back(row.name);

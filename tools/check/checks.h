@@ -1,9 +1,9 @@
 // The checks of a profile: the walk over it, and a function for each thing to look at.
 #pragma once
 
+#include "base/rule_tables.h"
 #include "tools/check/finding.h"
 #include "tools/check/schema.h"
-#include "tools/profile/rule_tables.h"
 
 #include <optional>
 #include <pugixml.hpp>

@@ -3,7 +3,6 @@
 #include "tools/check/checks.h"
 
 #include "include/vornak_host.h"
-#include "platform/name_index.h"
 #include "platform/registry_names.h"
 #include "tools/profile/id_names.h"
 
@@ -22,20 +21,17 @@ constexpr std::string_view kOtherSeparators = ",;/ \t\n"; // that people write i
 constexpr std::string_view kJoints = "-_. "; // between the two parts of a name
 constexpr std::size_t kMostWords = 6;        // of the longest known names together
 
-constexpr int kFirstAudio = 0x10000; // codec ids of sound begin here,
-constexpr int kFirstOther = 0x17000; // and end here
-
 /// Whether a codec, or the wildcard, is of the kind that the element is for.
 bool suits(int codec, unsigned element)
 {
-    if (element == kVcodec) return codec < kFirstAudio;
-    return codec == 0 || (codec >= kFirstAudio && codec < kFirstOther);
+    if (element == kVcodec) return codec < kFirstAudioCodec;
+    return codec == kAnyCodec || (codec >= kFirstAudioCodec && codec < kFirstSubtitleCodec);
 }
 
 std::vector<std::string> knownCodecs(unsigned element)
 {
     std::vector<std::string> names;
-    for (const RegistryName &row : codecNames())
+    for (const RegistryName &row : s_CodecNames)
         if (suits(row.id, element)) names.emplace_back(row.name);
     return names;
 }
@@ -131,7 +127,7 @@ void checkContainerName(const ElementPlace &place, pugi::xml_attribute name, Rep
             report.suggest(name.value(), knownContainers(), "see the list of containers"));
     const pugi::xml_attribute subtype = place.element.attribute("SUBTYPE");
     if (!subtype || ContainerFormatNameToID(name.value(), subtype.value(), &id) == 0) return;
-    const std::vector<std::string> known = knownSubtypes(id & 0xFFFF);
+    const std::vector<std::string> known = knownSubtypes(containerPart(id));
     report.add(Fault::UnknownSubtype, place.element, subtype,
                fmt::format("{} is no subtype of {}: the FORMAT is left out", shown(subtype),
                            excerpt(name.value())),

@@ -14,7 +14,7 @@
 namespace vornak::tool {
 namespace {
 
-constexpr std::size_t kMostRules = VORNAK_TRANSCODE; // positions that an index can name
+constexpr std::size_t kMostRules = kMaxRules;
 
 /// The values of a source's property that a rule takes, both ends included.
 struct Range {
@@ -69,19 +69,19 @@ bool coversAll(const Rule &rule, const Rule &other)
 
 bool covers(const VideoRule &rule, const VideoRule &other)
 {
-    return rule.vCodecId == 0 ||
+    return rule.vCodecId == kAnyCodec ||
            (rule.vCodecId == other.vCodecId && coversAll<s_VideoComparisons>(rule, other));
 }
 
 bool covers(const AudioRule &rule, const AudioRule &other)
 {
-    return rule.aCodecId == 0 ||
+    return rule.aCodecId == kAnyCodec ||
            (rule.aCodecId == other.aCodecId && coversAll<s_AudioComparisons>(rule, other));
 }
 
 bool covers(const ContainerEntry &entry, const ContainerEntry &other)
 {
-    if (containerPart(entry.formatId) == 0) return true;
+    if (containerPart(entry.formatId) == kAnyContainer) return true;
     return containerPart(entry.formatId) == containerPart(other.formatId) &&
            (subtypePart(entry.formatId) == 0 || entry.formatId == other.formatId);
 }

@@ -79,7 +79,7 @@ std::string firstRuleSays(pugi::xml_node element)
 void checkTarget(const Target &target, Report &report)
 {
     const bool isTarget = target.position == 0;
-    if (target.codecId == 0) {
+    if (target.codecId == kAnyCodec) {
         if (isTarget)
             report.add(Fault::TargetWildcard, target.element, target.element.attribute("NAME"),
                        firstRuleSays(target.element) + ", and a wildcard says nothing",
@@ -190,10 +190,11 @@ void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &rep
     const MuxerRow *row = muxer ? findMuxer(*muxer) : nullptr;
     int made = 0;
     if (!row || ContainerFormatNameToID(row->container, nullptr, &made) != 0) return;
-    if (entry.formatId == 0) return;
+    if (entry.formatId == kAnyContainer) return;
     const bool subtypeIsSet = optionValue(textOf(entry.option), "-brand").has_value();
-    const bool needsSubtype = entry.formatId >> 16 != 0 && !subtypeIsSet;
-    if (made == (entry.formatId & 0xFFFF) && (!needsSubtype || writesSubtype(*row, entry.formatId)))
+    const bool needsSubtype = subtypePart(entry.formatId) != 0 && !subtypeIsSet;
+    if (made == containerPart(entry.formatId) &&
+        (!needsSubtype || writesSubtype(*row, entry.formatId)))
         return;
     report.add(
         Fault::OptionContainer, element, element.attribute("OPTION"),
@@ -212,11 +213,11 @@ void checkFirstContainer(const Place &place, Report &report)
                        "refuses every file whose sound needs transcoding", report);
     // kept sound beside a transcoded picture comes into its own first container
     const bool takesPicture = place.video.record && place.video.position == 0;
-    if (entry.formatId == 0 && (isTarget || takesPicture))
+    if (entry.formatId == kAnyContainer && (isTarget || takesPicture))
         report.add(Fault::TargetWildcard, element, element.attribute("NAME"),
                    "the first container says what is made, and a wildcard says nothing",
                    "put a container before it");
-    if (entry.formatId == 0 || entry.noTranscode == 1) return;
+    if (entry.formatId == kAnyContainer || entry.noTranscode == 1) return;
     if (!optionValue(textOf(entry.option), "-f"))
         report.add(Fault::ContainerWithoutOption, element, element.attribute("OPTION"),
                    "what is put into the first container needs an OPTION with -f",
@@ -291,7 +292,7 @@ void checkContainerTarget(const Place &place, Report &report)
     const ContainerEntry &entry = *place.entry.record;
     const pugi::xml_node element = place.entry.element;
     checkMuxer(entry, element, report);
-    if (entry.formatId == 0 && entry.option)
+    if (entry.formatId == kAnyContainer && entry.option)
         reportNoEffect(element, "OPTION", "the usual one of the source's container is taken",
                        "remove it", report);
     if (place.entry.position == 0)
@@ -304,14 +305,15 @@ void checkContainerTarget(const Place &place, Report &report)
 void checkAnnouncement(const Place &place, Report &report)
 {
     const ContainerEntry &entry = *place.entry.record;
-    if (entry.formatId == 0) return;
+    if (entry.formatId == kAnyContainer) return;
     if (!entry.mime)
         report.add(Fault::MimeMissing, place.entry.element,
                    fmt::format("{} is announced without a MIME type", nameOf(place.entry.element)),
                    "add MIME");
     const int codecId =
         place.video.record ? place.video.record->vCodecId : place.audio.record->aCodecId;
-    if (const char *example = dlnaExample(entry.formatId & 0xFFFF, codecId); example && !entry.pn)
+    if (const char *example = dlnaExample(containerPart(entry.formatId), codecId);
+        example && !entry.pn)
         report.add(Fault::PnMissing, place.entry.element,
                    fmt::format("{} is announced without a DLNA profile name, and there are such",
                                nameOf(place.entry.element)),

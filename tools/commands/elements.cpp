@@ -1,7 +1,7 @@
 // vornak elements: the GStreamer elements of codecs and containers.
+#include "base/media_ids.h"
 #include "include/vornak.h"
 #include "include/vornak_host.h"
-#include "platform/registry_names.h"
 #include "tools/commands/subcommands.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/exit_status.h"
@@ -53,7 +53,7 @@ int codecIdOf(const std::string &name)
     int id = 0;
     if (CodecNameToID(name.c_str(), &id) == 0) return id;
     std::vector<std::string> known;
-    std::ranges::transform(codecNames(), std::back_inserter(known), &RegistryName::name);
+    std::ranges::transform(s_CodecNames, std::back_inserter(known), &RegistryName::name);
     refuse("unknown codec", name, didYouMean(name, known));
 }
 
@@ -73,7 +73,7 @@ int containerIdOf(const std::string &name)
 /// Hardware decoders depend on the container that the codec comes in; 0: whatever it is.
 void addDecoder(Elements &elements, int codecId, int containerId, std::optional<int> hardwareClass)
 {
-    const char *element = CodecId_To_GSTCodecStr(codecId, containerId & 0xFFFF,
+    const char *element = CodecId_To_GSTCodecStr(codecId, containerPart(containerId),
                                                  hardwareClass.value_or(0), hardwareClass ? 1 : 0);
     elements.decoders.push_back({codecText(codecId), codecId, element});
 }
@@ -100,8 +100,8 @@ Elements findElements(const ElementsOptions &options)
 Elements listElements(std::optional<int> hardwareClass)
 {
     Elements elements;
-    for (const RegistryName &codec : codecNames()) addDecoder(elements, codec.id, 0, hardwareClass);
-    for (const RegistryName &container : containerNames()) addContainer(elements, container.id);
+    for (const RegistryName &codec : s_CodecNames) addDecoder(elements, codec.id, 0, hardwareClass);
+    for (const RegistryName &container : s_ContainerNames) addContainer(elements, container.id);
     for (std::vector<Row> *rows : {&elements.decoders, &elements.demuxers, &elements.muxers})
         std::erase_if(*rows, [](const Row &row) { return !row.element; });
     return elements;

@@ -1,10 +1,10 @@
 // vornak profile show: the tables that the library makes of a profile.
+#include "base/rule_tables.h"
 #include "tools/commands/profile.h"
 #include "tools/commands/profile_show_json.h"
 #include "tools/decide/reason_text.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_session.h"
-#include "tools/profile/rule_tables.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"

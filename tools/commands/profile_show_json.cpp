@@ -1,8 +1,8 @@
 #include "tools/commands/profile_show_json.h"
 
+#include "base/rule_tables.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_session.h"
-#include "tools/profile/rule_tables.h"
 #include "tools/terminal/printable.h"
 
 #include <nlohmann/json.hpp>

@@ -1,8 +1,8 @@
 // One file, one profile: what the library decides.
 #pragma once
 
+#include "base/rule_tables.h"
 #include "tools/probe/media_info.h"
-#include "tools/profile/rule_tables.h"
 
 #include "decision/audio_comparisons.h"
 #include "decision/video_comparisons.h"

@@ -11,7 +11,7 @@ template <class Record>
 RuleRef refTo(const Record *record, int index)
 {
     if (!record) return {};
-    return {record, index % VORNAK_TRANSCODE, idOf(*record)};
+    return {record, positionOf(index), idOf(*record)};
 }
 
 RuleRef refTo(const Visit &visit)
@@ -112,7 +112,8 @@ Reason containerReason(const Decision &decision, const DecisionRequest &request)
     const RuleRef chosen = refTo(decision.entry, decision.formatIndex);
     if (preferred.record) return {.code = "preferred", .rule = chosen};
     if (streamsChange) return {.code = "output-of-rule", .rule = chosen};
-    return {.code = containerPart(chosen.id) == 0 ? "any-container" : "taken", .rule = chosen};
+    return {.code = containerPart(chosen.id) == kAnyContainer ? "any-container" : "taken",
+            .rule = chosen};
 }
 
 Part explainContainer(const Decision &decision, const DecisionRequest &request)

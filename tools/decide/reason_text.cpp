@@ -134,7 +134,7 @@ std::string streamReasons(const Part &part, std::string_view codec, std::string_
 
 RuleRef chosenRule(const VideoRule *rule, int index)
 {
-    return {rule, index % VORNAK_TRANSCODE, rule->vCodecId};
+    return {rule, positionOf(index), rule->vCodecId};
 }
 
 void appendPart(std::string &text, std::string_view name, const std::string &reasons)
@@ -186,7 +186,7 @@ std::string audioReasons(const Decision &decision, const Part &part, const Profi
 std::string containerReasons(const Decision &decision, const Part &part,
                              const ProfileSession &session)
 {
-    const RuleRef audio = {decision.audioRule, decision.audioIndex % VORNAK_TRANSCODE,
+    const RuleRef audio = {decision.audioRule, positionOf(decision.audioIndex),
                            decision.audioRule ? decision.audioRule->aCodecId : 0};
     return allReasons(part, [&](const Reason &reason, bool) {
         return fmt::format(fmt::runtime(textFor(reason.code, s_ContainerTexts)),

@@ -8,8 +8,6 @@
 namespace vornak::tool {
 namespace {
 
-constexpr int kAnyCodec = 0;
-
 /// What the library's comparisons don't say of themselves. In the order of their tables.
 struct RowNames {
     std::string_view code;
@@ -133,7 +131,8 @@ std::vector<Visit> walkEntries(const ContainerEntry *table, int formatId)
     return walk(table, [&](const ContainerEntry &entry) {
         Visit visit{.record = &entry, .id = entry.formatId};
         if (!takesContainer(entry, formatId)) return visit;
-        visit.verdict = containerPart(entry.formatId) == 0 ? Verdict::TakesAny : Verdict::Takes;
+        visit.verdict =
+            containerPart(entry.formatId) == kAnyContainer ? Verdict::TakesAny : Verdict::Takes;
         return visit;
     });
 }

@@ -1,7 +1,7 @@
 // The rules that a source passes, one by one, with what each of them says to it.
 #pragma once
 
-#include "tools/profile/rule_tables.h"
+#include "base/rule_tables.h"
 
 #include "decision/audio_comparisons.h"
 #include "decision/video_comparisons.h"

@@ -22,7 +22,7 @@ AudioSource cornerOf(const AudioRule &rule, unsigned corner)
 {
     const auto high = [corner](unsigned dimension) { return (corner >> dimension & 1U) != 0; };
     return {
-        .codecId = rule.aCodecId == 0 ? kUnknownId : rule.aCodecId,
+        .codecId = rule.aCodecId == kAnyCodec ? kUnknownId : rule.aCodecId,
         .profileId = high(0) ? rule.aProfileId : 0,
         .level = endOf(0, rule.aLevel, high(1)),
         .channels = endOf(rule.minChannels, rule.maxChannels, high(2)),

@@ -68,13 +68,13 @@ std::vector<std::string> playExceptionTexts(int bits)
 
 std::vector<std::string> knownContainers()
 {
-    return namesOf(containerNames());
+    return namesOf(s_ContainerNames);
 }
 
 std::vector<std::string> knownSubtypes(int containerId)
 {
     std::vector<std::string> names;
-    for (const SubtypeName &row : subtypeNames())
+    for (const SubtypeName &row : s_SubtypeNames)
         if (row.containerId == containerId) names.emplace_back(row.name);
     return names;
 }

@@ -1,7 +1,7 @@
 #include "tools/profile/profile_document.h"
 
+#include "base/descriptor.h"
 #include "include/vornak_host.h"
-#include "platform/descriptor.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>

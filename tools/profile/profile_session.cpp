@@ -1,33 +1,17 @@
 #include "tools/profile/profile_session.h"
 
+#include "base/rule_tables.h"
 #include "tools/profile/profile_document.h"
 #include "tools/terminal/diverted_output.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
-#include <cstdlib>
 #include <fmt/format.h>
 #include <sstream>
 #include <unistd.h>
 
 namespace vornak::tool {
 namespace {
-
-constexpr int kEndOfTable = -1;
-
-void release(TRANSCODE_AUDIO_MAPPING_ST *table) noexcept
-{
-    for (auto *rule = table; rule && rule->aCodecId != kEndOfTable; ++rule) {
-        for (auto *entry = rule->pFormatTable; entry && entry->formatId != kEndOfTable; ++entry) {
-            std::free(entry->mime);
-            std::free(entry->pn);
-            std::free(entry->option);
-        }
-        std::free(rule->pFormatTable);
-        std::free(rule->option);
-    }
-    std::free(table);
-}
 
 /// The library's lines, each without the place in its source, "[NAME:LINE] ", at the beginning.
 std::vector<std::string> warningsIn(const std::string &text)
@@ -43,18 +27,6 @@ std::vector<std::string> warningsIn(const std::string &text)
 }
 
 } // namespace
-
-void ReleaseProfile::operator()(TRANSCODE_DEVICE_PROFILE_ST *profile) const noexcept
-{
-    for (auto *rule = profile->pVideoTable; rule && rule->vCodecId != kEndOfTable; ++rule) {
-        release(rule->pAudioTable);
-        std::free(rule->option);
-    }
-    std::free(profile->pVideoTable);
-    release(profile->pAudioTable);
-    std::free(profile->deviceName);
-    std::free(profile);
-}
 
 ProfileSession::ProfileSession(const std::string &path)
 {
@@ -80,7 +52,7 @@ void ProfileSession::findLines(const ProfileDocument &document)
     findAudioLines(document, document.device().child("MUSIC"), profile_->pAudioTable);
     const auto *rule = profile_->pVideoTable;
     for (const pugi::xml_node element : videoRules(document.device().child("VIDEO"))) {
-        if (!rule || rule->vCodecId == kEndOfTable) return;
+        if (!rule || idOf(*rule) == kEndOfTable) return;
         lines_[rule] = document.lineOf(element);
         findAudioLines(document, element, rule->pAudioTable);
         ++rule;
@@ -88,15 +60,15 @@ void ProfileSession::findLines(const ProfileDocument &document)
 }
 
 void ProfileSession::findAudioLines(const ProfileDocument &document, const pugi::xml_node &parent,
-                                    const TRANSCODE_AUDIO_MAPPING_ST *table)
+                                    const AudioRule *table)
 {
     const auto *rule = table;
     for (const pugi::xml_node element : audioRules(parent)) {
-        if (!rule || rule->aCodecId == kEndOfTable) return;
+        if (!rule || idOf(*rule) == kEndOfTable) return;
         lines_[rule] = document.lineOf(element);
         const auto *entry = rule->pFormatTable;
         for (const pugi::xml_node format : containerEntries(element)) {
-            if (!entry || entry->formatId == kEndOfTable) break;
+            if (!entry || idOf(*entry) == kEndOfTable) break;
             lines_[entry++] = document.lineOf(format);
         }
         ++rule;

@@ -1,9 +1,8 @@
 // A Device profile, loaded through the library, with the line of each of its rules.
 #pragma once
 
-#include "include/vornak.h"
+#include "profile/profile_release.h"
 
-#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -15,10 +14,6 @@ class xml_node;
 namespace vornak::tool {
 
 class ProfileDocument;
-
-struct ReleaseProfile {
-    void operator()(TRANSCODE_DEVICE_PROFILE_ST *profile) const noexcept;
-};
 
 class ProfileSession {
 public:
@@ -38,7 +33,7 @@ private:
     void findAudioLines(const ProfileDocument &document, const pugi::xml_node &parent,
                         const TRANSCODE_AUDIO_MAPPING_ST *table);
 
-    std::unique_ptr<TRANSCODE_DEVICE_PROFILE_ST, ReleaseProfile> profile_;
+    ProfileOwner profile_;
     std::unordered_map<const void *, int> lines_;
     std::vector<std::string> warnings_;
 };

@@ -1,7 +1,7 @@
 // Signals that wait while the tool has something to put in order.
 #pragma once
 
-#include "platform/descriptor.h"
+#include "base/descriptor.h"
 
 #include <csignal>
 #include <optional>

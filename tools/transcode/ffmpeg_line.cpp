@@ -1,5 +1,6 @@
 #include "tools/transcode/ffmpeg_line.h"
 
+#include "base/media_ids.h"
 #include "include/vornak.h"
 #include "tools/decide/decision.h"
 #include "tools/transcode/library_command.h"
@@ -174,7 +175,7 @@ void addLimit(const std::string &option, const std::string &value, Words &added,
 /// The option for a container that the profile gives none for.
 std::string_view defaultContainerOption(int formatId)
 {
-    const int container = formatId & 0xFFFF; // without the subtype
+    const int container = containerPart(formatId);
     for (const DEFAULT_FORMAT_PARAM_ST &row : s_DefaultFormatParams)
         if (row.option && row.formatId == container) return row.option;
     return {};

@@ -1,5 +1,6 @@
 #include "tools/transcode/library_command.h"
 
+#include "base/media_ids.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/diverted_output.h"
 #include "tools/terminal/output.h"
@@ -13,12 +14,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr int kAnyCodec = 0;
-
 /// The container for entries that name none: that of the decided output, without its subtype.
 int defaultContainer(const Decision &decision)
 {
-    return decision.outputFormatId & 0xFFFF;
+    return containerPart(decision.outputFormatId);
 }
 
 // A rule for any codec leaves a stream as it is, so no limit can be kept by it.

@@ -1,8 +1,8 @@
 // How a table of rules is read from the elements below one parent; the same for all records.
 #pragma once
 
+#include "base/rule_tables.h"
 #include "include/vornak_host.h"
-#include "profile/profile_release.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -49,7 +49,6 @@ constexpr auto into = [](auto &rule, const char *value) { rule.*field = convert(
 template <class Rule>
 struct RuleKind {
     const char *element;
-    int Rule::*id;
     /// Asks the registry for the id; false: it has none.
     bool (*identify)(Rule &rule, const XMLNode &element, const char *name);
     std::span<const Attribute<Rule>> attributes; // in the order in which they are read
@@ -58,12 +57,12 @@ struct RuleKind {
 };
 
 template <class Rule>
-Rule *allocateTable(int Rule::*id, int count)
+Rule *allocateTable(int count)
 {
     const std::size_t slots = static_cast<std::size_t>(count) + 1; // one for the end
     auto *table = static_cast<Rule *>(std::calloc(slots, sizeof(Rule)));
     if (!table) throw std::bad_alloc();
-    for (Rule &slot : std::span(table, slots)) slot.*id = kEndOfTable;
+    for (Rule &slot : std::span(table, slots)) idOf(slot) = kEndOfTable;
     return table;
 }
 
@@ -73,8 +72,8 @@ bool readRule(const XMLNode &element, const RuleKind<Rule> &kind, Rule &slot)
 {
     const char *name = readAttribute(element, "NAME", Taken::NonEmpty);
     if (!name) return false;
-    if (!kind.identify(slot, element, name) || slot.*kind.id == kEndOfTable) {
-        slot.*kind.id = kEndOfTable;
+    if (!kind.identify(slot, element, name) || idOf(slot) == kEndOfTable) {
+        idOf(slot) = kEndOfTable;
         return false;
     }
     for (const Attribute<Rule> &attribute : kind.attributes) {
@@ -84,7 +83,7 @@ bool readRule(const XMLNode &element, const RuleKind<Rule> &kind, Rule &slot)
     if (kind.readInner(slot, element)) return true;
     std::free(slot.option);
     slot = Rule{};
-    slot.*kind.id = kEndOfTable;
+    idOf(slot) = kEndOfTable;
     return false;
 }
 
@@ -98,7 +97,7 @@ bool readRules(const XMLNode &parent, const RuleKind<Rule> &kind, Rule *&table)
 {
     const int count = parent.nChildNode(kind.element);
     if (count < 1) return false;
-    table = allocateTable(kind.id, count);
+    table = allocateTable<Rule>(count);
     Rule *slot = table;
     for (int i = 0; i < count; ++i) {
         const XMLNode element = parent.getChildNode(kind.element, i);
