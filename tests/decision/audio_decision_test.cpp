@@ -5,58 +5,51 @@
 namespace vornak::test {
 namespace {
 
-using Rule = TRANSCODE_AUDIO_MAPPING_ST;
-
 TEST(AudioDecision, comparesEachLimit)
 {
+    using R = AudioRule;
+    using S = AudioInput;
     const struct {
-        int Rule::*limit;
+        int R::*limit;
         int bound;
-        int AudioInput::*property;
-        int value;
-        bool fits;
+        int S::*property;
+        std::vector<int> fits, refused;
     } cases[] = {
-        {&Rule::aProfileId, 5, &AudioInput::profileId, 4, true},
-        {&Rule::aProfileId, 5, &AudioInput::profileId, 5, true},
-        {&Rule::aProfileId, 5, &AudioInput::profileId, 6, false},
-        {&Rule::aProfileId, 5, &AudioInput::profileId, 0, true},
-        {&Rule::aProfileId, -8, &AudioInput::profileId, 2, true},
-        {&Rule::aLevel, 41, &AudioInput::level, 41, true},
-        {&Rule::aLevel, 41, &AudioInput::level, 42, false},
-        {&Rule::maxChannels, 2, &AudioInput::channels, 2, true},
-        {&Rule::maxChannels, 2, &AudioInput::channels, 3, false},
-        {&Rule::maxChannels, -1, &AudioInput::channels, 8, true},
-        {&Rule::maxChannels, 0, &AudioInput::channels, 8, true},
-        {&Rule::minChannels, 2, &AudioInput::channels, 2, true},
-        {&Rule::minChannels, 2, &AudioInput::channels, 1, false},
-        {&Rule::maxBitrate, 192000, &AudioInput::bitrate, 192000, true},
-        {&Rule::maxBitrate, 192000, &AudioInput::bitrate, 192001, false},
-        {&Rule::minBitrate, 64000, &AudioInput::bitrate, 64000, true},
-        {&Rule::minBitrate, 64000, &AudioInput::bitrate, 63999, false},
-        {&Rule::minBitrate, 1, &AudioInput::bitrate, -5, false},
-        {&Rule::maxSampleRate, 48000, &AudioInput::sampleRate, 48000, true},
-        {&Rule::maxSampleRate, 48000, &AudioInput::sampleRate, 48001, false},
-        {&Rule::minSampleRate, 44100, &AudioInput::sampleRate, 44100, true},
-        {&Rule::minSampleRate, 44100, &AudioInput::sampleRate, 44099, false},
+        {&R::aProfileId, 5, &S::profileId, {4, 5, 0}, {6}},
+        {&R::aProfileId, -8, &S::profileId, {2}, {}},
+        {&R::aLevel, 41, &S::level, {41}, {42}},
+        {&R::maxChannels, 2, &S::channels, {2}, {3}},
+        {&R::maxChannels, -1, &S::channels, {8}, {}},
+        {&R::maxChannels, 0, &S::channels, {8}, {}},
+        {&R::minChannels, 2, &S::channels, {2}, {1}},
+        {&R::maxBitrate, 192000, &S::bitrate, {192000}, {192001}},
+        {&R::minBitrate, 64000, &S::bitrate, {64000}, {63999}},
+        {&R::minBitrate, 1, &S::bitrate, {}, {-5}},
+        {&R::maxSampleRate, 48000, &S::sampleRate, {48000}, {48001}},
+        {&R::minSampleRate, 44100, &S::sampleRate, {44100}, {44099}},
     };
     for (const auto &c : cases) {
-        TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp4), entry(-1)};
-        Rule table[] = {audioRule(kMp3, formats), audioRule(kAac, formats), audioRule(-1, nullptr)};
+        Format formats[] = {entry(kMp4), entry(-1)};
+        R table[] = {audioRule(kMp3, formats), audioRule(kAac, formats), audioRule(-1, nullptr)};
         table[1].*c.limit = c.bound;
-        AudioInput source;
-        source.*c.property = c.value;
-        EXPECT_EQ(decideMusic(table, source).audio, c.fits ? 1 : 256)
-            << c.value << " against " << c.bound;
+        const auto chosen = [&](int value) {
+            S source;
+            source.*c.property = value;
+            return decideMusic(table, source).audio;
+        };
+        for (const int value : c.fits) EXPECT_EQ(chosen(value), 1) << value << " of " << c.bound;
+        for (const int value : c.refused)
+            EXPECT_EQ(chosen(value), 256) << value << " of " << c.bound;
     }
 }
 
 TEST(AudioDecision, takesTheFirstRuleThatFits)
 {
-    TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp4), entry(-1)};
-    Rule wildcard = audioRule(0, formats);
+    Format formats[] = {entry(kMp4), entry(-1)};
+    AudioRule wildcard = audioRule(0, formats);
     wildcard.maxChannels = 1; // a wildcard's limits are not looked at
-    Rule table[] = {audioRule(kMp3, formats), wildcard, audioRule(kAac, formats),
-                    audioRule(kAac, formats), audioRule(-1, nullptr)};
+    AudioRule table[] = {audioRule(kMp3, formats), wildcard, audioRule(kAac, formats),
+                         audioRule(kAac, formats), audioRule(-1, nullptr)};
     EXPECT_EQ(decideMusic(table).audio, 1);
     EXPECT_EQ(decideMusic(table + 2).audio, 0);
 }
@@ -64,19 +57,18 @@ TEST(AudioDecision, takesTheFirstRuleThatFits)
 TEST(AudioDecision, deliversTheWholeOutcome)
 {
     char mp3Mime[] = "audio/mpeg", mp3Name[] = "MP3", mp4Mime[] = "audio/mp4";
-    TANASCODE_FORMAT_MAPPING_ST mp3[] = {entry(kMp3File), entry(-1)};
+    Format mp3[] = {entry(kMp3File), entry(-1)}, aac[] = {entry(kMp4), entry(kAdts), entry(-1)};
     mp3[0].mime = mp3Mime;
     mp3[0].pn = mp3Name;
-    TANASCODE_FORMAT_MAPPING_ST aac[] = {entry(kMp4), entry(kAdts), entry(-1)};
     aac[0].mime = mp4Mime;
-    Rule table[] = {audioRule(kMp3, mp3), audioRule(kAac, aac), audioRule(-1, nullptr)};
-    table[0].maxChannels = table[1].maxChannels = 2;
+    AudioRule table[] = {audioRule(kMp3, mp3), audioRule(kAac, aac), audioRule(-1, nullptr)};
+    table[0].maxChannels = 2;
+    table[1] = takingOnly(AudioInput{}, aac);
 
-    AudioInput mp4;
+    AudioInput mp4, matroska;
     mp4.formatId = 10 << 16 | kMp4;
     AudioInput surround = mp4;
     surround.channels = 6;
-    AudioInput matroska;
     matroska.formatId = kMatroska;
 
     const Outcome kept{1, kUntouched, 1, 0, kMp4, 0, mp4Mime, nullptr};
@@ -92,8 +84,7 @@ TEST(AudioDecision, deliversTheWholeOutcome)
 
     // The stream fits, its container doesn't and must not be made: rule 0 takes over.
     aac[0].noTranscode = 1;
-    const Outcome fallen{0, kUntouched, 256, 0, kMp3File, 0, mp3Mime, mp3Name};
-    EXPECT_EQ(decideMusic(table, matroska), fallen);
+    EXPECT_EQ(decideMusic(table, matroska), transcoded);
     // Forbidden by rule 0 as well, once it can't be sought in and is replaced by itself.
     mp3[0].noTranscode = mp3[0].nonSeekable = 1;
     const Outcome forbidden{3, kUntouched, 256, 256, kMp3File, 0, mp3Mime, mp3Name};
@@ -103,9 +94,45 @@ TEST(AudioDecision, deliversTheWholeOutcome)
 
     Outcome plain;
     plain.result =
-        getMusicTranscodeIndex(table, kAac, 1, 2, 2, 128000, 48000, mp4.formatId, &plain.audio,
+        getMusicTranscodeIndex(table, kAac, 1, 4, 2, 128000, 48000, mp4.formatId, &plain.audio,
                                &plain.format, &plain.mime, &plain.pn, &plain.dst);
     EXPECT_EQ(plain, (Outcome{1, kUntouched, 1, 0, kMp4, kUntouched, mp4Mime, nullptr}));
+}
+
+// The step of a video's decision, called by itself: a rule may fit and its sound be transcoded
+// with the video all the same, and a result of 0 is left as it is.
+TEST(AudioDecision, isAStepOfTheVideos)
+{
+    char mime[] = "audio/mp4", pn[] = "AAC";
+    Format formats[] = {entry(kTransportStream), entry(kWavFile), entry(kMp4), entry(-1)};
+    formats[2].mime = mime;
+    formats[2].pn = pn;
+    AudioRule table[] = {audioRule(kMp3, formats), takingOnly(AudioInput{kPcm16}, formats),
+                         audioRule(-1, nullptr)};
+    const struct {
+        int channels, transcoding, prefer, force;
+        Outcome outcome;
+    } cases[] = {
+        {2, 0, 0, 0, {0, kUntouched, 1, 2, kMp4, 0, mime, pn}},
+        {2, 1, 0, 0, {0, kUntouched, 1, 0, kTransportStream, 0}},
+        {2, 2, 0, 0, {0, kUntouched, 1, 2, kMp4, 0, mime, pn}}, // only 1 transcodes
+        {2, 1, kWavFile, 0, {0, kUntouched, 1, 1, kWavFile, 1}},
+        {3, 0, 0, 0, {0, kUntouched, 256, 0, kTransportStream, 0}},
+        {2, 0, 0, 1, {0, kUntouched, 256, 256, kTransportStream, 0}},
+    };
+    const auto find = [&](const auto &c, int *audio, int *format, Outcome &o) {
+        return FindMusicTranscode(table, kPcm16, 1, 4, c.channels, 128000, 48000, kMp4, audio,
+                                  format, &o.mime, &o.pn, &o.dst, c.transcoding, c.prefer,
+                                  &o.wavPcm, c.force);
+    };
+    for (const auto &c : cases) {
+        Outcome o, untouched;
+        o.result = find(c, &o.audio, &o.format, o);
+        EXPECT_EQ(o, c.outcome) << c.channels << ' ' << c.transcoding << ' ' << c.prefer;
+        EXPECT_EQ(find(c, nullptr, &untouched.format, untouched), 1);
+        EXPECT_EQ(find(c, &untouched.audio, nullptr, untouched), 1);
+        EXPECT_EQ(untouched, Outcome());
+    }
 }
 
 TEST(AudioDecision, knowsPcmInWav)
@@ -119,13 +146,13 @@ TEST(AudioDecision, knowsPcmInWav)
         {0x10000, 0, 0},        {0x10000, 1 << 16 | 2, 0},
     };
     for (const auto &c : cases) {
-        TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(c.formatId), entry(-1)};
-        Rule table[] = {audioRule(c.codecId, formats), audioRule(-1, nullptr)};
+        Format formats[] = {entry(c.formatId), entry(-1)};
+        AudioRule table[] = {audioRule(c.codecId, formats), audioRule(-1, nullptr)};
         EXPECT_EQ(decideMusic(table, {}, 0, 1).wavPcm, c.isWavPcm) << c.codecId;
     }
     // An entry without an id keeps the source's container.
-    TANASCODE_FORMAT_MAPPING_ST any[] = {entry(0), entry(-1)};
-    Rule table[] = {audioRule(kPcm16, any), audioRule(-1, nullptr)};
+    Format any[] = {entry(0), entry(-1)};
+    AudioRule table[] = {audioRule(kPcm16, any), audioRule(-1, nullptr)};
     AudioInput wav;
     wav.codecId = kPcm16;
     wav.formatId = kWavFile;
@@ -134,10 +161,9 @@ TEST(AudioDecision, knowsPcmInWav)
 
 TEST(AudioDecision, reportsMissingTables)
 {
-    const Outcome untouched{1};
-    EXPECT_EQ(decideMusic(nullptr), untouched);
+    EXPECT_EQ(decideMusic(nullptr), Outcome{1});
 
-    Rule noFormats[] = {audioRule(kAac, nullptr), audioRule(-1, nullptr)};
+    AudioRule noFormats[] = {audioRule(kAac, nullptr), audioRule(-1, nullptr)};
     Outcome expected{1};
     expected.audio = 0;
     expected.wavPcm = 0;
@@ -145,40 +171,31 @@ TEST(AudioDecision, reportsMissingTables)
     expected.audio = 256;
     EXPECT_EQ(decideMusic(noFormats + 1), expected);
 
-    TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp4), entry(-1)};
-    Rule table[] = {audioRule(kAac, formats), audioRule(-1, nullptr)};
+    Format formats[] = {entry(kMp3File), entry(-1)};
+    AudioRule table[] = {audioRule(kMp3, formats), audioRule(kAac, formats),
+                         audioRule(-1, nullptr)};
     int index = kUntouched;
-    EXPECT_EQ(getMusicTranscodeIndex(table, kAac, 0, 0, 2, 1, 1, kMp4, nullptr, &index, nullptr,
-                                     nullptr, nullptr),
-              1);
-    EXPECT_EQ(getMusicTranscodeIndex(table, kAac, 0, 0, 2, 1, 1, kMp4, &index, nullptr, nullptr,
-                                     nullptr, nullptr),
-              1);
+    const auto decide = [&](int *audio, int *format) {
+        return getMusicTranscodeIndex(table, kAac, 0, 0, 2, 1, 1, kMp4, audio, format, nullptr,
+                                      nullptr, nullptr);
+    };
+    EXPECT_EQ(decide(nullptr, &index), 1);
+    EXPECT_EQ(decide(&index, nullptr), 1);
     EXPECT_EQ(index, kUntouched);
-}
-
-TEST(AudioDecision, takesOneVariableForBothIndexes)
-{
-    TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp3File), entry(-1)};
-    Rule table[] = {audioRule(kMp3, formats), audioRule(kAac, formats), audioRule(-1, nullptr)};
-    int index = kUntouched;
-    EXPECT_EQ(getMusicTranscodeIndex(table, kAac, 0, 0, 2, 1, 1, kMp4, &index, &index, nullptr,
-                                     nullptr, nullptr),
-              0); // its rule fits, no container does
+    EXPECT_EQ(decide(&index, &index), 0); // one variable for both: the rule fits, no container does
     EXPECT_EQ(index, 256);
 }
 
 TEST(AudioDecision, neverChoosesARulePast255)
 {
-    TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kMp4), entry(-1)};
-    std::vector<Rule> table(300, audioRule(kMp3, formats));
+    Format formats[] = {entry(kMp4), entry(-1)};
+    std::vector<AudioRule> table(300, audioRule(kMp3, formats));
     table.push_back(audioRule(-1, nullptr));
-    table[256].aCodecId = kAac;
-    EXPECT_EQ(decideMusic(table.data()).audio, 256);
-    EXPECT_EQ(decideMusic(table.data()).result, 0); // transcoded by rule 0, not kept by rule 256
-    table[255].aCodecId = kAac;
-    EXPECT_EQ(decideMusic(table.data()).audio, 255);
-    EXPECT_EQ(decideMusic(table.data()).result, 1);
+    for (const int position : {256, 255}) {
+        table[static_cast<std::size_t>(position)].aCodecId = kAac;
+        EXPECT_EQ(decideMusic(table.data()).audio, position);
+        EXPECT_EQ(decideMusic(table.data()).result, position < 256); // 256: transcoded by rule 0
+    }
 }
 
 } // namespace

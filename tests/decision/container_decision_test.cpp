@@ -20,7 +20,7 @@ TEST(ContainerDecision, chooses)
     const int mp4 = kMp4, ts = kTransportStream;
     const struct {
         const char *what;
-        std::vector<TANASCODE_FORMAT_MAPPING_ST> table;
+        std::vector<Format> table;
         Call call;
         int result, index, output;
     } cases[] = {
@@ -81,7 +81,7 @@ TEST(ContainerDecision, chooses)
 
 TEST(ContainerDecision, refusesNullAndSkipsOptionalOutputs)
 {
-    TANASCODE_FORMAT_MAPPING_ST table[] = {entry(kMp4), entry(-1)};
+    Format table[] = {entry(kMp4), entry(-1)};
     int index = kUntouched, output = kUntouched;
     EXPECT_EQ(FindFormatTranscode(nullptr, 8, &index, nullptr, nullptr, &output, 0, 0, 0), 1);
     EXPECT_EQ(FindFormatTranscode(table, 8, nullptr, nullptr, nullptr, &output, 0, 0, 0), 1);
@@ -93,7 +93,7 @@ TEST(ContainerDecision, refusesNullAndSkipsOptionalOutputs)
 
 TEST(ContainerDecision, neverChoosesAnEntryPast255)
 {
-    std::vector<TANASCODE_FORMAT_MAPPING_ST> table(300, entry(kTransportStream));
+    std::vector<Format> table(300, entry(kTransportStream));
     table.push_back(entry(-1));
     const auto chosen = [&](int prefer) {
         int index = kUntouched;

@@ -37,18 +37,16 @@ std::string ruleLine(int index, const std::string &field, int value)
 }
 
 struct Traced {
-    TANASCODE_FORMAT_MAPPING_ST formats[2] = {entry(kMp4), entry(-1)};
-    TRANSCODE_AUDIO_MAPPING_ST audio[5] = {audioRule(kMp3, formats), audioRule(kAac, formats),
-                                           audioRule(kAac, formats), audioRule(0, formats),
-                                           audioRule(-1, nullptr)};
-    TRANSCODE_VIDEO_MAPPING_ST video[3] = {videoRule(kH264, audio), videoRule(kH264, audio),
-                                           videoRule(-1, nullptr)};
+    Format formats[2] = {entry(kMp4), entry(-1)};
+    AudioRule audio[5] = {audioRule(kMp3, formats), audioRule(kAac, formats),
+                          audioRule(kAac, formats), audioRule(0, formats), audioRule(-1, nullptr)};
+    VideoRule video[3] = {videoRule(kH264, audio), videoRule(kH264, audio), videoRule(-1, nullptr)};
 };
 
 std::string audioTrace()
 {
     std::string text = std::string(kAudio) +
-                       "srcACodecId = 86018, srcAProfileId = 1, srcALevel = 2, srcAChannels = 6\n"
+                       "srcACodecId = 86018, srcAProfileId = 1, srcALevel = 4, srcAChannels = 6\n"
                        "srcABitrate = 128000, srcASampleRate = 48000, srcFormatId = 8\n" +
                        ruleLine(0, "aCodecId", kMp3) + ruleLine(1, "aCodecId", kAac) +
                        ruleLine(1, "aProfileId", 0) + ruleLine(1, "aLevel", -3) +
@@ -77,7 +75,7 @@ TEST(DebugLines, traceTheAudioWalk)
     // Written as found, ahead of what is forced; a wildcard ends the walk with its first line.
     EXPECT_EQ(trace(1, [&] { decideMusic(t.audio + 3, source, 0, 1); }),
               std::string(kAudio) +
-                  "srcACodecId = 86018, srcAProfileId = 1, srcALevel = 2, srcAChannels = 6\n"
+                  "srcACodecId = 86018, srcAProfileId = 1, srcALevel = 4, srcAChannels = 6\n"
                   "srcABitrate = 128000, srcASampleRate = 48000, srcFormatId = 8\n" +
                   ruleLine(0, "aCodecId", 0) + kAudio + "pAudioIndex = 0\n" +
                   bold(std::string(kFormat) + "*pFormatIndex=0"));
@@ -93,7 +91,7 @@ TEST(DebugLines, traceTheVideoWalk)
     t.video[1].noTranscode = 1;
     const auto decide = [&](int assignTrack) {
         int video = 0, audio = 0, format = 0;
-        getVideoTranscodeIndex(t.video, kH264, 0, 0, 1, 1, 1, kAac, 1, 2, 6, 128000, 48000, kMp4,
+        getVideoTranscodeIndex(t.video, kH264, 0, 0, 1, 1, 1, kAac, 1, 4, 6, 128000, 48000, kMp4,
                                &video, &audio, &format, nullptr, nullptr, nullptr, 1, 0,
                                assignTrack, 2);
     };

@@ -6,101 +6,70 @@
 namespace vornak::test {
 namespace {
 
-using Rule = TRANSCODE_VIDEO_MAPPING_ST;
-
-struct VideoInput {
-    int codecId = kH264, profileId = 2, level = 41, width = 1920, height = 1080, bitrate = 8000000,
-        flag = 0;
-    AudioInput audio = {};
-    int prefer = 0, match = 1, force = 0, assign = 0;
-};
-
-Outcome decideVideo(Rule *table, const VideoInput &in = {})
-{
-    Outcome o;
-    o.result = getVideoTranscodeIndex2(
-        table, in.codecId, in.profileId, in.level, in.width, in.height, in.bitrate,
-        in.audio.codecId, in.audio.profileId, in.audio.level, in.audio.channels, in.audio.bitrate,
-        in.audio.sampleRate, in.audio.formatId, &o.video, &o.audio, &o.format, &o.mime, &o.pn,
-        &o.dst, in.prefer, in.match, in.force, in.assign, in.flag);
-    return o;
-}
+using Rule = VideoRule;
 
 /// A table whose second rule is for H.264 and whose audio takes everything in MP4.
 struct Tables {
-    TANASCODE_FORMAT_MAPPING_ST formats[2] = {entry(kMp4), entry(-1)};
-    TRANSCODE_AUDIO_MAPPING_ST audio[2] = {audioRule(0, formats), audioRule(-1, nullptr)};
+    Format formats[4] = {entry(kTransportStream), entry(kMp4), entry(kMp3File), entry(-1)};
+    AudioRule audio[2] = {audioRule(0, formats), audioRule(-1, nullptr)};
     Rule video[3] = {videoRule(2, audio), videoRule(kH264, audio), videoRule(-1, nullptr)};
 };
 
 TEST(VideoDecision, comparesEachLimit)
 {
+    using V = VideoInput;
     const struct {
         const char *what;
-        void (*limit)(Rule &);
-        void (*source)(VideoInput &);
         bool fits;
+        void (*change)(Rule &, V &);
     } cases[] = {
-        {"profile within", [](Rule &r) { r.vProfileId = 6; }, [](VideoInput &) {}, true},
-        {"profile outside", [](Rule &r) { r.vProfileId = 5; }, [](VideoInput &) {}, false},
-        {"profile unknown", [](Rule &r) { r.vProfileId = 5; },
-         [](VideoInput &v) { v.profileId = 0; }, true},
-        {"level at", [](Rule &r) { r.vLevel = 41; }, [](VideoInput &) {}, true},
-        {"level above", [](Rule &r) { r.vLevel = 40; }, [](VideoInput &) {}, false},
-        {"size at the maximum", [](Rule &r) { r.maxWidth = 1920, r.maxHeight = 1080; },
-         [](VideoInput &) {}, true},
-        {"too wide", [](Rule &r) { r.maxWidth = 1919, r.maxHeight = 1080; }, [](VideoInput &) {},
-         false},
-        {"too high", [](Rule &r) { r.maxWidth = 1920, r.maxHeight = 1080; },
-         [](VideoInput &v) { v.height = 1088; }, false},
-        {"half a pair", [](Rule &r) { r.maxWidth = 640; }, [](VideoInput &) {}, true},
-        {"the other half", [](Rule &r) { r.maxHeight = 480, r.maxWidth = -1; }, [](VideoInput &) {},
-         true},
-        {"close enough", [](Rule &r) { r.maxWidth = 1920, r.maxHeight = 1080, r.tolerance = 8; },
-         [](VideoInput &v) { v.height = 1088, v.width = 1912; }, true},
-        {"not close enough",
-         [](Rule &r) { r.maxWidth = 1920, r.maxHeight = 1080, r.tolerance = 8; },
-         [](VideoInput &v) { v.height = 1089; }, false},
-        {"smaller is not close",
-         [](Rule &r) { r.maxWidth = 1920, r.maxHeight = 1080, r.tolerance = 8; },
-         [](VideoInput &v) { v.width = 1280, v.height = 720; }, false},
-        {"distances don't wrap",
-         [](Rule &r) { r.maxWidth = r.maxHeight = INT_MAX, r.tolerance = 8; },
-         [](VideoInput &v) { v.width = v.height = INT_MIN; }, false},
-        {"a negative tolerance is none",
-         [](Rule &r) { r.maxWidth = 1920, r.maxHeight = 1080, r.tolerance = -8; },
-         [](VideoInput &v) { v.width = 1280, v.height = 720; }, true},
-        {"size at the minimum", [](Rule &r) { r.minWidth = 1920, r.minHeight = 1080; },
-         [](VideoInput &) {}, true},
-        {"too narrow", [](Rule &r) { r.minWidth = 1921, r.minHeight = 1; }, [](VideoInput &) {},
-         false},
-        {"too low", [](Rule &r) { r.minWidth = 1, r.minHeight = 1081; }, [](VideoInput &) {},
-         false},
-        {"half a minimum", [](Rule &r) { r.minHeight = 1081; }, [](VideoInput &) {}, true},
-        {"larger is not close",
-         [](Rule &r) { r.minWidth = 1280, r.minHeight = 720, r.tolerance = 8; },
-         [](VideoInput &) {}, false},
-        {"bit rate at", [](Rule &r) { r.maxBitrate = r.minBitrate = 8000000; }, [](VideoInput &) {},
-         true},
-        {"bit rate above", [](Rule &r) { r.maxBitrate = 7999999; }, [](VideoInput &) {}, false},
-        {"bit rate below", [](Rule &r) { r.minBitrate = 8000001; }, [](VideoInput &) {}, false},
-        {"another codec", [](Rule &r) { r.vCodecId = 13; }, [](VideoInput &) {}, false},
-        {"any codec, limits unread", [](Rule &r) { r.vCodecId = 0, r.vLevel = 10; },
-         [](VideoInput &) {}, true},
-        {"an exception", [](Rule &r) { r.playException = 6; }, [](VideoInput &v) { v.flag = 4; },
-         false},
-        {"exceptions partly covered", [](Rule &r) { r.playException = 4; },
-         [](VideoInput &v) { v.flag = 6; }, true},
-        {"exceptions not covered", [](Rule &) {}, [](VideoInput &v) { v.flag = 4; }, true},
-        {"no exception", [](Rule &r) { r.playException = 4; }, [](VideoInput &) {}, true},
-        {"any codec, exceptions unread", [](Rule &r) { r.vCodecId = 0, r.playException = 4; },
-         [](VideoInput &v) { v.flag = 4; }, true},
+        {"profile within", true, [](Rule &r, V &) { r.vProfileId = 6; }},
+        {"profile outside", false, [](Rule &r, V &) { r.vProfileId = 5; }},
+        {"profile unknown", true, [](Rule &r, V &v) { r.vProfileId = 5, v.profileId = 0; }},
+        {"level at", true, [](Rule &r, V &) { r.vLevel = 41; }},
+        {"level above", false, [](Rule &r, V &) { r.vLevel = 40; }},
+        {"maximum", true, [](Rule &r, V &) { r.maxWidth = 1920, r.maxHeight = 1080; }},
+        {"below it", true, [](Rule &r, V &) { r.maxWidth = 1921, r.maxHeight = 1081; }},
+        {"too wide", false, [](Rule &r, V &) { r.maxWidth = 1919, r.maxHeight = 1080; }},
+        {"too high", false, [](Rule &r, V &) { r.maxWidth = 1920, r.maxHeight = 1079; }},
+        {"half a pair", true, [](Rule &r, V &) { r.maxWidth = 640; }},
+        {"the other half", true, [](Rule &r, V &) { r.maxHeight = 480, r.maxWidth = -1; }},
+        {"close enough", true,
+         [](Rule &r, V &) { r.maxWidth = 1928, r.maxHeight = 1072, r.tolerance = 8; }},
+        {"not close enough", false,
+         [](Rule &r, V &) { r.maxWidth = 1920, r.maxHeight = 1071, r.tolerance = 8; }},
+        {"narrower is not close", false,
+         [](Rule &r, V &) { r.maxWidth = 1929, r.maxHeight = 1080, r.tolerance = 8; }},
+        {"lower is not close", false,
+         [](Rule &r, V &) { r.maxWidth = 1920, r.maxHeight = 1082, r.tolerance = 1; }},
+        {"distances don't wrap", false,
+         [](Rule &r, V &v) {
+             r.maxWidth = r.maxHeight = INT_MAX, r.tolerance = 8, v.width = v.height = INT_MIN;
+         }},
+        {"a negative tolerance is none", true,
+         [](Rule &r, V &) { r.maxWidth = 1929, r.maxHeight = 1089, r.tolerance = -8; }},
+        {"minimum", true, [](Rule &r, V &) { r.minWidth = 1920, r.minHeight = 1080; }},
+        {"too narrow", false, [](Rule &r, V &) { r.minWidth = 1921, r.minHeight = 1; }},
+        {"too low", false, [](Rule &r, V &) { r.minWidth = 1, r.minHeight = 1081; }},
+        {"half a minimum", true, [](Rule &r, V &) { r.minHeight = 1081; }},
+        {"larger is not close", false,
+         [](Rule &r, V &) { r.minWidth = 1280, r.minHeight = 720, r.tolerance = 8; }},
+        {"bit rate at", true, [](Rule &r, V &) { r.maxBitrate = r.minBitrate = 8000000; }},
+        {"bit rate above", false, [](Rule &r, V &) { r.maxBitrate = 7999999; }},
+        {"bit rate below", false, [](Rule &r, V &) { r.minBitrate = 8000001; }},
+        {"another codec", false, [](Rule &r, V &) { r.vCodecId = 13; }},
+        {"any codec, limits unread", true, [](Rule &r, V &) { r.vCodecId = 0, r.vLevel = 10; }},
+        {"an exception", false, [](Rule &r, V &v) { r.playException = 6, v.flag = 4; }},
+        {"partly covered", true, [](Rule &r, V &v) { r.playException = 4, v.flag = 6; }},
+        {"not covered", true, [](Rule &, V &v) { v.flag = 4; }},
+        {"no exception", true, [](Rule &r, V &) { r.playException = 4; }},
+        {"any codec, exceptions unread", true,
+         [](Rule &r, V &v) { r.vCodecId = 0, r.playException = 4, v.flag = 4; }},
     };
     for (const auto &c : cases) {
         Tables tables;
-        c.limit(tables.video[1]);
-        VideoInput source;
-        c.source(source);
+        V source;
+        c.change(tables.video[1], source);
         EXPECT_EQ(decideVideo(tables.video, source).video, c.fits ? 1 : 256) << c.what;
     }
 }
@@ -108,31 +77,23 @@ TEST(VideoDecision, comparesEachLimit)
 TEST(VideoDecision, keepsAndTranscodes)
 {
     char mime[] = "video/mpeg", pn[] = "AVC_TS";
-    TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(kTransportStream), entry(kMp4), entry(-1)};
+    Format formats[] = {entry(kTransportStream), entry(kMp4), entry(-1)};
     formats[0].mime = mime;
     formats[0].pn = pn;
-    TRANSCODE_AUDIO_MAPPING_ST audio[] = {audioRule(kAac, formats), audioRule(-1, nullptr)};
-    audio[0].maxChannels = 2;
-    Rule table[] = {videoRule(kH264, audio), videoRule(-1, nullptr)};
-    table[0].maxWidth = 1920;
-    table[0].maxHeight = 1080;
+    AudioRule audio[] = {takingOnly(AudioInput{}, formats), audioRule(-1, nullptr)};
+    Rule table[] = {takingOnly(VideoInput{}, audio), videoRule(-1, nullptr)};
 
-    const VideoInput kept;
-    VideoInput surround;
+    VideoInput kept, surround, large, forced, preferred;
     surround.audio.codecId = kAc3;
     surround.audio.channels = 6;
     surround.audio.formatId = kMatroska;
     VideoInput assigned = surround;
     assigned.assign = 1;
-    VideoInput large;
     large.width = 3840;
-    VideoInput unmatched = large;
+    VideoInput unmatched = large, oddMatch = large;
     unmatched.match = 0;
-    VideoInput oddMatch = large;
     oddMatch.match = 2;
-    VideoInput forced;
     forced.force = 1;
-    VideoInput preferred;
     preferred.prefer = kTransportStream;
 
     const struct {
@@ -176,20 +137,25 @@ TEST(VideoDecision, foldsMpegStreams)
         int source, output;
     } cases[] = {{16, 16}, {17, 10}, {18, 11}, {19, 10}, {20, 11}, {21, 21}, {1 << 16 | 19, 19}};
     for (const auto &c : cases) {
-        TANASCODE_FORMAT_MAPPING_ST formats[] = {entry(c.output), entry(0), entry(-1)};
-        TRANSCODE_AUDIO_MAPPING_ST audio[] = {audioRule(0, formats), audioRule(-1, nullptr)};
+        Format formats[] = {entry(c.output), entry(0), entry(-1)};
+        AudioRule audio[] = {audioRule(0, formats), audioRule(-1, nullptr)};
         Rule table[] = {videoRule(0, audio), videoRule(-1, nullptr)};
         VideoInput source;
         source.audio.formatId = c.source;
         EXPECT_EQ(decideVideo(table, source).format, 0) << c.source;
+        char mime[] = "mime", pn[] = "pn";
+        formats[0].mime = mime;
+        formats[0].pn = pn;
         formats[0].formatId = 0; // keeps the source's container, folded
         EXPECT_EQ(decideVideo(table, source).dst, c.source >> 16 ? c.source : c.output);
 
-        // The step itself takes the id as it is.
-        Outcome o;
-        FindVideoTranscode(table, kH264, 0, 0, 1, 1, 1, kAac, 0, 0, 2, 1, 1, c.source, &o.video,
-                           &o.audio, &o.format, nullptr, nullptr, &o.dst, 0, 1, 0, 0, 0);
-        EXPECT_EQ(o.dst, c.source);
+        table[0] = takingOnly(VideoInput{}, audio);
+        audio[0] = takingOnly(AudioInput{}, formats);
+        Outcome o; // The step itself takes the id as it is.
+        o.result = FindVideoTranscode(table, kH264, 2, 41, 1920, 1080, 8000000, kAac, 1, 4, 2,
+                                      128000, 48000, c.source, &o.video, &o.audio, &o.format,
+                                      &o.mime, &o.pn, &o.dst, 0, 1, 0, 0, 0);
+        EXPECT_EQ(o, (Outcome{0, 0, 0, 0, c.source, kUntouched, mime, pn}));
     }
 }
 
@@ -208,20 +174,22 @@ TEST(VideoDecision, reportsMissingTables)
     EXPECT_EQ(decideVideo(noAudio + 1, unmatched), expected);
 
     Tables tables;
-    int kept = kUntouched;
-    for (int missing = 0; missing < 3; ++missing)
-        EXPECT_EQ(getVideoTranscodeIndex(
-                      tables.video, kH264, 0, 0, 1, 1, 1, kAac, 0, 0, 2, 1, 1, kMp4,
-                      missing == 0 ? nullptr : &kept, missing == 1 ? nullptr : &kept,
-                      missing == 2 ? nullptr : &kept, nullptr, nullptr, nullptr, 1, 0, 0, 0),
-                  1);
-    EXPECT_EQ(kept, kUntouched);
-    int video = 0, audio = 0, format = 0;
-    EXPECT_EQ(getVideoTranscodeIndex(tables.video, 13, 0, 0, 1, 1, 1, kAac, 0, 0, 2, 1, 1, kMp4,
-                                     &video, &audio, &format, nullptr, nullptr, nullptr, 1, 0, 0,
-                                     0),
-              0);
-    EXPECT_EQ(video, 256);
+    tables.video[1] = takingOnly(VideoInput{}, tables.audio);
+    tables.audio[0] = takingOnly(AudioInput{}, tables.formats);
+    int video = kUntouched, audio = kUntouched, format = kUntouched;
+    const auto decide = [&](int *videoOut, int *audioOut, int *formatOut) {
+        return getVideoTranscodeIndex(tables.video, kH264, 2, 41, 1920, 1080, 8000000, kAac, 1, 4,
+                                      2, 128000, 48000, kMp4, videoOut, audioOut, formatOut,
+                                      nullptr, nullptr, nullptr, 1, 0, 0, 0);
+    };
+    EXPECT_EQ(decide(nullptr, &audio, &format), 1);
+    EXPECT_EQ(decide(&video, nullptr, &format), 1);
+    EXPECT_EQ(decide(&video, &audio, nullptr), 1);
+    for (const int index : {video, audio, format}) EXPECT_EQ(index, kUntouched);
+    EXPECT_EQ(decide(&video, &audio, &format), 1);
+    EXPECT_EQ(video, 1);
+    EXPECT_EQ(audio, 0);
+    EXPECT_EQ(format, 1);
 }
 
 TEST(VideoDecision, neverChoosesARulePast255)
@@ -229,12 +197,11 @@ TEST(VideoDecision, neverChoosesARulePast255)
     Tables tables;
     std::vector<Rule> table(300, videoRule(2, tables.audio));
     table.push_back(videoRule(-1, nullptr));
-    table[256].vCodecId = kH264;
-    EXPECT_EQ(decideVideo(table.data()).video, 256);
-    EXPECT_EQ(decideVideo(table.data()).result, 0);
-    table[255].vCodecId = kH264;
-    EXPECT_EQ(decideVideo(table.data()).video, 255);
-    EXPECT_EQ(decideVideo(table.data()).result, 1);
+    for (const int position : {256, 255}) {
+        table[static_cast<std::size_t>(position)].vCodecId = kH264;
+        EXPECT_EQ(decideVideo(table.data()).video, position);
+        EXPECT_EQ(decideVideo(table.data()).result, position < 256);
+    }
 }
 
 } // namespace
