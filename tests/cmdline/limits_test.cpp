@@ -4,11 +4,12 @@
 
 #include "tests/support/capture.h"
 
+#include <climits>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
-#include <random>
+#include <vector>
 
 namespace vornak::test {
 namespace {
@@ -31,125 +32,66 @@ void expectSlot(Set &expected, int slot, const std::string &text)
     std::memcpy(expected.value[slot], text.data(), text.size());
 }
 
-class Random {
-public:
-    int from(int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine_); }
-    int nearZero() { return from(0, 9) == 0 ? extreme() : from(-1, 6); }
+/// Of a source outside, each limit by its slot.
+using Recorded = std::vector<std::pair<int, const char *>>;
 
-private:
-    int extreme()
-    {
-        const int values[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX - 1, INT32_MAX};
-        return values[from(0, 3)];
-    }
-    std::mt19937 engine_{77};
-};
-
-TEST(Limits, OfAudioAgreeWithAPlainStatement)
+/// What a call leaves in a set that holds something: the marks and texts of those, no byte else.
+template <class Rule, class Generate>
+void expectRecorded(Generate generate, const Rule *rules, const int (&source)[6],
+                    const Recorded &recorded, const std::string &lines)
 {
-    Random random;
-    for (int round = 0; round < 3000; ++round) {
-        TRANSCODE_AUDIO_MAPPING_ST rules[2] = {};
-        TRANSCODE_AUDIO_MAPPING_ST &rule = rules[1];
-        rules[0].count = 2;
-        rule.aCodecId = random.nearZero();
-        rule.aProfileId = random.nearZero();
-        rule.aLevel = random.nearZero();
-        for (int *limit : {&rule.maxChannels, &rule.minChannels, &rule.maxBitrate, &rule.minBitrate,
-                           &rule.maxSampleRate, &rule.minSampleRate})
-            *limit = random.nearZero();
-        int source[6];
-        for (int &value : source) value = random.nearZero();
-
-        const auto expected = filledSet();
-        std::string lines = "index i = 1\nsrc codecId = " + std::to_string(source[0]) +
-                            ", config codecId = " + std::to_string(rule.aCodecId) + "\n";
-        const auto outside = [&](bool isOutside, int slot, int limit, const char *name) {
-            if (limit < 1 || !isOutside) return;
-            const std::string text = std::to_string(limit);
-            lines.append("param = ").append(text).append(", ").append(name);
-            lines.append(" = ").append(text).append("\n");
-            expectSlot(*expected, slot, text);
-        };
-        outside(source[4] > rule.maxBitrate, 10, rule.maxBitrate, "maxBitrate");
-        outside(source[4] < rule.minBitrate, 11, rule.minBitrate, "minBitrate");
-        outside(source[3] > rule.maxChannels, 8, rule.maxChannels, "maxChannels");
-        outside(source[3] < rule.minChannels, 9, rule.minChannels, "minChannels");
-        outside(source[5] > rule.maxSampleRate, 12, rule.maxSampleRate, "maxSampleRate");
-        outside(source[5] < rule.minSampleRate, 13, rule.minSampleRate, "minSampleRate");
-
-        const auto set = filledSet();
+    const auto expected = filledSet(), set = filledSet();
+    for (const auto &[slot, text] : recorded) expectSlot(*expected, slot, text);
+    for (const int index : {1, 257}) {
         Capture err(2);
-        const int result =
-            genAudioTranscodeParameter(random.from(0, 1) * 256 + 1, rules, source, set.get());
-        ASSERT_EQ(err.take(), lines) << "round " << round;
-        ASSERT_EQ(result, 0);
-        ASSERT_TRUE(bytesOf(*set) == bytesOf(*expected)) << "round " << round;
+        EXPECT_EQ(generate(index, rules, source, set.get()), 0);
+        EXPECT_EQ(err.take(), "index i = 1\n" + lines);
+        EXPECT_TRUE(bytesOf(*set) == bytesOf(*expected)) << lines;
     }
 }
 
-TEST(Limits, OfVideoAgreeWithAPlainStatement)
+TEST(Limits, OfAudioAreRecordedWhereTheSourceLiesOutside)
 {
-    Random random;
-    for (int round = 0; round < 5000; ++round) {
-        TRANSCODE_VIDEO_MAPPING_ST rules[2] = {};
-        TRANSCODE_VIDEO_MAPPING_ST &rule = rules[1];
-        rules[0].count = 2;
-        for (int *limit :
-             {&rule.maxWidth, &rule.maxHeight, &rule.minWidth, &rule.minHeight, &rule.maxBitrate,
-              &rule.minBitrate, &rule.tolerance, &rule.playException})
-            *limit = random.nearZero();
+    TRANSCODE_AUDIO_MAPPING_ST rules[2] = {};
+    rules[0].count = 2;
+    rules[1] = {7, 0, 0, 6, 320000, 48000, 2, 64000, 44100, nullptr, 0, 2, nullptr};
+    const struct {
         int source[6];
-        for (int &value : source) value = random.nearZero();
-        const std::int64_t width = source[3], height = source[4], tolerance = rule.tolerance;
-
-        const auto expected = filledSet();
-        const auto size = [&](bool inside, int slot, int w, int h) {
-            if (w <= 0 || h <= 0) return;
-            if (tolerance >= 1)
-                inside = std::abs(width - w) <= tolerance && std::abs(height - h) <= tolerance;
-            if (!inside) expectSlot(*expected, slot, std::to_string(w) + "x" + std::to_string(h));
-        };
-        size(width <= rule.maxWidth && height <= rule.maxHeight, 2, rule.maxWidth, rule.maxHeight);
-        size(width >= rule.minWidth && height >= rule.minHeight, 3, rule.minWidth, rule.minHeight);
-        if (rule.maxBitrate >= 1 && source[5] > rule.maxBitrate)
-            expectSlot(*expected, 4, std::to_string(rule.maxBitrate));
-        if (rule.minBitrate >= 1 && source[5] < rule.minBitrate)
-            expectSlot(*expected, 5, std::to_string(rule.minBitrate));
-
-        const auto set = filledSet();
-        Capture err(2);
-        const int result = genVideoTranscodeParameter(257, rules, source, set.get());
-        ASSERT_EQ(err.take(), "index i = 1\n");
-        ASSERT_EQ(result, 0);
-        ASSERT_TRUE(bytesOf(*set) == bytesOf(*expected)) << "round " << round;
-    }
+        Recorded recorded;
+        std::string lines;
+    } cases[] = {
+        {{3, 0, 0, 6, 320000, 48000}, {}, ""},
+        {{3, 0, 0, 2, 64000, 44100}, {}, ""},
+        {{3, 0, 0, 7, 320001, 48001},
+         {{8, "6"}, {10, "320000"}, {12, "48000"}},
+         "param = 320000, maxBitrate = 320000\nparam = 6, maxChannels = 6\n"
+         "param = 48000, maxSampleRate = 48000\n"},
+        {{3, 0, 0, 1, 63999, INT_MIN},
+         {{9, "2"}, {11, "64000"}, {13, "44100"}},
+         "param = 64000, minBitrate = 64000\nparam = 2, minChannels = 2\n"
+         "param = 44100, minSampleRate = 44100\n"},
+    };
+    for (const auto &c : cases)
+        expectRecorded(genAudioTranscodeParameter, rules, c.source, c.recorded,
+                       "src codecId = 3, config codecId = 7\n" + c.lines);
 }
 
-TEST(Limits, AreRenderedAsACommand)
+TEST(Limits, OfVideoAreRecordedWhereTheSourceLiesOutside)
 {
-    TRANSCODE_AUDIO_MAPPING_ST audio = {};
-    audio.count = 1;
-    audio.maxChannels = 2;
-    audio.maxBitrate = 320000;
-    audio.maxSampleRate = 48000;
-    TRANSCODE_VIDEO_MAPPING_ST video = {};
-    video.count = 1;
-    video.maxWidth = 1280;
-    video.maxHeight = 720;
-    video.maxBitrate = 4000000;
-    const int audioSource[6] = {1, 0, 0, 6, 640000, 96000};
-    const int videoSource[6] = {28, 0, 0, 1920, 1080, 8000000};
-    const auto set = std::make_unique<Set>();
-    {
-        const Capture err(2);
-        genAudioTranscodeParameter(256, &audio, audioSource, set.get());
-        genVideoTranscodeParameter(256, &video, videoSource, set.get());
-    }
-    EXPECT_EQ(set->mask, 0x1514U);
-    TRANSCODE_CMD_ST command;
-    EXPECT_EQ(getTranscodeCmdByCondition(set.get(), &command), 0);
-    EXPECT_STREQ(command.cmd, " -vf scale=1280:720 -b:v 4000000 -ac 2 -b:a 320000 -ar 48000");
+    TRANSCODE_VIDEO_MAPPING_ST rules[2] = {};
+    rules[0].count = 2;
+    rules[1] = {7, 0, 0, 1920, 1080, 8000000, 320, 240, 100000, 0, 0, 0, 0, nullptr, 0, 2, nullptr};
+    const struct {
+        int source[6];
+        Recorded recorded;
+    } cases[] = {
+        {{3, 0, 0, 1920, 1080, 8000000}, {}},
+        {{3, 0, 0, 320, 240, 100000}, {}},
+        {{3, 0, 0, 1920, 1081, 8000001}, {{2, "1920x1080"}, {4, "8000000"}}},
+        {{3, 0, 0, 319, 240, 99999}, {{3, "320x240"}, {5, "100000"}}},
+    };
+    for (const auto &c : cases)
+        expectRecorded(genVideoTranscodeParameter, rules, c.source, c.recorded, "");
 }
 
 TEST(Limits, ProfileAndLevelAreOnlyTraced)
