@@ -132,12 +132,12 @@ TEST_F(LockCommandTest, StatusAndRepair)
         int count;
         const char *state, *json, *repaired;
     } cases[] = {
-        {kAbsent, "absent, no process has opened it yet", R"("absent","count":null)",
-         "was absent, is free"},
-        {1, "free", R"("free","count":1)", "was free, is free"},
-        {0, "held", R"("held","count":0)", "was held, is free"},
+        {kAbsent, "absent, no process has opened it yet",
+         R"("absent","count":null,"owner":null,"openToAll":null)", "was absent, is free"},
+        {1, "free", R"("free","count":1,"owner":"root","openToAll":false)", "was free, is free"},
+        {0, "held", R"("held","count":0,"owner":"root","openToAll":false)", "was held, is free"},
         {3, "free, but 3 processes may hold it at once: it was released too often",
-         R"("free","count":3)",
+         R"("free","count":3,"owner":"root","openToAll":false)",
          "was free, is free, but 3 processes may hold it at once: it was released too often"},
     };
     for (const auto &c : cases) {
@@ -161,17 +161,48 @@ TEST_F(LockCommandTest, StatusAndRepair)
     }
 }
 
-TEST_F(LockCommandTest, UnreadableLockIsAnError)
+TEST_F(LockCommandTest, WhatIsNoLockIsNotUsed)
 {
-    std::filesystem::create_directory("/dev/shm/sem.VORNAK_DB_SEM");
-    for (const char *const action : {"status", "repair"}) {
-        const ProcessResult result = run({kTool, "lock", action});
-        EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, "vornak: can't open the lock VORNAK_DB_SEM: Is a directory\n");
+    using namespace std::string_literals;
+    const std::string file = "/dev/shm/sem.VORNAK_DB_SEM", size = std::to_string(sizeof(sem_t));
+    const std::string words = "printf '\\0\\0\\0\\0\\0\\0\\0\\0\\7\\0\\0\\0' >" + file;
+    const std::string damaged = "is empty or damaged: remove it while no server runs";
+    const std::string noFile = "is not a file: remove it while no server runs";
+    const struct {
+        std::string make, why;
+    } cases[] = {
+        {": >" + file, damaged},
+        {"truncate -s $((" + size + " - 1)) " + file, damaged},
+        {"truncate -s " + size + " " + file, damaged}, // as if of a single process
+        {words + "; truncate -s " + size + " " + file, damaged},
+        {"yes | head -c " + size + " | tr 'y\\n' '\\377\\377' >" + file, damaged},
+        {"mkdir " + file, noFile},
+        {"mkfifo " + file, noFile},
+        {"ln -s /etc/passwd " + file, noFile},
+    };
+    for (const auto &c : cases) {
+        run({"sh", "-c", c.make + "; chown -h 65534 " + file});
+        for (const char *const action : {"status", "repair", "run -- echo ran"}) {
+            const ProcessResult result =
+                run({"sh", "-c", kTool + " lock "s + action + " 2>&1; echo $?"});
+            EXPECT_EQ(result.out, "vornak: the lock " + file + ", of nobody, " + c.why + "\n2\n")
+                << c.make;
+        }
+        run({"rm", "-r", file});
     }
-    const ProcessResult ran = run({kTool, "lock", "run", "--", "echo", "ran"});
-    EXPECT_EQ(ran.status, 2);
-    EXPECT_EQ(ran.out, "");
+}
+
+TEST_F(LockCommandTest, SaysWhoseItIs)
+{
+    setCount(1);
+    const char *const file = "/dev/shm/sem.VORNAK_DB_SEM";
+    ASSERT_EQ(chown(file, 65534, 0) + chmod(file, 0666), 0);
+    const ProcessResult result = run(
+        {"sh", "-c",
+         std::string("exec 2>&1; ") + kTool + " lock status; " + kTool + " lock run -- echo ran"});
+    EXPECT_EQ(result.out, "VORNAK_DB_SEM: free; it belongs to nobody, and any user can take it\n"
+                          "vornak: VORNAK_DB_SEM: it belongs to nobody, and any user can take it\n"
+                          "ran\n");
 }
 
 TEST_F(LockCommandTest, CommandRunsWithTheLockHeld)

@@ -1,6 +1,7 @@
 #include "tools/appliance/locked_command.h"
 
 #include "include/vornak.h"
+#include "tools/appliance/lock_file.h"
 #include "tools/terminal/child.h"
 #include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
@@ -8,6 +9,8 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <fmt/format.h>
+#include <optional>
 #include <poll.h>
 #include <system_error>
 #include <unistd.h>
@@ -49,6 +52,8 @@ public:
     /// Waits, unless a signal that would end the tool comes first.
     explicit HeldLock(const HeldSignals &signals)
     {
+        const std::optional<LockFile> file = lookAtLock();
+        if (file && !file->isOwn) complain(fmt::format("{}: {}", kLockName, describeOwner(*file)));
         if (Vornak_Mutex_Init(1) != 0) failFor("can't open the database lock");
         sayIfHeld();
         while (!isHeld_ && interruption_ == 0) {

@@ -1,9 +1,11 @@
 // vornak lock: the state of the database lock, its repair, and commands under it.
 #include "include/vornak.h"
+#include "tools/appliance/lock_file.h"
 #include "tools/appliance/locked_command.h"
 #include "tools/commands/subcommands.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -17,66 +19,58 @@
 namespace vornak::tool {
 namespace {
 
-constexpr const char *kLockName = "VORNAK_DB_SEM";
+/// None where no process has opened the lock since the system started.
+using Lock = std::optional<LockFile>;
 
-/// The lock's count; none where no process has opened it since the system started.
-using Count = std::optional<int>;
-
-[[noreturn]] void failFor(const std::string &what)
+const char *stateOf(const Lock &lock)
 {
-    throw std::system_error(errno, std::generic_category(), what + ' ' + kLockName);
-}
-
-// Vornak_Mutex_Init() would create the lock that is only to be looked at.
-Count readCount()
-{
-    sem_t *const lock = sem_open(kLockName, 0);
-    if (lock == SEM_FAILED && errno == ENOENT) return std::nullopt;
-    if (lock == SEM_FAILED) failFor("can't open the lock");
-    int count = 0;
-    sem_getvalue(lock, &count);
-    sem_close(lock);
-    return count;
-}
-
-const char *stateOf(Count count)
-{
-    if (!count) return "absent";
-    return *count == 0 ? "held" : "free";
+    if (!lock) return "absent";
+    return lock->count == 0 ? "held" : "free";
 }
 
 /// The state, and what is odd about it.
-std::string describe(Count count)
+std::string describe(const Lock &lock)
 {
-    if (!count) return "absent, no process has opened it yet";
-    if (*count <= 1) return stateOf(count);
-    return fmt::format("free, but {} processes may hold it at once: it was released too often",
-                       *count);
+    if (!lock) return "absent, no process has opened it yet";
+    const std::string state =
+        lock->count <= 1 ? stateOf(lock)
+                         : fmt::format("free, but {} processes may hold it at once: it was "
+                                       "released too often",
+                                       lock->count);
+    const std::string owner = describeOwner(*lock);
+    return owner.empty() ? state : state + "; " + owner;
 }
 
-nlohmann::ordered_json toJson(Count count)
+nlohmann::ordered_json toJson(const Lock &lock)
 {
-    return {{"document", "vornak-lock"},
-            {"version", 1},
-            {"lock", kLockName},
-            {"state", stateOf(count)},
-            {"count", count ? nlohmann::ordered_json(*count) : nullptr}};
+    nlohmann::ordered_json json{{"document", "vornak-lock"}, {"version", 1},
+                                {"lock", kLockName},         {"state", stateOf(lock)},
+                                {"count", nullptr},          {"owner", nullptr},
+                                {"openToAll", nullptr}};
+    if (lock)
+        json.update({{"count", lock->count},
+                     {"owner", printable(lock->owner)},
+                     {"openToAll", lock->isOpenToAll}});
+    return json;
 }
 
+// Vornak_Mutex_Init() would create the lock that is only to be looked at.
 int showStatus(bool asJson)
 {
-    const Count count = readCount();
-    writeOut(asJson ? toJson(count).dump(2) + '\n'
-                    : fmt::format("{}: {}\n", kLockName, describe(count)));
+    const Lock lock = lookAtLock();
+    writeOut(asJson ? toJson(lock).dump(2) + '\n'
+                    : fmt::format("{}: {}\n", kLockName, describe(lock)));
     return kDone;
 }
 
 int repair(bool asJson)
 {
-    const Count before = readCount();
-    if (Vornak_Mutex_Init(0) != 0) failFor("can't open the lock");
+    const Lock before = lookAtLock();
+    if (Vornak_Mutex_Init(0) != 0)
+        throw std::system_error(errno, std::generic_category(),
+                                std::string("can't open the lock ") + kLockName);
     Vornak_Mutex_Close();
-    const Count after = readCount();
+    const Lock after = lookAtLock();
     if (asJson) {
         nlohmann::ordered_json json = toJson(after);
         json["before"] = stateOf(before);
