@@ -3,6 +3,8 @@
 
 #include <cerrno>
 #include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace vornak {
 
@@ -14,6 +16,13 @@ public:
         do stream_ = opendir(path);
         while (!stream_ && errno == EINTR);
     }
+    /// One that lies in `parent`, whose path may be too long for the system.
+    Directory(const Directory &parent, const char *name)
+    {
+        const int opened = openat(parent.descriptor(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        stream_ = opened < 0 ? nullptr : fdopendir(opened);
+        if (!stream_ && opened >= 0) close(opened);
+    }
     ~Directory()
     {
         if (stream_) closedir(stream_);
@@ -22,9 +31,17 @@ public:
     Directory &operator=(const Directory &) = delete;
 
     bool isOpen() const { return stream_ != nullptr; }
+    int descriptor() const { return dirfd(stream_); }
 
     /// The next entry's name, valid until the next call; null at the end, and where reading fails.
     const char *next()
+    {
+        const dirent *entry = nextEntry();
+        return entry ? entry->d_name : nullptr;
+    }
+
+    /// The same with what the file system says of it.
+    const dirent *nextEntry()
     {
         const int before = errno;
         const dirent *entry = nullptr;
@@ -34,7 +51,7 @@ public:
         } while (!entry && errno == EINTR);
         error_ = entry ? 0 : errno;
         if (error_ == 0) errno = before;
-        return entry ? entry->d_name : nullptr;
+        return entry;
     }
 
     /// The errno with which reading failed, so that names may be missing; 0: it has not.

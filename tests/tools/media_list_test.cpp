@@ -1,7 +1,12 @@
+#include "tests/support/deep_folder.h"
+#include "tests/support/readdir_fault.h"
 #include "tests/support/temp_dir.h"
 #include "tools/files/media_list.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <sys/stat.h>
@@ -28,7 +33,10 @@ TEST(MediaList, WalksFoldersInByteOrderOfThePaths)
 {
     const TempDir dir;
     for (const char *name : {"f/a/x.mkv", "f/a-b.mp4", "f/a.mp4", "f/a/B.TS", "f/ab/z.avi",
-                             "f/notes.txt", "f/a/cover.jpg", "f/none", "f/.mp4"})
+                             "f/notes.txt", "f/a/cover.jpg", "f/none", "f/.mp4",
+                             // what file systems and other programs put there
+                             "f/._a.mp4", "f/.hidden.mp4", "f/@eaDir/a.mp4/SYNO.mp4",
+                             "f/.Trash/b.mp4", "f/a/._b/c.mp4", "f/@eaDirs/d.mp4"})
         dir.write(name, "");
     std::filesystem::create_directory_symlink(dir / "f/a", dir / "f/linked");
     std::filesystem::create_symlink(dir / "f/a.mp4", dir / "f/link.mp4");
@@ -36,11 +44,12 @@ TEST(MediaList, WalksFoldersInByteOrderOfThePaths)
     mkfifo((dir / "f/pipe.mp4").c_str(), 0600);
 
     std::istringstream none;
-    MediaList list({dir / "f"}, none);
+    MediaList list({{dir / "f"}}, none);
     EXPECT_EQ(listed(list, dir),
-              (std::vector<std::string>{"f/a-b.mp4", "f/a.mp4", "f/a/B.TS", "f/a/x.mkv",
-                                        "f/ab/z.avi", "f/dangling.mp4", "f/link.mp4"}));
-    EXPECT_EQ(list.skipped(), 5U); // notes, cover, none, .mp4, pipe
+              (std::vector<std::string>{"f/.hidden.mp4", "f/@eaDirs/d.mp4", "f/a-b.mp4", "f/a.mp4",
+                                        "f/a/B.TS", "f/a/x.mkv", "f/ab/z.avi", "f/dangling.mp4",
+                                        "f/link.mp4"}));
+    EXPECT_EQ(list.skipped(), 6U); // notes, cover, none, .mp4, pipe, ._a
 }
 
 TEST(MediaList, TakesWhatIsNamedWhateverItIsCalled)
@@ -48,26 +57,92 @@ TEST(MediaList, TakesWhatIsNamedWhateverItIsCalled)
     const TempDir dir;
     dir.write("readme", "");
     dir.write("d/one.mp4", "");
+    dir.write(".d/two.mp4", "");
+    dir.write("@eaDir/._three.mp4", "");
     std::filesystem::create_directory_symlink(dir / "d", dir / "link");
     mkfifo((dir / "pipe").c_str(), 0600);
     std::istringstream none;
-    MediaList list({dir / "readme", dir / "gone", dir / "link", dir / "pipe", ""}, none);
+    MediaList list({{dir / "readme", dir / "gone", dir / "link", dir / "pipe", "", dir / ".d",
+                     dir / "@eaDir/._three.mp4", dir / "@eaDir"}},
+                   none);
     EXPECT_EQ(listed(list, dir),
               (std::vector<std::string>{"readme", "gone: No such file or directory", "link/one.mp4",
                                         "pipe: neither a file nor a folder",
-                                        ": No such file or directory"}));
-    EXPECT_EQ(list.skipped(), 0U);
+                                        ": No such file or directory", ".d/two.mp4",
+                                        "@eaDir/._three.mp4"}));
+    EXPECT_EQ(list.skipped(), 1U);
 }
 
-TEST(MediaList, ReadsNamesALineInTheirPlace)
+TEST(MediaList, ReadsNamesInTheirPlace)
 {
     const TempDir dir;
-    for (const char *name : {"1.mp4", "2 b.mp4", "d/3.mp4", "4.mp4"}) dir.write(name, "");
-    std::istringstream names((dir / "2 b.mp4") + "\n\n" + (dir / "d") + "\n" + (dir / "-"));
-    MediaList list({dir / "1.mp4", "-", dir / "4.mp4", "-"}, names);
-    EXPECT_EQ(listed(list, dir),
-              (std::vector<std::string>{"1.mp4", "2 b.mp4", "d/3.mp4",
-                                        "-: No such file or directory", "4.mp4"}));
+    for (const char *name : {"1.mp4", "2 b.mp4", "d/3.mp4", "4.mp4", "5\r", "6\n"})
+        dir.write(name, "");
+    const std::string two = dir / "2 b.mp4", d = dir / "d";
+    const auto null = [](std::string text) {
+        std::ranges::replace(text, '|', '\0');
+        return text;
+    };
+    const std::string noNull =
+        "the name holds a NUL byte; --null reads names that end in one, else "
+        "give one a line";
+    const struct {
+        std::string list;
+        bool endInNull;
+        std::vector<std::string> named;
+    } cases[] = {
+        {two + "\n\n" + d + "\n" + (dir / "-"),
+         false,
+         {"2 b.mp4", "d/3.mp4", "-: No such file or directory"}},
+        {two + "\r\n\r\n" + d + "\r\n", false, {"2 b.mp4", "d/3.mp4"}},
+        {null(two + "||" + d + "|" + (dir / "5\r|") + (dir / "6\n")),
+         true,
+         {"2 b.mp4", "d/3.mp4", "5\r", "6\n"}},
+        {null(two + "|" + d + "|\n"), false, {null("2 b.mp4|" + d + "|: ") + noNull}},
+    };
+    for (const auto &c : cases) {
+        std::istringstream names(c.list);
+        MediaList list({{dir / "1.mp4", "-", dir / "4.mp4", "-"}, c.endInNull}, names);
+        std::vector<std::string> expected = c.named;
+        expected.insert(expected.begin(), "1.mp4");
+        expected.emplace_back("4.mp4");
+        EXPECT_EQ(listed(list, dir), expected);
+    }
+}
+
+TEST(MediaList, NamesAFolderThatCannotBeReadToItsEnd)
+{
+    const TempDir dir;
+    for (const char *name : {"f/a.mp4", "f/b.mp4"}) dir.write(name, "");
+    std::istringstream none;
+    for (const auto &[failing, files] : {std::pair{1, 0U}, {5, 2U}}) {
+        readdirFault() = {.failing = failing, .error = EIO};
+        MediaList list({{dir / "f"}}, none);
+        const std::vector<std::string> all = listed(list, dir);
+        readdirFault() = {};
+        ASSERT_EQ(all.size(), files + 1);
+        EXPECT_EQ(all[0], "f/: not all of it can be read: Input/output error");
+    }
+}
+
+TEST(MediaList, WalksBelowWhatThePathsOfTheSystemReach)
+{
+    const TempDir dir;
+    const DeepFolder deep(dir.path());
+    for (const char *name : {"deep.mp4", "lower/deeper.mp4"}) deep.write(name, "found");
+    std::istringstream none;
+    MediaList list({{dir / ""}}, none);
+    for (const char *name : {"/deep.mp4", "/lower/deeper.mp4"}) {
+        const std::optional<MediaItem> item = list.next();
+        ASSERT_TRUE(item);
+        EXPECT_EQ(item->error, "");
+        EXPECT_GT(item->path.size(), 4095U);
+        EXPECT_TRUE(item->path.ends_with(name));
+        std::string content;
+        std::ifstream(item->openablePath()) >> content;
+        EXPECT_EQ(content, "found");
+    }
+    EXPECT_FALSE(list.next());
 }
 
 TEST(MediaList, KnowsMediaByTheEndingInAnyCase)

@@ -22,7 +22,7 @@ namespace {
 
 struct CachedOptions {
     std::pair<std::string, std::string> tags;
-    std::vector<std::string> media;
+    MediaNames media;
     bool isMusic = false;
     bool asJson = false;
 };

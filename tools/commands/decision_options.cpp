@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <limits>
 #include <stdexcept>
@@ -49,19 +50,21 @@ int playExceptionBit(const std::string &name)
 
 void addProfileOption(CLI::App &command, std::string &profile)
 {
-    command.add_option("-p,--profile", profile, "The player's Device profile")
+    command.add_option("-p,--profile", profile, "The player's Device profile; - is standard input")
         ->required()
         ->type_name("FILE");
 }
 
-void addMediaArgument(CLI::App &command, std::vector<std::string> &media)
+void addMediaArgument(CLI::App &command, MediaNames &media)
 {
     command
-        .add_option("MEDIA", media,
+        .add_option("MEDIA", media.arguments,
                     "Media files, folders with all that lies below them, or - for a list of "
                     "names on standard input, one a line")
         ->required()
         ->type_name("");
+    command.add_flag("-0,--null", media.endInNull,
+                     "The names on standard input end in a NUL, as those of find -print0 do");
 }
 
 void addMatchingOptions(CLI::App &command, DecisionOptions &options)
@@ -82,8 +85,7 @@ void addMatchingOptions(CLI::App &command, DecisionOptions &options)
         .add_option("--play-exception", options.playExceptions,
                     "A play exception of the video beside those found in it; may be repeated")
         ->type_name("NAME")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
 }
 
 void addDecisionOptions(CLI::App &command, DecisionOptions &options)
@@ -96,6 +98,9 @@ void addDecisionOptions(CLI::App &command, DecisionOptions &options)
 
 DecisionRequest resolve(const DecisionOptions &options)
 {
+    if (options.profile == "-" && std::ranges::count(options.media.arguments, "-") > 0)
+        throw std::runtime_error("--profile - and MEDIA - both read standard input; name one of "
+                                 "them as a file");
     DecisionRequest request{.force = options.force,
                             .audioTrack = options.audioTrack,
                             .matchVideo = !options.noMatchVideo};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/decide/decision.h"
+#include "tools/files/media_list.h"
 
 #include <string>
 #include <vector>
@@ -15,7 +16,7 @@ namespace vornak::tool {
 /// Options as they stand on the command line.
 struct DecisionOptions {
     std::string profile;
-    std::vector<std::string> media;
+    MediaNames media;
     std::string prefer; ///< CONTAINER[/SUBTYPE], or empty
     bool force = false;
     int audioTrack = 0;
@@ -24,7 +25,8 @@ struct DecisionOptions {
 };
 
 void addProfileOption(CLI::App &command, std::string &profile);
-void addMediaArgument(CLI::App &command, std::vector<std::string> &media);
+/// MEDIA, with --null for the list that may be among it.
+void addMediaArgument(CLI::App &command, MediaNames &media);
 
 /// Those that reach the library's arguments, but for `force`.
 void addMatchingOptions(CLI::App &command, DecisionOptions &options);

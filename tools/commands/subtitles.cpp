@@ -32,7 +32,7 @@ constexpr const char *kSubtitlesExamples = R"(Examples:
 Exit status: 0 all folders were searched, 1 some were not, 2 bad usage.)";
 
 struct Options {
-    std::vector<std::string> media;
+    MediaNames media;
     bool json = false;
 };
 

@@ -1,6 +1,5 @@
 #include "tools/decide/decide_files.h"
 
-#include "tools/files/media_list.h"
 #include "tools/files/ordered_work.h"
 #include "tools/probe/media_probe.h"
 #include "tools/terminal/output.h"
@@ -19,7 +18,7 @@ FileResult decideItem(const ProfileSession &session, const DecisionRequest &requ
                       const MediaItem &item)
 {
     if (!item.error.empty()) return Undecided{"cannot-open", item.error};
-    return decideFile(session, request, item.path);
+    return decideFile(session, request, item.openablePath());
 }
 
 Outcome outcomeOf(const FileResult &result)
@@ -28,10 +27,9 @@ Outcome outcomeOf(const FileResult &result)
 }
 
 /// How many files there will be, for the progress; 0 where nobody sees it or a list is to come.
-std::size_t countFiles(const std::vector<std::string> &media)
+std::size_t countFiles(const MediaNames &media)
 {
-    if (!ProgressLine::isShown() || std::find(media.begin(), media.end(), "-") != media.end())
-        return 0;
+    if (!ProgressLine::isShown() || std::ranges::count(media.arguments, "-") > 0) return 0;
     MediaList list(media, std::cin);
     std::size_t count = 0;
     while (list.next()) ++count;
@@ -66,8 +64,7 @@ std::optional<DecidedFile> decideOne(const std::string &profile, const DecisionR
 }
 
 Totals decideFiles(const ProfileSession &session, const DecisionRequest &request,
-                   const std::vector<std::string> &media, std::string_view separator,
-                   const RenderFile &render)
+                   const MediaNames &media, std::string_view separator, const RenderFile &render)
 {
     Totals totals;
     MediaList list(media, std::cin);
@@ -78,7 +75,7 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
         const FileResult result = decideItem(session, request, item);
         Rendered rendered{render(item.path, result), {}, outcomeOf(result)};
         if (const auto *undecided = std::get_if<Undecided>(&result))
-            rendered.complaint = fmt::format("{}: {}", printable(item.path), undecided->message);
+            rendered.complaint = aboutFile(item.path, undecided->message);
         return rendered;
     };
     const auto emit = [&](const Rendered &rendered) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/decide/decision.h"
+#include "tools/files/media_list.h"
 #include "tools/profile/profile_session.h"
 
 #include <array>
@@ -52,7 +53,6 @@ struct Totals {
  * has come.
  */
 Totals decideFiles(const ProfileSession &session, const DecisionRequest &request,
-                   const std::vector<std::string> &media, std::string_view separator,
-                   const RenderFile &render);
+                   const MediaNames &media, std::string_view separator, const RenderFile &render);
 
 } // namespace vornak::tool

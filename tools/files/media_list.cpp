@@ -1,13 +1,14 @@
 #include "tools/files/media_list.h"
 
+#include "base/directory.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <dirent.h>
+#include <climits>
 #include <functional>
 #include <istream>
 #include <iterator>
-#include <memory>
 #include <sys/stat.h>
 #include <system_error>
 
@@ -40,19 +41,29 @@ Kind kindOfMode(mode_t mode)
 }
 
 /// A link that leads nowhere counts as a file: opening it says what is wrong.
-Kind kindOf(const std::string &path, const dirent &entry)
+Kind kindOf(const Directory &folder, const dirent &entry)
 {
     if (entry.d_type == DT_REG) return Kind::File;
     if (entry.d_type == DT_DIR) return Kind::Folder;
     struct stat info = {};
-    if (lstat(path.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return kindOfMode(info.st_mode);
-    if (stat(path.c_str(), &info) != 0) return Kind::File;
+    const int at = folder.descriptor();
+    if (fstatat(at, entry.d_name, &info, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISLNK(info.st_mode))
+        return kindOfMode(info.st_mode);
+    if (fstatat(at, entry.d_name, &info, 0) != 0) return Kind::File;
     return S_ISDIR(info.st_mode) ? Kind::LinkedFolder : kindOfMode(info.st_mode);
 }
 
-struct CloseDir {
-    void operator()(DIR *folder) const noexcept { closedir(folder); }
-};
+/// Folders of settings, thumbnails and things thrown away; "." and ".." among them.
+bool isWalked(std::string_view folder)
+{
+    return !folder.starts_with('.') && folder != "@eaDir";
+}
+
+/// Not what a file system without attributes keeps them in, "._film.mkv".
+bool isMedia(std::string_view file)
+{
+    return hasMediaName(file) && !file.starts_with("._");
+}
 
 std::string textOf(int error)
 {
@@ -71,10 +82,15 @@ bool hasMediaName(std::string_view name)
                               extension);
 }
 
-MediaList::MediaList(std::vector<std::string> arguments, std::istream &names)
-    : arguments_(std::move(arguments)), names_(names)
+std::string MediaItem::openablePath() const
 {
-    std::reverse(arguments_.begin(), arguments_.end());
+    if (!folder) return path;
+    return "/proc/self/fd/" + std::to_string(folder->descriptor()) + path.substr(path.rfind('/'));
+}
+
+MediaList::MediaList(MediaNames names, std::istream &list) : names_(std::move(names)), list_(list)
+{
+    std::ranges::reverse(names_.arguments);
 }
 
 std::optional<MediaItem> MediaList::next()
@@ -91,25 +107,27 @@ std::optional<MediaItem> MediaList::next()
     }
 }
 
-/// The next file or folder that somebody named: an argument, or a line of the list.
+/// The next file or folder that somebody named: an argument, or one of the list.
 std::optional<std::string> MediaList::nextName()
 {
-    for (std::string line; readsNames_;) {
-        readsNames_ = static_cast<bool>(std::getline(names_, line));
-        if (readsNames_ && !line.empty()) return line;
+    for (std::string name; readsList_;) {
+        readsList_ = static_cast<bool>(std::getline(list_, name, names_.endInNull ? '\0' : '\n'));
+        if (!names_.endInNull && name.ends_with('\r')) name.pop_back(); // of a system with CRLF
+        if (readsList_ && !name.empty()) return name;
     }
-    if (arguments_.empty()) return std::nullopt;
-    std::string name = std::move(arguments_.back());
-    arguments_.pop_back();
+    if (names_.arguments.empty()) return std::nullopt;
+    std::string name = std::move(names_.arguments.back());
+    names_.arguments.pop_back();
     if (name != "-") return name;
-    readsNames_ = true;
+    readsList_ = true;
     return nextName();
 }
 
 std::optional<MediaItem> MediaList::takeNamed(std::string path)
 {
     if (path.find('\0') != std::string::npos)
-        return MediaItem{std::move(path), "the name holds a NUL byte; give one name a line"};
+        return MediaItem{std::move(path), "the name holds a NUL byte; --null reads names that end "
+                                          "in one, else give one a line"};
     struct stat info = {};
     if (stat(path.c_str(), &info) != 0) return MediaItem{std::move(path), textOf(errno)};
     switch (kindOfMode(info.st_mode)) {
@@ -133,29 +151,41 @@ std::optional<MediaItem> MediaList::takeFromFolder()
     std::string path = folder.path + folder.names.back();
     folder.names.pop_back();
     if (path.back() == '/') return enter(std::move(path));
-    return MediaItem{std::move(path), {}};
+    const bool isLong = path.size() >= PATH_MAX;
+    return MediaItem{std::move(path), {}, isLong ? folder.open : nullptr};
+}
+
+/// Opens a folder that was named, or that lies in the one walked now.
+std::shared_ptr<Directory> MediaList::open(const std::string &path) const
+{
+    if (folders_.empty() || !folders_.back().open) return std::make_shared<Directory>(path.c_str());
+    const Folder &parent = folders_.back();
+    return std::make_shared<Directory>(*parent.open, path.c_str() + parent.path.size());
 }
 
 /// Puts a folder's media and folders on the walk; an item only where the folder can't be read.
 std::optional<MediaItem> MediaList::enter(std::string path)
 {
-    const std::unique_ptr<DIR, CloseDir> open(opendir(path.c_str()));
-    if (!open) return MediaItem{std::move(path), textOf(errno)};
-    Folder folder{std::move(path), {}};
-    while (const dirent *entry = readdir(open.get())) {
-        std::string name = entry->d_name;
-        if (name == "." || name == "..") continue;
-        const Kind kind = kindOf(folder.path + name, *entry);
-        if (kind == Kind::Folder)
-            folder.names.push_back(name + '/');
-        else if (kind == Kind::File && hasMediaName(name))
-            folder.names.push_back(std::move(name));
-        else if (kind != Kind::LinkedFolder)
+    const std::shared_ptr<Directory> opened = open(path);
+    if (!opened->isOpen()) return MediaItem{std::move(path), textOf(errno)};
+    Folder folder{std::move(path), nullptr, {}};
+    if (folder.path.size() + NAME_MAX >= PATH_MAX) folder.open = opened;
+    while (const dirent *entry = opened->nextEntry()) {
+        const std::string_view name = entry->d_name;
+        const Kind kind = kindOf(*opened, *entry);
+        if (kind == Kind::Folder && isWalked(name))
+            folder.names.emplace_back(name) += '/';
+        else if (kind == Kind::File && isMedia(name))
+            folder.names.emplace_back(name);
+        else if (kind == Kind::File || kind == Kind::Other)
             ++skipped_;
     }
-    std::sort(folder.names.begin(), folder.names.end(), std::greater<>());
+    std::ranges::sort(folder.names, std::greater<>());
+    std::optional<MediaItem> broken;
+    if (opened->error() != 0)
+        broken = MediaItem{folder.path, "not all of it can be read: " + textOf(opened->error())};
     folders_.push_back(std::move(folder));
-    return std::nullopt;
+    return broken;
 }
 
 } // namespace vornak::tool

@@ -3,27 +3,43 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+namespace vornak {
+class Directory;
+}
+
 namespace vornak::tool {
 
 struct MediaItem {
     std::string path;
-    std::string error; ///< why it can't be opened; empty: it is a file
+    std::string error;                            ///< why it can't be opened; empty: it is a file
+    std::shared_ptr<const Directory> folder = {}; ///< its own, where the path is too long to open
+
+    /// A path that the system takes, as long as this lives.
+    std::string openablePath() const;
+};
+
+/// What a user named.
+struct MediaNames {
+    std::vector<std::string> arguments;
+    bool endInNull = false; ///< those of a list, which else are its lines
 };
 
 /**
  * Walks files, folders and a list of names. A folder is walked with all that lies below it, in
- * the byte order of the paths; links to folders in it are not followed, and what is no media by
- * its name is skipped and counted. "-" stands for the names on `names`, one a line. Only the
- * folders that lead to the current file are held in memory. One thread at a time.
+ * the byte order of the paths, also where those get longer than the system takes. Links to folders
+ * in it are not followed; what is no media by its name is skipped and counted; and what other
+ * programs put there is left out. "-" stands for the names on `list`. Only the folders that lead
+ * to the current file are held in memory. One thread at a time.
  */
 class MediaList {
 public:
-    MediaList(std::vector<std::string> arguments, std::istream &names);
+    MediaList(MediaNames names, std::istream &list);
 
     /// The next file, or none at the end.
     std::optional<MediaItem> next();
@@ -32,18 +48,20 @@ public:
 
 private:
     struct Folder {
-        std::string path;               ///< ends in '/'
-        std::vector<std::string> names; ///< the next one last; those of folders end in '/'
+        std::string path;                      ///< ends in '/'
+        std::shared_ptr<const Directory> open; ///< null: all paths in it are short enough
+        std::vector<std::string> names;        ///< the next one last; those of folders end in '/'
     };
 
     std::optional<std::string> nextName();
     std::optional<MediaItem> takeNamed(std::string path);
     std::optional<MediaItem> takeFromFolder();
+    std::shared_ptr<Directory> open(const std::string &path) const;
     std::optional<MediaItem> enter(std::string path);
 
-    std::vector<std::string> arguments_; ///< the next one last
-    std::istream &names_;
-    bool readsNames_ = false;
+    MediaNames names_; ///< the next argument last
+    std::istream &list_;
+    bool readsList_ = false;
     std::vector<Folder> folders_;
     std::size_t skipped_ = 0;
 };
