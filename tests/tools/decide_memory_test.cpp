@@ -1,4 +1,5 @@
 // That the tool's memory does not depend on the number of files.
+#include "tests/support/small_wav.h"
 #include "tests/support/temp_dir.h"
 
 #include <fcntl.h>
@@ -9,15 +10,6 @@
 
 namespace vornak::test {
 namespace {
-
-/// 0.01 s of silence.
-std::string smallWav()
-{
-    std::string wav("RIFF\xa4\x03\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x80\xbb\0\0\0\x77\x01\0\x02\0"
-                    "\x10\0data\x80\x03\0\0",
-                    44);
-    return wav.append(0x380, '\0');
-}
 
 /// Peak memory in KB of a run over a folder, with the document as long as it gets.
 long peakMemory(const std::string &profile, const std::string &folder)

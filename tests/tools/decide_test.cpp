@@ -313,25 +313,6 @@ TEST_F(Decide, ComplainsBetweenTheLinesOfTheJson)
     EXPECT_NE(out.find("},\nvornak: nosuch: "), std::string::npos) << out;
 }
 
-TEST_F(Decide, EndsQuietlyWhenNobodyReads)
-{
-    const struct {
-        const char *script, *error;
-        int status;
-    } cases[] = {
-        {"{ trap '' PIPE; vornak decide -p p.xml song.wav; echo $? >&2; } | true", "1\n", 0},
-        {"vornak decide -p p.xml song.wav | true", "", 0},
-        {"vornak decide -p p.xml song.wav >&-", "", 0},
-        {"vornak decide -p p.xml song.wav >/dev/full",
-         "vornak: standard output: No space left on device\n", 1},
-    };
-    for (const auto &c : cases) {
-        const ProcessResult result = shell(c.script);
-        EXPECT_EQ(result.status, c.status) << c.script;
-        EXPECT_EQ(result.err, kWarning + std::string(c.error)) << c.script;
-    }
-}
-
 TEST_F(Decide, ColoursATerminalAlone)
 {
     const auto onTerminal = [](const std::string &environment) {

@@ -28,8 +28,8 @@ constexpr const char *kDecideExamples = R"(Examples:
       the same for the second audio track, into MP4 where the profile lists it
   vornak decide -p phone.xml --json /media/films > films.json
       all that lies below a folder, as a JSON document
-  find . -name '*.ts' | vornak decide -p tv.xml -
-      the names on standard input, one a line
+  find . -name '*.ts' -print0 | vornak decide -p tv.xml --null -
+      the names on standard input; without --null one a line
 
 Exit status: 0 all files are decided (a refusal is a decision), 1 some are not, 2 bad usage or a
 profile that can't be loaded.)";

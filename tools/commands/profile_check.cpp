@@ -1,6 +1,7 @@
 // vornak profile check: what a profile says that it doesn't do.
 #include "tools/check/checks.h"
 #include "tools/commands/profile.h"
+#include "tools/profile/profile_file.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
@@ -59,14 +60,15 @@ std::string asText(const std::string &path, const std::vector<Finding> &findings
     std::string text;
     for (const Finding &finding : findings) {
         const FaultKind &kind = kindOf(finding.fault);
-        text += fmt::format("{}:{}: {}{}{}: {} [{}]\n    {}\n", printable(path), finding.line,
-                            colourOf(kind.severity), severityName(kind.severity), colours().reset,
-                            finding.problem, kind.id, finding.advice);
+        text += fmt::format("{}:{}: {}{}{}: {} [{}]\n    {}\n", printable(profileTitle(path)),
+                            finding.line, colourOf(kind.severity), severityName(kind.severity),
+                            colours().reset, finding.problem, kind.id, finding.advice);
     }
     const Counts counts = countSeverities(findings);
-    if (findings.empty()) return fmt::format("{}: nothing found\n", printable(path));
-    return text + fmt::format("{}: {}, {}, {}\n", printable(path), plural(counts.errors, "error"),
-                              plural(counts.warnings, "warning"), plural(counts.notes, "note"));
+    if (findings.empty()) return fmt::format("{}: nothing found\n", printable(profileTitle(path)));
+    return text + fmt::format("{}: {}, {}, {}\n", printable(profileTitle(path)),
+                              plural(counts.errors, "error"), plural(counts.warnings, "warning"),
+                              plural(counts.notes, "note"));
 }
 
 std::string asJson(const std::string &path, const std::vector<Finding> &findings)

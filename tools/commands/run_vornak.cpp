@@ -8,6 +8,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <sstream>
+
 namespace vornak::tool {
 namespace {
 
@@ -35,7 +37,10 @@ int runVornak(int argc, char **argv)
     try {
         parseCommandLine(app, argc, argv);
     } catch (const CLI::Success &request) {
-        return app.exit(request); // help or version
+        std::ostringstream text, none;
+        app.exit(request, text, none); // help or version
+        writeOut(text.str());
+        return kDone;
     } catch (const CLI::ParseError &error) {
         complain(describeUsageError(app, error));
         return kUnusable;

@@ -2,6 +2,7 @@
 
 #include "base/descriptor.h"
 #include "include/vornak_host.h"
+#include "tools/profile/profile_file.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::p
 /// a pipe is refused.
 std::optional<std::string> readFile(const std::string &path)
 {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor file(open(profilePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0) return std::nullopt;
     if (!S_ISREG(status.st_mode))
@@ -96,10 +97,11 @@ std::string toUtf8(std::string_view text, pugi::xml_encoding encoding)
     return out;
 }
 
-std::string describe(std::string_view path, int line, std::string_view reason)
+std::string describe(const std::string &path, int line, std::string_view reason)
 {
-    if (line == 0) return fmt::format("{}: {}", printable(path), reason);
-    return fmt::format("{}:{}: {}", printable(path), line, reason);
+    const std::string title = printable(profileTitle(path));
+    if (line == 0) return fmt::format("{}: {}", title, reason);
+    return fmt::format("{}:{}: {}", title, line, reason);
 }
 
 bool isBlank(char c)
@@ -128,7 +130,7 @@ std::vector<pugi::xml_node> codecRules(pugi::xml_node parent, const char *name, 
 
 } // namespace
 
-ProfileError::ProfileError(std::string_view path, int line, std::string_view reason)
+ProfileError::ProfileError(const std::string &path, int line, std::string_view reason)
     : std::runtime_error(describe(path, line, reason)), line_(line)
 {}
 

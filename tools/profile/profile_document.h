@@ -13,7 +13,7 @@ namespace vornak::tool {
 /// Why a profile can't be loaded: one line of text that names the file, and its line if any.
 class ProfileError : public std::runtime_error {
 public:
-    ProfileError(std::string_view path, int line, std::string_view reason);
+    ProfileError(const std::string &path, int line, std::string_view reason);
 
     int line() const { return line_; } ///< 0: of the file as a whole
 

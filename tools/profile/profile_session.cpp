@@ -2,6 +2,7 @@
 
 #include "base/rule_tables.h"
 #include "tools/profile/profile_document.h"
+#include "tools/profile/profile_file.h"
 #include "tools/terminal/diverted_output.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
@@ -33,8 +34,8 @@ ProfileSession::ProfileSession(const std::string &path)
     const ProfileDocument document(path); // says what is wrong, where the library only refuses
     {
         DivertedOutput messages(STDERR_FILENO);
-        profile_.reset(
-            ParseSingleTranscodeXML(path.c_str(), VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0));
+        profile_.reset(ParseSingleTranscodeXML(profilePath(path).c_str(),
+                                               VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0));
         warnings_ = warningsIn(messages.take());
     }
     if (!profile_) throw ProfileError(path, 0, "the library refuses to load it");
@@ -78,7 +79,8 @@ void ProfileSession::findAudioLines(const ProfileDocument &document, const pugi:
 void complainOfWarnings(const std::string &path, const ProfileSession &session)
 {
     for (const std::string &warning : session.warnings())
-        complainOf(path, fmt::format("warning: {} (vornak profile check says where)", warning));
+        complainOf(profileTitle(path),
+                   fmt::format("warning: {} (vornak profile check says where)", warning));
 }
 
 } // namespace vornak::tool

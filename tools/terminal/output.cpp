@@ -4,6 +4,7 @@
 #include "tools/terminal/printable.h"
 
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -68,7 +69,7 @@ void writeOut(std::string_view text)
     if (error != EPIPE) complain("standard output: " + std::generic_category().message(error));
     std::signal(SIGPIPE, s_OnBrokenPipe);
     if (error == EPIPE) std::raise(SIGPIPE);
-    _exit(kIncomplete);
+    _exit(error == EPIPE ? 128 + SIGPIPE : kIncomplete); // also where that is ignored
 }
 
 std::mutex &standardErrorMutex()
@@ -91,9 +92,17 @@ void setStatusLine(std::string_view text)
     s_HasStatusLine = !text.empty();
 }
 
+std::string aboutFile(const std::string &path, std::string_view why)
+{
+    constexpr std::size_t kShown = 60; // of each end
+    if (path.size() < PATH_MAX) return fmt::format("{}: {}", printable(path), why);
+    return fmt::format("{} ... {}: {}", printable(path.substr(0, kShown)),
+                       printable(path.substr(path.size() - kShown)), why);
+}
+
 int complainOf(const std::string &path, std::string_view why)
 {
-    complain(fmt::format("{}: {}", printable(path), why));
+    complain(aboutFile(path, why));
     return kIncomplete;
 }
 

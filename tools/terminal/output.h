@@ -15,7 +15,11 @@ void writeOut(std::string_view text);
 /// gone is no error. Texts from outside come printable().
 void complain(std::string_view message);
 
-/// The same of a file, which is made printable; returns the exit status that goes with it.
+/// "PATH: WHY", with the path printable, and cut in its middle where it is longer than any that the
+/// system takes.
+std::string aboutFile(const std::string &path, std::string_view why);
+
+/// Complains so; returns the exit status that goes with it.
 int complainOf(const std::string &path, std::string_view why);
 
 /// Draws the terminal's status line on standard error, or clears it if `text` is empty. All that
