@@ -2,6 +2,7 @@
 #include "tests/support/doc_examples.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
+#include "tools/terminal/printable.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -92,7 +93,7 @@ TEST_F(Command, PrintsAllThatTheLibrarySays)
   video rule: frame value 7, hardware transcoder allowed
   ffmpeg: ffmpeg -nostdin -i 'file:it'\''s a
 "film" $HOME.mpg' -map 0:V:0 -map 0:a:0 -vf scale=160:120 -ac 1 -f mp4 -c:v libx264 -profile:v main -pix_fmt yuv420p -c:a libmp3lame 'file:it'\''s a
-"film" $HOME.transcoded.mp4'
+"film" $HOME.mpg.transcoded.mp4'
 
 song.flac:
   options: -f wav -num_frames 88200 -c:a pcm_s16le -ar 44100 -ac 2
@@ -100,7 +101,7 @@ song.flac:
   target format tag: pcm_s16le_@.wav
   output: MIME type audio/wav, DLNA profile LPCM
   size: 352844 bytes for 2 s, 44 of them the header; 88200 frames
-  ffmpeg: ffmpeg -nostdin -i file:song.flac -map 0:a:0 -f wav -c:a pcm_s16le -ar 44100 -ac 2 file:song.transcoded.wav
+  ffmpeg: ffmpeg -nostdin -i file:song.flac -map 0:a:0 -f wav -c:a pcm_s16le -ar 44100 -ac 2 file:song.flac.transcoded.wav
 
 kept.avi: needs no transcoding, it is sent as it is
 
@@ -113,18 +114,21 @@ kept.avi: needs no transcoding, it is sent as it is
 
 TEST_F(Command, GivesLinesThatAShellRuns)
 {
-    const auto lines = command({"--shell", "kept.avi", kFilm, "song.flac"});
+    std::filesystem::copy_file(*s_Dir / "song.flac", *s_Dir / "song.oga");
+    const auto lines = command({"--shell", "kept.avi", kFilm, "song.flac", "song.oga"});
     EXPECT_EQ(lines.status, 0) << lines.err;
     EXPECT_THAT(lines.out,
                 testing::StartsWith("# kept.avi: needs no transcoding, it is sent as it is\n"));
     const auto ran = run({"sh", "-c", "cd \"$1\" && exec sh -e", "sh", s_Dir->path()}, lines.out);
     EXPECT_EQ(ran.status, 0) << ran.err;
-    const Words outputs = {"it's a\n\"film\" $HOME.transcoded.mp4", "song.transcoded.wav"};
+    const Words outputs = {"it's a\n\"film\" $HOME.mpg.transcoded.mp4", "song.flac.transcoded.wav",
+                           "song.oga.transcoded.wav"};
     EXPECT_EQ(
         command(outputs).out,
-        "it's a\\x0a\"film\" $HOME.transcoded.mp4: needs no transcoding, it is sent as it is\n\n"
-        "song.transcoded.wav: needs no transcoding, it is sent as it is\n\n"
-        "2 files: 2 kept, 0 remuxed, 0 audio, 0 video, 0 refused, 0 unreadable\n");
+        "it's a\\x0a\"film\" $HOME.mpg.transcoded.mp4: needs no transcoding, it is sent as it is\n\n"
+        "song.flac.transcoded.wav: needs no transcoding, it is sent as it is\n\n"
+        "song.oga.transcoded.wav: needs no transcoding, it is sent as it is\n\n"
+        "3 files: 3 kept, 0 remuxed, 0 audio, 0 video, 0 refused, 0 unreadable\n");
     for (const std::string &output : outputs) std::filesystem::remove(*s_Dir / output);
 }
 
@@ -143,6 +147,10 @@ TEST_F(Command, TellsProgramsTheSame)
     EXPECT_EQ(film["hardwareAllowed"], true);
     EXPECT_EQ(film["pcm"], nullptr);
     EXPECT_THAT(film["ffmpeg"].get<std::string>(), testing::HasSubstr("a\n\"film\""));
+    EXPECT_EQ(film["arguments"][0], "ffmpeg");
+    EXPECT_EQ(film["arguments"].back(), "file:it's a\\x0a\"film\" $HOME.mpg.transcoded.mp4");
+    EXPECT_EQ(film["argumentsHex"].back(),
+              tool::hexBytes("file:" + std::string(kFilm) + ".transcoded.mp4"));
     EXPECT_EQ(song["frame"], nullptr);
     EXPECT_EQ(song["hardwareAllowed"], nullptr);
     EXPECT_EQ(song["mime"], "audio/wav");

@@ -35,6 +35,13 @@ Json orNull(const char *text)
     return text ? Json(printable(text)) : Json();
 }
 
+Json each(const std::vector<std::string> &words, std::string (*form)(std::string_view))
+{
+    Json list = Json::array();
+    for (const std::string &word : words) list.push_back(form(word));
+    return list;
+}
+
 Json jsonOf(const PcmEstimate &pcm)
 {
     return {{"seconds", pcm.seconds},
@@ -53,7 +60,9 @@ Json jsonOf(const LibraryCommand &command, const FileCommand &file)
             {"frame", file.decision->isVideo ? Json(command.frame) : Json()},
             {"hardwareAllowed", file.decision->isVideo ? Json(command.hardwareAllowed) : Json()},
             {"pcm", command.pcm ? jsonOf(*command.pcm) : Json()},
-            {"ffmpeg", shellCommand(file.ffmpeg)}};
+            {"ffmpeg", shellCommand(file.ffmpeg)},
+            {"arguments", each(file.ffmpeg, printable)},
+            {"argumentsHex", each(file.ffmpeg, hexBytes)}};
 }
 
 std::string commandLines(const LibraryCommand &command, const FileCommand &file)

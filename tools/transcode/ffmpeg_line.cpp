@@ -6,7 +6,6 @@
 #include "tools/transcode/library_command.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fmt/format.h>
 #include <optional>
 
@@ -219,9 +218,7 @@ std::string fileUrl(const std::string &path)
 
 std::string outputName(const std::string &media, int formatId)
 {
-    const std::filesystem::path path(media);
-    return path.parent_path() /
-           fmt::format("{}.transcoded.{}", path.stem().string(), extensionOf(formatId));
+    return fmt::format("{}.transcoded.{}", media, extensionOf(formatId));
 }
 
 } // namespace vornak::tool

@@ -31,7 +31,7 @@ std::vector<std::string> stockArguments(std::string_view limits, std::string_vie
 /// How a file is called for ffmpeg, whatever it looks like.
 std::string fileUrl(const std::string &path);
 
-/// A name for the output, beside the file: "film.transcoded.ts"
+/// A name for the output, beside the file and no other file's: "film.mkv.transcoded.ts"
 std::string outputName(const std::string &media, int formatId);
 
 } // namespace vornak::tool
