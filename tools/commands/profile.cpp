@@ -14,10 +14,12 @@ void addProfileOptions(CLI::App &command, ProfileOptions &options)
 
 void addProfile(CLI::App &app, int &status)
 {
-    CLI::App *command = app.add_subcommand("profile", "Show or check a Device profile");
+    CLI::App *command = app.add_subcommand("profile", "Show, check or make a Device profile");
     command->require_subcommand(1);
     addProfileShow(*command, status);
     addProfileCheck(*command, status);
+    addProfileNew(*command, status);
+    addProfileImport(*command, status);
 }
 
 } // namespace vornak::tool

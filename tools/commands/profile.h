@@ -1,4 +1,4 @@
-// vornak profile: the subcommands that look at a profile alone.
+// vornak profile: the subcommands that look at a profile alone, or make one.
 #pragma once
 
 #include <string>
@@ -18,5 +18,7 @@ void addProfileOptions(CLI::App &command, ProfileOptions &options);
 
 void addProfileShow(CLI::App &app, int &status);
 void addProfileCheck(CLI::App &app, int &status);
+void addProfileNew(CLI::App &app, int &status);
+void addProfileImport(CLI::App &app, int &status);
 
 } // namespace vornak::tool

@@ -1,0 +1,62 @@
+// vornak profile import: a profile from one of another system.
+#include "tools/commands/profile.h"
+#include "tools/commands/profile_output.h"
+#include "tools/import/import_file.h"
+#include "tools/import/note.h"
+#include "tools/import/profile_text.h"
+#include "tools/terminal/exit_status.h"
+#include "tools/terminal/output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace vornak::tool {
+namespace {
+
+constexpr const char *kProfileImportHelp =
+    "Make a profile of a Jellyfin device profile, or of DLNA profiles as gupnp-dlna describes them";
+
+constexpr const char *kProfileImportFooter = R"(Examples:
+  vornak profile import tv.json -o tv.xml
+      Jellyfin's profile; what a Device profile can't say is listed on standard error
+  vornak profile import dlna-profiles/ --names AVC_MP4_HP_HD_AAC,MP3 > tv.xml
+      the DLNA profiles of that name, from a folder of files that include each other
+
+What can't be said exactly is said more strictly: a file may be transcoded that the player would
+have played, and none is sent that it wouldn't play. What a Device profile has no limit for is left
+out. Both are listed, with their lines.
+
+Exit status: 0 written, 2 bad usage, a file that can't be understood, or an output that can't be
+written.
+)";
+
+struct ImportCommandOptions : ImportOptions {
+    ProfileOutput output;
+};
+
+int runProfileImport(const ImportCommandOptions &options)
+{
+    Player player = readForeignProfile(options);
+    const DeviceRules rules = makeRules(player);
+    const std::string text =
+        profileText(player, rules, "Imported from " + shownFileName(options.file) + ".");
+    for (const Remark &remark : player.remarks) complain(remarkText(remark));
+    writeProfile(text, options.output);
+    return kDone;
+}
+
+} // namespace
+
+void addProfileImport(CLI::App &app, int &status)
+{
+    auto options = std::make_shared<ImportCommandOptions>();
+    CLI::App *command = app.add_subcommand("import", kProfileImportHelp);
+    command->add_option("FILE", options->file, "The foreign profile")->required();
+    command->add_option("--name", options->name, "The player's name")->type_name("NAME");
+    addOutputOptions(*command, options->output);
+    command->footer(kProfileImportFooter);
+    command->callback([options, &status] { status = runProfileImport(*options); });
+}
+
+} // namespace vornak::tool

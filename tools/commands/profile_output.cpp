@@ -1,0 +1,39 @@
+#include "tools/commands/profile_output.h"
+
+#include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
+#include "tools/transcode/work_file.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <fmt/format.h>
+#include <fstream>
+#include <stdexcept>
+
+namespace vornak::tool {
+
+void addOutputOptions(CLI::App &command, ProfileOutput &output)
+{
+    command
+        .add_option("-o,--output", output.path,
+                    "Write the profile to this file and not to standard output")
+        ->type_name("FILE");
+    command.add_flag("--force", output.replace, "Replace the file if there is one");
+}
+
+void writeProfile(const std::string &text, const ProfileOutput &output)
+{
+    if (output.path.empty()) return writeOut(text);
+    const std::string place = outputPlace(output.path, output.replace);
+    const std::filesystem::path folder = std::filesystem::path(place).parent_path();
+    WorkFile work(folder.empty() ? "." : folder.string());
+    std::ofstream file(work.path(), std::ios::binary);
+    file << text;
+    file.close();
+    if (!file)
+        throw std::runtime_error(fmt::format("{}: can't be written whole", printable(output.path)));
+    work.moveTo(place, output.replace);
+}
+
+} // namespace vornak::tool

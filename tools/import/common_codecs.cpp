@@ -1,0 +1,62 @@
+#include "tools/import/common_codecs.h"
+
+#include "platform/registry_names.h"
+#include "tools/import/names.h"
+
+#include <algorithm>
+
+namespace vornak::tool {
+namespace {
+
+std::vector<int> codecsNamed(const char *list)
+{
+    std::vector<int> codecs;
+    for (const std::string &name : splitList(list, '|')) codecs.push_back(codecNamed(name));
+    return codecs;
+}
+
+std::vector<int> generalMp4()
+{
+    return {containerNamed("mp4/isom"), containerNamed("mp4/mp42"), containerNamed("mp4/mp41")};
+}
+
+} // namespace
+
+std::vector<int> commonPictures()
+{
+    return codecsNamed("h264|hevc|mpeg2video|mpeg4|vp9|av1|vp8|vc1|wmv3|wmv2|wmv1|mpeg1video|"
+                       "msmpeg4v3|msmpeg4v2|msmpeg4v1|mjpeg|h263|h261|flv1|theora|vp6|vp6f|vp6a|"
+                       "vvc|rv40|rv30|rv20|rv10|dvvideo|prores|dnxhd|cinepak|svq3|svq1|indeo5|"
+                       "huffyuv|ffv1|cavs|rawvideo");
+}
+
+std::vector<int> commonSounds()
+{
+    return codecsNamed("aac|ac3|eac3|mp3|mp2|mp1|dts|dtshd|truehd|mlp|flac|alac|opus|vorbis|"
+                       "aac_latm|pcm_s16le|pcm_s16be|pcm_s24le|pcm_s24be|pcm_s32le|pcm_u8|"
+                       "pcm_f32le|pcm_mulaw|pcm_alaw|pcm_dvd|pcm_bluray|wmav2|wmav1|wmapro|"
+                       "wmalossless|wmavoice|amr_nb|amr_wb|speex|ape|wavpack|tta|musepack7|"
+                       "musepack8|cook|sipr|ra_144|ra_288|adpcm_ms|adpcm_ima_wav|adpcm_swf|ac4|"
+                       "nellymoser|gsm_ms|dsd_lsbf|dsd_msbf|dsd_lsbf_planar|dsd_msbf_planar");
+}
+
+std::vector<int> allContainers()
+{
+    std::vector<int> formats;
+    for (const RegistryName &row : containerNames()) {
+        if (row.id == 0) continue;
+        if (row.id != containerNamed("mp4")) formats.push_back(row.id);
+        for (const SubtypeName &subtype : subtypeNames())
+            if (subtype.containerId == row.id) formats.push_back(row.id | subtype.number << 16);
+    }
+    return formats;
+}
+
+std::vector<int> containersNamed(const std::string &name)
+{
+    const int format = containerNamed(name == "webma" ? "webm" : name);
+    if (format <= 0) return {};
+    return format == containerNamed("mp4") ? generalMp4() : std::vector{format};
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,316 @@
+#include "tools/import/described_player.h"
+
+#include "include/vornak_host.h"
+#include "platform/registry_names.h"
+#include "tools/import/container_facts.h"
+#include "tools/import/dlna_name.h"
+#include "tools/import/levels.h"
+#include "tools/import/limits.h"
+#include "tools/import/names.h"
+#include "tools/profile/id_names.h"
+#include "tools/terminal/nearest_name.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <stdexcept>
+#include <utility>
+
+namespace vornak::tool {
+namespace {
+
+using Words = std::vector<std::string>;
+
+struct Like {
+    const char *name, *playerName;
+    Words video, audio, music, containers;
+};
+
+const std::vector<Like> &likes()
+{
+    static const std::vector<Like> s_Likes = {
+        {"tv",
+         "TV",
+         {"h264:high:4.2,1920x1080", "hevc:main10:5.1,3840x2160", "vp9:profile2,3840x2160",
+          "mpeg2video:main,1920x1080"},
+         {"ac3:6", "eac3:6", "aac:he_v2:6", "mp3:2", "mp2:2"},
+         {"mp3:2", "aac:he_v2:6", "flac:6", "pcm_s16le:2", "wmav2:2"},
+         {"mpegts", "mp4", "matroska"}},
+        {"older-tv",
+         "Older TV",
+         {"mpeg2video:main,720x576", "h264:high:4.0,1920x1080", "mpeg4:advanced_simple,720x576"},
+         {"ac3:6", "mp2:2", "mp3:2", "aac:lc:2"},
+         {"mp3:2", "pcm_s16le:2"},
+         {"mpegps", "mpegts", "avi", "mp4"}},
+        {"phone",
+         "Phone",
+         {"h264:main:3.1,1280x720", "hevc:main:4.0,1920x1080", "vp9:profile0,1920x1080",
+          "vp8,1280x720"},
+         {"aac:he_v2:2", "opus:2", "vorbis:2"},
+         {"aac:he_v2:2", "mp3:2", "flac:2", "opus:2", "vorbis:2"},
+         {"mp4", "webm"}},
+        {"desktop",
+         "Desktop player",
+         {"h264", "hevc", "vp9", "av1", "mpeg4", "mpeg2video", "vp8", "vc1", "wmv3", "mjpeg"},
+         {"aac", "ac3", "eac3", "mp3", "opus", "vorbis", "flac", "dts", "mp2", "pcm_s16le",
+          "wmav2"},
+         {"flac", "mp3", "aac", "alac", "opus", "vorbis", "pcm_s16le", "pcm_s24le", "wmav2",
+          "wavpack", "ape"},
+         {"matroska", "mp4", "mpegts", "webm", "avi", "mpegps", "mov", "asf", "ogg"}},
+        {"hifi",
+         "Hi-fi streamer",
+         {},
+         {},
+         {"pcm_s16le:2", "pcm_s24le:2", "flac:2", "alac:2", "mp3:2", "aac:2", "vorbis:2"},
+         {}},
+    };
+    return s_Likes;
+}
+
+[[noreturn]] void refuse(const char *option, const std::string &value, const std::string &why)
+{
+    throw std::runtime_error(fmt::format("{} {}: {}", option, printable(value), why));
+}
+
+Words codecNameList()
+{
+    Words names;
+    for (const RegistryName &row : codecNames())
+        if (row.id > 0) names.emplace_back(row.name);
+    return names;
+}
+
+int readCodec(const char *option, const std::string &spec, const std::string &name, bool picture)
+{
+    const int codec = codecNamed(name);
+    if (codec <= 0)
+        refuse(option, spec,
+               fmt::format("there is no codec {}{}", printable(name),
+                           didYouMean(name, codecNameList())));
+    if (isPicture(codec) != picture)
+        refuse(option, spec,
+               fmt::format("{} is no {} codec", printable(name), picture ? "video" : "audio"));
+    return codec;
+}
+
+/// Who plays the one plays the others too.
+constexpr struct {
+    const char *codec, *profile, *included;
+} s_Included[] = {
+    {"h264", "baseline", "baseline|constrained_baseline"},
+    {"h264", "main", "baseline|constrained_baseline|main"},
+    {"h264", "high", "baseline|constrained_baseline|main|high"},
+    {"h264", "high10", "baseline|constrained_baseline|main|high|high10"},
+    {"hevc", "main10", "main|main10"},
+    {"vp9", "profile2", "profile0|profile2"},
+    {"mpeg2video", "main", "simple|main"},
+    {"mpeg2video", "high", "simple|main|high"},
+    {"mpeg4", "advanced_simple", "simple|advanced_simple"},
+    {"aac", "he", "lc|he"},
+    {"aac", "he_v2", "lc|he|he_v2"},
+};
+
+int readProfiles(const char *option, const std::string &spec, int codec, const std::string &name)
+{
+    const Words known = profileTexts(allProfilesOf(codec), codec);
+    if (!codecHasProfile(codec, name.c_str()))
+        refuse(option, spec,
+               fmt::format("{} has no profile {}{}", codecText(codec), printable(name),
+                           nearestOrAll(name, known)));
+    const int bits = profilesNamed(name);
+    for (const auto &row : s_Included)
+        if (codecNamed(row.codec) == codec && profilesNamed(row.profile) == bits)
+            return profilesNamed(row.included);
+    return bits;
+}
+
+/// A number with a suffix K or M that is all of the text and above 0; 0: it isn't.
+int readNumber(const std::string &text)
+{
+    std::int64_t number = 0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || number <= 0 || number > 2'000'000'000) return 0;
+    const std::string suffix = lowerCase(std::string(stop, end));
+    if (suffix == "k") number *= 1000;
+    if (suffix == "m") number *= 1'000'000;
+    const bool isWhole = suffix.empty() || suffix == "k" || suffix == "m";
+    return isWhole && number <= 2'000'000'000 ? static_cast<int>(number) : 0;
+}
+
+void readSizeOrRate(const std::string &spec, const std::string &word, PictureLimits &limits)
+{
+    const std::size_t times = word.find('x');
+    if (times == std::string::npos) {
+        limits.bitrate.most = readNumber(word);
+        if (limits.bitrate.most == 0)
+            refuse("--video", spec,
+                   fmt::format("{} is neither a size, such as 1920x1080, nor a "
+                               "bit rate, such as 25M",
+                               printable(word)));
+        return;
+    }
+    limits.width.most = readNumber(word.substr(0, times));
+    limits.height.most = readNumber(word.substr(times + 1));
+    if (limits.width.most == 0 || limits.height.most == 0)
+        refuse("--video", spec,
+               fmt::format("{} is no size; write one like 1920x1080", printable(word)));
+}
+
+/// CODEC[:PROFILE][:LEVEL][,WIDTHxHEIGHT][,BITRATE]
+PictureLimits readPicture(const std::string &spec)
+{
+    Words parts = splitList(spec, ',');
+    const Words words = parts.empty() ? Words{} : splitList(parts.front(), ':');
+    if (words.empty()) refuse("--video", spec, "name a codec, such as h264:high:4.1,1920x1080");
+    PictureLimits limits;
+    limits.codec = readCodec("--video", spec, words[0], true);
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        const std::optional<int> level = codedLevel(limits.codec, words[i]);
+        if (level)
+            limits.level = *level;
+        else if (words[i].find_first_not_of("0123456789.") == std::string::npos)
+            refuse("--video", spec,
+                   fmt::format("{} has no level {}", codecText(limits.codec), printable(words[i])));
+        else
+            limits.profiles = readProfiles("--video", spec, limits.codec, words[i]);
+    }
+    for (std::size_t i = 1; i < parts.size(); ++i) readSizeOrRate(spec, parts[i], limits);
+    return limits;
+}
+
+/// CODEC[:PROFILE][:CHANNELS]
+SoundLimits readSound(const char *option, const std::string &spec)
+{
+    const Words words = splitList(spec, ':');
+    if (words.empty()) refuse(option, spec, "name a codec, such as aac:2");
+    SoundLimits limits;
+    limits.codec = readCodec(option, spec, words[0], false);
+    for (std::size_t i = 1; i < words.size(); ++i)
+        if (const int channels = readNumber(words[i]); channels > 0)
+            limits.channels.most = channels;
+        else
+            limits.profiles = readProfiles(option, spec, limits.codec, words[i]);
+    return limits;
+}
+
+int readContainer(const std::string &name)
+{
+    const int format = containerNamed(name);
+    if (format <= 0)
+        refuse("--container", name,
+               "there is no container of that name" + didYouMean(name, knownContainers()));
+    return format;
+}
+
+/// The containers in which music of a codec is found.
+std::vector<int> musicContainers(int codec)
+{
+    constexpr const char *s_Bare[] = {"mp3",     "flac", "adts",   "ogg",  "wav", "ac3",
+                                      "eac3",    "dts",  "truehd", "aiff", "asf", "ape",
+                                      "wavpack", "tta",  "mpc",    "dsf",  "dff", "amr"};
+    std::vector<int> formats;
+    for (const char *const name : s_Bare)
+        if (formats.empty() && canHold(containerNamed(name), codec))
+            formats.push_back(containerNamed(name));
+    if (canHold(containerNamed("mp4/m4a"), codec)) formats.push_back(containerNamed("mp4"));
+    return formats;
+}
+
+void addMusic(Player &player, const std::string &option, const std::string &spec)
+{
+    const SoundLimits sound = readSound(option.c_str(), spec);
+    const std::vector<int> formats = musicContainers(sound.codec);
+    if (formats.empty() && option == "--music")
+        refuse("--music", spec, "no container is known for music of this codec");
+    const int origin = originOf(player, fmt::format("{} {}", option.substr(2), printable(spec)));
+    for (const int format : formats)
+        player.ways.push_back({std::nullopt,
+                               sound,
+                               {format, mimeOf(format, true), dlnaNameOfMusic(sound, format)},
+                               {},
+                               {origin}});
+    player.wishes.push_back({false, 0, sound.codec, 0});
+}
+
+/// Adds what can be: not all codecs are found in all containers.
+void addVideo(Player &player, const std::string &spec, const Description &description)
+{
+    const PictureLimits picture = readPicture(spec);
+    const int origin = originOf(player, fmt::format("video {}", printable(spec)));
+    const std::size_t before = player.ways.size();
+    for (const std::string &audio : description.audio)
+        for (const std::string &container : description.containers) {
+            const SoundLimits sound = readSound("--audio", audio);
+            const int format = readContainer(container);
+            if (!canHold(format, picture.codec) || !canHold(format, sound.codec)) continue;
+            player.ways.push_back({picture,
+                                   sound,
+                                   {format, mimeOf(format, false), {}},
+                                   {origin},
+                                   {originOf(player, "audio " + printable(audio))}});
+            player.wishes.push_back({true, picture.codec, sound.codec, format});
+        }
+    if (player.ways.size() == before)
+        refuse("--video", spec,
+               "no container of --container is known to hold it with a codec of "
+               "--audio; name others");
+}
+
+template <class Value>
+void takeOver(Value &value, const Value &from)
+{
+    if (value.empty()) value = from;
+}
+
+void takeOverFrom(const Like &like, Description &description)
+{
+    takeOver(description.name, std::string(like.playerName));
+    takeOver(description.video, like.video);
+    takeOver(description.audio, like.audio);
+    takeOver(description.music, like.music);
+    takeOver(description.containers, like.containers);
+}
+
+void takeOverFromLike(Description &description)
+{
+    if (description.like.empty()) return;
+    Words names;
+    for (const Like &like : likes()) {
+        if (description.like == like.name) return takeOverFrom(like, description);
+        names.emplace_back(like.name);
+    }
+    refuse("--like", description.like,
+           "there is no such player" + nearestOrAll(description.like, names));
+}
+
+} // namespace
+
+std::vector<std::string> likeNames()
+{
+    Words names;
+    for (const Like &like : likes()) names.emplace_back(like.name);
+    return names;
+}
+
+Player describedPlayer(Description description)
+{
+    takeOverFromLike(description);
+    takeOver(description.name, std::string("Player"));
+    const bool tellsMusic = !description.music.empty();
+    if (description.video.empty() && description.audio.empty() && !tellsMusic)
+        throw std::runtime_error("say what the player takes: --video, --audio and --container, or "
+                                 "--music, or --like a kind of player");
+    if (!description.video.empty() && (description.audio.empty() || description.containers.empty()))
+        throw std::runtime_error("--video needs the sound that comes with it, --audio, and what "
+                                 "both come in, --container");
+    Player player;
+    player.name = description.name;
+    for (const std::string &spec : tellsMusic ? description.music : description.audio)
+        addMusic(player, tellsMusic ? "--music" : "--audio", spec);
+    for (const std::string &spec : description.video) addVideo(player, spec, description);
+    return player;
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,525 @@
+#include "tools/import/jellyfin_profile.h"
+
+#include "tools/import/common_codecs.h"
+#include "tools/import/container_facts.h"
+#include "tools/import/dlna_name.h"
+#include "tools/import/jellyfin_condition.h"
+#include "tools/import/limits.h"
+#include "tools/import/names.h"
+#include "tools/import/oddities.h"
+#include "tools/import/text_file.h"
+#include "tools/profile/id_names.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fmt/format.h>
+#include <map>
+#include <tuple>
+#include <utility>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::size_t kMostCombinations = 300'000;
+constexpr std::size_t kMostAlternatives = 40;
+constexpr std::size_t kMostWishes = 100;
+
+/// A list of names: these, or all but these.
+struct Selection {
+    bool isAll = true; ///< an absent list
+    bool isExcept = false;
+    std::vector<int> ids;
+
+    bool takes(int id) const
+    {
+        return isAll || (std::ranges::find(ids, id) != ids.end()) != isExcept;
+    }
+};
+
+enum StreamKind { Picture, SoundOfVideo, Music };
+
+constexpr NamedNumber s_MediaTypes[] = {
+    {"Audio", 0}, {"Video", 1}, {"Photo", 2}, {"Subtitle", 3}, {"Lyric", 4}};
+constexpr NamedNumber s_CodecTypes[] = {
+    {"Video", Picture}, {"VideoAudio", SoundOfVideo}, {"Audio", Music}};
+
+/// Conditions on the streams of one kind; all hold, where those for applying do.
+struct LimitSet {
+    StreamKind kind;
+    Selection codecs, containers;
+    std::vector<JellyfinCondition> applying, conditions;
+    std::string place; ///< in the document
+    int line;
+};
+
+/// Names that stand for a family of codecs, none of which is called so in a file.
+bool isFamily(const std::string &name)
+{
+    return name == "pcm" || name == "lpcm" || name == "wma" || name == "dsd";
+}
+
+std::vector<int> codecsNamed(const std::string &name, bool picture)
+{
+    const int codec = codecNamed(name);
+    if (isFamily(name) || codec <= 0 || isPicture(codec) != picture) return {};
+    // what extends DTS is a codec of its own here alone
+    if (codec == codecNamed("dts")) return {codec, codecNamed("dtshd")};
+    return {codec};
+}
+
+class Reader {
+public:
+    Reader(const std::string &path, Player &player)
+        : path_(path), file_(shownFileName(path)), player_(player)
+    {}
+
+    void read(ObjectReader &root)
+    {
+        readTotals(root);
+        for (ObjectReader &object : root.list("CodecProfiles")) readCodecProfile(object);
+        for (ObjectReader &object : root.list("ContainerProfiles")) readContainerProfile(object);
+        for (ObjectReader &object : root.list("TranscodingProfiles")) readTranscoding(object);
+        for (ObjectReader &object : root.list("DirectPlayProfiles")) readDirectPlay(object);
+        if (root.has("SubtitleProfiles"))
+            noteAt(root.lineOf("SubtitleProfiles"), "SubtitleProfiles")(
+                Remark::LeftOut, "a Device profile says nothing of subtitles");
+        root.noteUnknown(player_);
+    }
+
+private:
+    /// @param place  what it is about, perhaps with a point behind it
+    Note noteAt(int line, std::string place)
+    {
+        if (place.ends_with('.')) place.pop_back();
+        return tool::noteAt(player_, file_, line, place);
+    }
+
+    void readTotals(ObjectReader &root)
+    {
+        player_.name = root.text("Name");
+        for (const char *const key :
+             {"MaxStreamingBitrate", "MaxStaticBitrate", "MusicStreamingTranscodingBitrate"})
+            if (root.has(key))
+                noteAt(root.lineOf(key), key + (" " + printable(root.text(key))))(
+                    Remark::LeftOut, "what a connection carries of a whole file; a Device profile "
+                                     "limits each stream");
+    }
+
+    /// A comma list. @param idsOf  of a name; none: it isn't known
+    template <class IdsOf>
+    Selection readSelection(ObjectReader &object, const char *key, IdsOf idsOf, const char *what)
+    {
+        const std::string text = object.text(key);
+        Selection selection{splitList(text, ',').empty(), text.starts_with('-'), {}};
+        const std::vector<std::string> names =
+            splitList(std::string_view(text).substr(selection.isExcept ? 1 : 0), ',');
+        for (const std::string &written : names) {
+            const std::vector<int> ids = idsOf(lowerCase(written));
+            for (const int id : ids)
+                if (std::ranges::find(selection.ids, id) == selection.ids.end())
+                    selection.ids.push_back(id);
+            if (ids.empty())
+                noteAt(object.lineOf(key), object.place() + key)(
+                    Remark::LeftOut,
+                    fmt::format("no {} is known by the name \"{}\"", what, printable(written)));
+        }
+        return selection;
+    }
+
+    Selection readCodecs(ObjectReader &object, const char *key, bool picture)
+    {
+        return readSelection(
+            object, key, [picture](const std::string &name) { return codecsNamed(name, picture); },
+            picture ? "video codec" : "audio codec");
+    }
+
+    Selection readContainers(ObjectReader &object)
+    {
+        return readSelection(object, "Container", containersNamed, "container");
+    }
+
+    std::vector<JellyfinCondition> readConditions(ObjectReader &object, const char *key)
+    {
+        std::vector<JellyfinCondition> conditions;
+        for (ObjectReader &each : object.list(key))
+            if (const auto condition = readCondition(each, file_, player_))
+                conditions.push_back(*condition);
+        return conditions;
+    }
+
+    /// How a comment names an object as the origin of a rule.
+    static std::string originText(std::string_view place, int line)
+    {
+        return fmt::format("{} (line {})", place.substr(0, place.size() - 1), line);
+    }
+
+    /// The row of the type; null, with a remark, if it isn't known.
+    const NamedNumber *readType(ObjectReader &object, std::span<const NamedNumber> types)
+    {
+        const std::string written = object.text("Type");
+        const NamedNumber *type = findNamed(types, written.empty() ? "0" : written);
+        if (!type)
+            noteAt(object.line(), object.place() + "Type")(
+                Remark::LeftOut, fmt::format("no type that is known: {}", printable(written)));
+        return type;
+    }
+
+    void readCodecProfile(ObjectReader &object)
+    {
+        const NamedNumber *type = readType(object, s_CodecTypes);
+        if (!type) return;
+        sets_.push_back({static_cast<StreamKind>(type->number),
+                         readCodecs(object, "Codec", type->number == Picture),
+                         readContainers(object), readConditions(object, "ApplyConditions"),
+                         readConditions(object, "Conditions"), object.place(), object.line()});
+        if (!object.text("SubContainer").empty())
+            noteAt(object.lineOf("SubContainer"), object.place() + "SubContainer")(
+                Remark::LeftOut, "the parts of a stream in pieces; files have none");
+        object.noteUnknown(player_);
+    }
+
+    void readContainerProfile(ObjectReader &object)
+    {
+        const NamedNumber *type = readType(object, s_MediaTypes);
+        if (!type) return;
+        LimitSet set{Picture,
+                     {},
+                     readContainers(object),
+                     {},
+                     readConditions(object, "Conditions"),
+                     object.place(),
+                     object.line()};
+        object.noteUnknown(player_);
+        if (std::string_view(type->name) == "Audio") set.kind = Music;
+        if (type->number <= 1) sets_.push_back(std::move(set));
+    }
+
+    void readTranscoding(ObjectReader &object)
+    {
+        const NamedNumber *type = readType(object, s_MediaTypes);
+        if (!type) return;
+        const Selection formats = readContainers(object);
+        const Selection pictures = readCodecs(object, "VideoCodec", true);
+        const Selection sounds = readCodecs(object, "AudioCodec", false);
+        const bool isVideo = std::string_view(type->name) == "Video";
+        for (const int picture : isVideo ? pictures.ids : std::vector{0})
+            for (const int sound : sounds.ids)
+                for (const int format : formats.ids)
+                    if (player_.wishes.size() < kMostWishes)
+                        player_.wishes.push_back({isVideo, picture, sound, format});
+        const std::string protocol = lowerCase(object.text("Protocol"));
+        object.text("Context");
+        if (protocol == "hls" || protocol == "1")
+            noteAt(object.lineOf("Protocol"), object.place() + "Protocol")(
+                Remark::LeftOut, "a file is made as a whole, not in pieces");
+        for (const JellyfinCondition &condition : readConditions(object, "Conditions"))
+            noteAt(condition.line, condition.text)(
+                Remark::LeftOut, "what is made is described by the first rule alone");
+        object.noteUnknown(player_);
+    }
+
+    void readDirectPlay(ObjectReader &object)
+    {
+        const NamedNumber *type = readType(object, s_MediaTypes);
+        if (!type) return;
+        const Selection formats = readContainers(object);
+        const Selection pictures = readCodecs(object, "VideoCodec", true);
+        const Selection sounds = readCodecs(object, "AudioCodec", false);
+        object.noteUnknown(player_);
+        const int origin = originOf(player_, originText(object.place(), object.line()));
+        if (type->number > 1)
+            noteAt(object.line(), object.place())(
+                Remark::LeftOut,
+                fmt::format("a Device profile has no rules for the type {}", type->name));
+        else if (std::string_view(type->name) == "Audio")
+            addMusic(object, formats, sounds, origin);
+        else
+            addVideo(object, formats, pictures, sounds, origin);
+    }
+
+    void addMusic(const ObjectReader &object, const Selection &formats, const Selection &sounds,
+                  int origin)
+    {
+        for (const int format : formatsOf(formats))
+            for (const int codec : codecsOf<SoundLimits>(object, sounds, format, Music)) {
+                count(1);
+                for (const SoundLimits &sound : limitsFor<SoundLimits>(codec, format, Music))
+                    player_.ways.push_back(
+                        {std::nullopt,
+                         sound,
+                         {format, mimeOf(format, true), dlnaNameOfMusic(sound, format)},
+                         {},
+                         originsFor(origin, codec, format, Music)});
+            }
+    }
+
+    void addVideo(const ObjectReader &object, const Selection &formats, const Selection &pictures,
+                  const Selection &sounds, int origin)
+    {
+        for (const int format : formatsOf(formats))
+            for (const int codec : codecsOf<PictureLimits>(object, pictures, format, Picture))
+                for (const int audio : codecsOf<SoundLimits>(object, sounds, format, SoundOfVideo))
+                    addVideos(codec, audio, format, origin);
+    }
+
+    void addVideos(int codec, int audio, int format, int origin)
+    {
+        const auto &pictures = limitsFor<PictureLimits>(codec, format, Picture);
+        const auto &sounds = limitsFor<SoundLimits>(audio, format, SoundOfVideo);
+        count(1 + pictures.size() * sounds.size());
+        for (const PictureLimits &picture : pictures)
+            for (const SoundLimits &sound : sounds)
+                player_.ways.push_back({picture,
+                                        sound,
+                                        {format, mimeOf(format, false), {}},
+                                        originsFor(origin, codec, format, Picture),
+                                        originsFor(origin, audio, format, SoundOfVideo)});
+    }
+
+    void count(std::size_t combinations)
+    {
+        combinations_ += combinations;
+        if (combinations_ > kMostCombinations)
+            throw ImportError(path_, 0,
+                              "its codecs, containers and conditions combine to more "
+                              "kinds of files than a profile can hold");
+    }
+
+    /// The containers of a list. Any container stands as such only where none has conditions.
+    std::vector<int> formatsOf(const Selection &formats) const
+    {
+        const bool areLimited =
+            std::ranges::any_of(sets_, [](const LimitSet &set) { return !set.containers.isAll; });
+        if (!formats.isAll && !formats.isExcept) return formats.ids;
+        if (formats.isAll && !areLimited) return {0};
+        std::vector<int> all = allContainers();
+        std::erase_if(all, [&](int format) {
+            // one without subtype would take those with the subtypes that are left out
+            return formats.isExcept && std::ranges::any_of(formats.ids, [format](int other) {
+                       return other == format || (format >> 16 == 0 && format == (other & 0xFFFF));
+                   });
+        });
+        return all;
+    }
+
+    template <class Limits>
+    static std::vector<int> commonCodecs()
+    {
+        if constexpr (std::is_same_v<Limits, PictureLimits>)
+            return commonPictures();
+        else
+            return commonSounds();
+    }
+
+    /// The codecs of a list. Any codec stands as such only where none has limits, since a rule for
+    /// any codec looks at none; else the common ones stand for it.
+    template <class Limits>
+    std::vector<int> codecsOf(const ObjectReader &object, const Selection &codecs, int format,
+                              StreamKind kind)
+    {
+        if (format == containerNamed("webm")) return codecsOfWebm<Limits>(object, codecs);
+        if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
+        std::vector<int> all = commonCodecs<Limits>();
+        for (const LimitSet &set : sets_)
+            for (const int id : set.codecs.ids)
+                if (set.kind == kind && std::ranges::find(all, id) == all.end()) all.push_back(id);
+        const bool isLimited = std::ranges::any_of(all, [&](int codec) {
+            Limits unlimited;
+            unlimited.codec = codec;
+            return limitsFor<Limits>(codec, format, kind) != Union<Limits>{unlimited};
+        });
+        if (codecs.isAll && !isLimited) return {0};
+        std::erase_if(all, [&](int codec) { return !codecs.takes(codec); });
+        noteAt(object.line(), object.place())(
+            Remark::Stricter,
+            fmt::format("any {} codec{} is said as {} common ones",
+                        kind == Picture ? "video" : "audio",
+                        codecs.isAll ? ", some with limits," : " but some", all.size()));
+        return all;
+    }
+
+    /// To a rule, Matroska files are WebM, too; with WebM's few codecs they are just that.
+    template <class Limits>
+    std::vector<int> codecsOfWebm(const ObjectReader &object, const Selection &codecs)
+    {
+        noteAt(object.line(), object.place())(
+            Remark::LeftOut, "a rule for WebM takes Matroska with the codecs of WebM, too");
+        std::vector<int> all = commonCodecs<Limits>();
+        std::erase_if(all, [&](int codec) {
+            return !codecs.takes(codec) || !canHold(containerNamed("webm"), codec);
+        });
+        return all;
+    }
+
+    bool concerns(const LimitSet &set, int codec, int format, StreamKind kind) const
+    {
+        return set.kind == kind && set.codecs.takes(codec) && set.containers.takes(format);
+    }
+
+    std::vector<int> originsFor(int origin, int codec, int format, StreamKind kind)
+    {
+        std::vector<int> origins = {origin};
+        for (const LimitSet &set : sets_)
+            if (codec != 0 && concerns(set, codec, format, kind))
+                origins.push_back(originOf(player_, originText(set.place, set.line)));
+        return origins;
+    }
+
+    /// What is taken of a codec in a container.
+    template <class Limits>
+    const Union<Limits> &limitsFor(int codec, int format, StreamKind kind)
+    {
+        auto &known = cacheOf(static_cast<Limits *>(nullptr));
+        const auto [entry, isNew] = known.try_emplace({codec, format, kind});
+        if (!isNew) return entry->second;
+        Limits any;
+        any.codec = codec;
+        Union<Limits> all = {any};
+        for (const LimitSet &set : sets_) {
+            if (codec == 0 || !concerns(set, codec, format, kind)) continue;
+            Union<Limits> narrowed = narrowedBy(set, codec, all);
+            noteOddities(all, narrowed, noteAt(set.line, set.place));
+            all = std::move(narrowed);
+        }
+        return entry->second = std::move(all);
+    }
+
+    auto &cacheOf(const PictureLimits *) { return pictures_; }
+    auto &cacheOf(const SoundLimits *) { return sounds_; }
+
+    static auto thatKeep(const JellyfinCondition &condition, int codec, const Note &note,
+                         const PictureLimits *)
+    {
+        return picturesThatKeep(condition, codec, note);
+    }
+    static auto thatKeep(const JellyfinCondition &condition, int codec, const Note &note,
+                         const SoundLimits *)
+    {
+        return soundsThatKeep(condition, codec, note);
+    }
+
+    /// Tells what else is turned away on account of what a set refuses.
+    static void noteOddities(const Union<SoundLimits> &, const Union<SoundLimits> &, const Note &)
+    {}
+    static void noteOddities(const Union<PictureLimits> &before, const Union<PictureLimits> &after,
+                             const Note &note)
+    {
+        for (const PictureLimits &limits : after) {
+            const bool isNew = std::ranges::none_of(before, [&](const PictureLimits &other) {
+                return other.refused == limits.refused;
+            });
+            if (isNew) noteExceptions(limits, note);
+        }
+    }
+
+    static void noteExceptions(const PictureLimits &limits, const Note &note)
+    {
+        if (isForDolbyVision(limits))
+            note(Remark::Stricter, fmt::format("{}{} with dolby_vision is refused, and not "
+                                               "transcoded either",
+                                               codecText(limits.codec), profilesOf(limits)));
+        const PictureLimits rest = isForDolbyVision(limits) ? withoutDolbyVision(limits) : limits;
+        const int others = alsoTurnedAway(rest);
+        if (others != 0)
+            note(Remark::Stricter,
+                 fmt::format("a rule turns a file away only if all that is odd about it is "
+                             "listed; for {} to be, {}{} with {} alone is transcoded, too",
+                             fmt::join(playExceptionTexts(rest.refused), ", "),
+                             codecText(rest.codec), profilesOf(rest),
+                             fmt::join(playExceptionTexts(others), ", ")));
+    }
+
+    static std::string profilesOf(const PictureLimits &limits)
+    {
+        if (limits.profiles == 0) return {};
+        return fmt::format(" ({})", fmt::join(profileTexts(limits.profiles, limits.codec), ", "));
+    }
+
+    static Union<SoundLimits> split(Union<SoundLimits> all) { return all; }
+    static Union<PictureLimits> split(const Union<PictureLimits> &all)
+    {
+        Union<PictureLimits> parts;
+        for (const PictureLimits &limits : all)
+            for (const PictureLimits &part : splitByOddities(limits)) add(parts, part);
+        return parts;
+    }
+
+    /// A union as the conditions of a set leave it.
+    template <class Limits>
+    Union<Limits> narrowedBy(const LimitSet &set, int codec, const Union<Limits> &all)
+    {
+        Union<Limits> whereItApplies = {Limits{}};
+        for (const JellyfinCondition &condition : set.conditions)
+            if (const auto kept = thatKeep(condition, codec, noteAt(condition.line, condition.text),
+                                           static_cast<Limits *>(nullptr)))
+                whereItApplies = intersection(whereItApplies, *kept);
+        Union<Limits> alternatives = whereItApplies;
+        for (const JellyfinCondition &condition : set.applying)
+            for (const Limits &limits : whereNot<Limits>(condition, codec))
+                add(alternatives, limits);
+        Union<Limits> narrowed = split(intersection(all, alternatives));
+        if (narrowed.size() <= kMostAlternatives) return narrowed;
+        noteAt(set.line, set.place)(Remark::Stricter, "more cases than rules are made for: its "
+                                                      "conditions hold in all");
+        narrowed = split(intersection(all, whereItApplies));
+        if (narrowed.size() > kMostAlternatives) narrowed.resize(kMostAlternatives);
+        return narrowed;
+    }
+
+    /// Where a condition for applying doesn't hold; nowhere, if that can't be said exactly.
+    template <class Limits>
+    Union<Limits> whereNot(const JellyfinCondition &condition, int codec)
+    {
+        bool isExact = true;
+        const Note inexact = [&](Remark::Kind, const std::string &) { isExact = false; };
+        Union<Limits> all = {Limits{}};
+        for (const JellyfinCondition &negated : negationOf(condition)) {
+            const auto kept = thatKeep(negated, codec, inexact, static_cast<Limits *>(nullptr));
+            if (!kept) isExact = false;
+            if (isExact) all = intersection(all, *kept);
+        }
+        if (isExact && takesUnknown(condition) && !condition.isRequired)
+            noteAt(condition.line, condition.text)(
+                Remark::LeftOut, "where it isn't known, what it is asked for doesn't hold");
+        if (isExact) return all;
+        noteAt(condition.line, condition.text)(
+            Remark::Stricter, "no rule can tell where it holds, so what it is asked for holds "
+                              "everywhere");
+        return {};
+    }
+
+    const std::string &path_;
+    std::string file_;
+    Player &player_;
+    std::vector<LimitSet> sets_;
+    std::map<std::tuple<int, int, StreamKind>, Union<PictureLimits>> pictures_;
+    std::map<std::tuple<int, int, StreamKind>, Union<SoundLimits>> sounds_;
+    std::size_t combinations_ = 0;
+};
+
+bool isProfile(ObjectReader &object)
+{
+    return object.has("DirectPlayProfiles") || object.has("TranscodingProfiles") ||
+           object.has("CodecProfiles");
+}
+
+} // namespace
+
+Player readJellyfinProfile(const std::string &path, const std::string &text)
+{
+    const JsonValue document = parseJson(path, text);
+    if (document.kind != JsonValue::Object)
+        throw ImportError(path, document.line, "it holds no object, as a device profile is");
+    ObjectReader root(path, document, "");
+    if (!isProfile(root))
+        throw ImportError(path, document.line,
+                          "it is no device profile of Jellyfin: it has neither "
+                          "DirectPlayProfiles nor TranscodingProfiles nor CodecProfiles");
+    Player player;
+    Reader(path, player).read(root);
+    if (player.name.empty()) player.name = std::filesystem::path(path).stem().string();
+    return player;
+}
+
+} // namespace vornak::tool

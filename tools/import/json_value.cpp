@@ -1,0 +1,153 @@
+#include "tools/import/json_value.h"
+
+#include "tools/import/text_file.h"
+#include "tools/terminal/printable.h"
+
+#include <cstddef>
+#include <fmt/format.h>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+namespace vornak::tool {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::size_t kDeepest = 32;
+constexpr std::size_t kMostValues = 200'000;
+
+/// Where the parser stands in the text.
+struct Place {
+    int line = 1;
+    char last = '\0'; // that was read
+};
+
+/// The text, handed out a byte at a time while the lines are counted.
+class CountingIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char *;
+    using reference = const char &;
+
+    CountingIterator(const char *at, Place &place) : at_(at), place_(&place) {}
+
+    reference operator*() const { return *at_; }
+    CountingIterator &operator++()
+    {
+        if (*at_ == '\n') ++place_->line;
+        place_->last = *at_++;
+        return *this;
+    }
+    bool operator==(const CountingIterator &other) const { return at_ == other.at_; }
+    bool operator!=(const CountingIterator &other) const { return at_ != other.at_; }
+
+private:
+    const char *at_;
+    Place *place_;
+};
+
+/// Builds the tree from what the parser meets.
+class Builder : public nlohmann::json_sax<Json> {
+public:
+    Builder(const std::string &path, const Place &place) : path_(path), place_(place) {}
+
+    JsonValue take() { return std::move(root_); }
+
+    bool null() override { return add(JsonValue::Null, {}); }
+    bool boolean(bool value) override { return add(JsonValue::Flag, value ? "true" : "false"); }
+    bool number_integer(number_integer_t value) override
+    {
+        return addNumber(std::to_string(value));
+    }
+    bool number_unsigned(number_unsigned_t value) override
+    {
+        return addNumber(std::to_string(value));
+    }
+    bool number_float(number_float_t, const string_t &text) override { return addNumber(text); }
+    bool string(string_t &text) override { return add(JsonValue::Text, text); }
+    bool binary(binary_t &) override { return false; } // not in JSON
+    bool start_object(std::size_t) override { return open(JsonValue::Object); }
+    bool end_object() override { return close(); }
+    bool start_array(std::size_t) override { return open(JsonValue::List); }
+    bool end_array() override { return close(); }
+    bool key(string_t &text) override
+    {
+        key_ = text;
+        return true;
+    }
+
+    bool parse_error(std::size_t, const std::string &, const Json::exception &error) override
+    {
+        // "[json.exception.parse_error.101] parse error at line 3, column 1: REASON"
+        const std::string_view what = error.what();
+        const std::size_t column = what.find("column");
+        const std::size_t reason = what.find(": ", column == std::string_view::npos ? 0 : column);
+        throw ImportError(path_, line(),
+                          fmt::format("not well-formed JSON{}",
+                                      reason == std::string_view::npos
+                                          ? ""
+                                          : printable(what.substr(reason)).substr(0, 160)));
+    }
+
+private:
+    /// The parser has read a byte beyond a number.
+    bool addNumber(std::string text)
+    {
+        const int beyond = place_.last == '\n' ? 1 : 0;
+        return add(JsonValue::Number, std::move(text), beyond);
+    }
+
+    int line() const { return place_.line; }
+
+    bool add(JsonValue::Kind kind, std::string text, int beyond = 0)
+    {
+        if (++values_ > kMostValues)
+            throw ImportError(path_, line(), "it holds more values than any profile");
+        JsonValue value{kind, line() - beyond, std::move(text), {}};
+        if (open_.empty())
+            root_ = std::move(value);
+        else
+            open_.back()->members.emplace_back(std::exchange(key_, {}), std::move(value));
+        return true;
+    }
+
+    bool open(JsonValue::Kind kind)
+    {
+        if (open_.size() == kDeepest)
+            throw ImportError(path_, line(),
+                              "lists and objects lie deeper in each other than in "
+                              "any profile");
+        add(kind, {});
+        // a value is only added to the innermost one, so none that is open moves
+        open_.push_back(open_.empty() ? &root_ : &open_.back()->members.back().second);
+        return true;
+    }
+
+    bool close()
+    {
+        open_.pop_back();
+        return true;
+    }
+
+    const std::string &path_;
+    const Place &place_;
+    JsonValue root_;
+    std::vector<JsonValue *> open_;
+    std::string key_;
+    std::size_t values_ = 0;
+};
+
+} // namespace
+
+JsonValue parseJson(const std::string &path, const std::string &text)
+{
+    Place place;
+    Builder builder(path, place);
+    Json::sax_parse(CountingIterator(text.data(), place),
+                    CountingIterator(text.data() + text.size(), place), &builder);
+    return builder.take();
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,23 @@
+// A JSON document in which each value knows its line.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vornak::tool {
+
+struct JsonValue {
+    enum Kind { Null, Flag, Number, Text, List, Object };
+
+    Kind kind = Null;
+    int line = 0;     ///< where it begins, from 1
+    std::string text; ///< of a text, a number as it is written, or "true" and "false"
+    std::vector<std::pair<std::string, JsonValue>> members; ///< of a list without names
+};
+
+/// Parses a document; throws ImportError for what is no JSON or nests deeper than any profile.
+JsonValue parseJson(const std::string &path, const std::string &text);
+
+} // namespace vornak::tool

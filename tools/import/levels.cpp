@@ -1,0 +1,63 @@
+#include "tools/import/levels.h"
+
+#include "tools/import/names.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace vornak::tool {
+namespace {
+
+constexpr int s_H264Levels[] = {9,  10, 11, 12, 13, 20, 21, 22, 30, 31,
+                                32, 40, 41, 42, 50, 51, 52, 60, 61, 62};
+constexpr int s_HevcLevels[] = {30, 60, 63, 90, 93, 120, 123, 150, 153, 156, 180, 183, 186};
+
+/// A number with at most one digit behind a point, in tenths: 41 for "4.1", 40 for "4".
+std::optional<int> tenths(const std::string &text)
+{
+    int whole = 0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, whole);
+    if (error != std::errc() || whole < 0 || whole > 99) return std::nullopt;
+    if (stop == end) return whole * 10;
+    if (end - stop != 2 || *stop != '.' || stop[1] < '0' || stop[1] > '9') return std::nullopt;
+    return whole * 10 + (stop[1] - '0');
+}
+
+} // namespace
+
+std::span<const int> knownLevels(int codec)
+{
+    if (codec == codecNamed("h264")) return s_H264Levels;
+    if (codec == codecNamed("hevc")) return s_HevcLevels;
+    return {};
+}
+
+std::optional<int> codedLevel(int codec, const std::string &level)
+{
+    if (codec == codecNamed("h264") && lowerCase(level) == "1b") return 9;
+    const std::optional<int> written = tenths(level);
+    if (!written) return std::nullopt;
+    const std::span<const int> known = knownLevels(codec);
+    if (known.empty()) {
+        // AV1 counts from 2.0, four to each whole level
+        if (codec == codecNamed("av1") && *written >= 20 && *written % 10 < 4)
+            return (*written / 10 - 2) * 4 + *written % 10;
+        return *written % 10 == 0 ? std::optional(*written / 10) : std::nullopt;
+    }
+    const int coded = codec == codecNamed("hevc") ? *written * 3 : *written;
+    const bool isKnown = std::ranges::find(known, coded) != known.end();
+    return isKnown ? std::optional(coded) : std::nullopt;
+}
+
+std::optional<int> levelLimit(int codec, int level)
+{
+    const std::span<const int> known = knownLevels(codec);
+    if (known.empty()) return level > 0 ? std::optional(level) : std::nullopt;
+    if (level >= known.back()) return 0;
+    const auto above = std::ranges::upper_bound(known, level);
+    if (above == known.begin()) return std::nullopt;
+    return above[-1];
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,57 @@
+// The members of a JSON object whose keys and enumerations are written in any letter case.
+#pragma once
+
+#include "tools/import/json_value.h"
+#include "tools/import/note.h"
+
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vornak::tool {
+
+/// A value of an enumeration, which may be written as its name or its number.
+struct NamedNumber {
+    const char *name;
+    int number;
+};
+
+/// The row that is meant, or null.
+const NamedNumber *findNamed(std::span<const NamedNumber> rows, std::string_view word);
+
+class ObjectReader {
+public:
+    /// @param place  of the object in the document, such as "CodecProfiles[2]"
+    ObjectReader(const std::string &path, const JsonValue &object, std::string place);
+
+    const std::string &place() const { return place_; }
+    int line() const { return object_.line; }
+
+    /// A text, number or flag as it is written; empty: absent. Throws ImportError for others.
+    std::string text(std::string_view key);
+
+    /// The objects of a list; none: absent. Throws ImportError for what is no list of objects, or
+    /// longer than any.
+    std::vector<ObjectReader> list(std::string_view key);
+
+    /// Whether there is such a member that is not null.
+    bool has(std::string_view key) { return find(key) != nullptr; }
+
+    /// The line of a member that is there.
+    int lineOf(std::string_view key) { return find(key)->line; }
+
+    /// Tells of the members that nobody has asked for, and of those that stand there twice.
+    void noteUnknown(Player &player) const;
+
+private:
+    const JsonValue *find(std::string_view key);
+
+    const std::string &path_;
+    const JsonValue &object_;
+    std::string place_;
+    std::set<std::string> asked_; ///< in lower case
+};
+
+} // namespace vornak::tool

@@ -1,0 +1,87 @@
+// What a player takes, in plain records: what the readers of other formats and `profile new` make,
+// and what becomes a Device profile.
+#pragma once
+
+#include <compare>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace vornak::tool {
+
+/// The values of a property that are taken, both ends included; 0: no end.
+struct Range {
+    int least = 0;
+    int most = 0;
+
+    bool operator==(const Range &) const = default;
+};
+
+/// The pictures that are taken: those that keep all of these.
+struct PictureLimits {
+    int codec = 0;    ///< 0: any
+    int profiles = 0; ///< bits; 0: any
+    int level = 0;    ///< the highest, as the stream codes it; 0: any
+    Range width, height, bitrate;
+    int refused = 0; ///< play exceptions none of which a picture may have
+
+    bool operator==(const PictureLimits &) const = default;
+};
+
+struct SoundLimits {
+    int codec = 0;
+    int profiles = 0;
+    Range channels, bitrate, sampleRate;
+
+    bool operator==(const SoundLimits &) const = default;
+};
+
+/// A container that is taken, with what is announced of files in it.
+struct Container {
+    int format = 0; ///< the registry's id, with its subtype; 0: any
+    std::string mime, pn;
+    bool timeStamped = false; ///< a transport stream with packets of 192 bytes
+
+    bool operator==(const Container &) const = default;
+};
+
+/// A kind of file that is played: all that is said here must hold. A player plays a file that fits
+/// any of its ways.
+struct Way {
+    std::optional<PictureLimits> picture; ///< none: music
+    SoundLimits sound;
+    Container container;
+    std::vector<int> pictureOrigins, soundOrigins; ///< positions in Player::origins
+};
+
+/// What the player would like to be given. 0: any.
+struct Wish {
+    bool isVideo = false;
+    int picture = 0, sound = 0, format = 0;
+};
+
+/// Something of a foreign profile that a Device profile says otherwise, or not at all.
+struct Remark {
+    enum Kind { LeftOut, Stricter };
+
+    std::string file; ///< its name without a folder, printable
+    int line;         ///< 0: it is about the file as a whole
+    Kind kind;
+    std::string text; ///< printable
+
+    auto operator<=>(const Remark &) const = default;
+};
+
+struct Player {
+    std::string name;
+    std::vector<Way> ways;
+    std::vector<Wish> wishes;         ///< the best first
+    std::vector<std::string> origins; ///< where things were read; printable
+    std::set<Remark> remarks;
+};
+
+/// The position of an origin, which is added if it is new.
+int originOf(Player &player, const std::string &origin);
+
+} // namespace vornak::tool

@@ -1,0 +1,256 @@
+#include "tools/import/profile_text.h"
+
+#include "tools/import/names.h"
+#include "tools/profile/id_names.h"
+#include "tools/terminal/printable.h"
+
+#include <fmt/format.h>
+#include <utility>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::size_t kWidth = 100;
+
+std::string escaped(std::string_view text)
+{
+    std::string escaped;
+    for (const char c : text) {
+        if (c == '&')
+            escaped += "&amp;";
+        else if (c == '<')
+            escaped += "&lt;";
+        else if (c == '"')
+            escaped += "&quot;";
+        else
+            escaped += c;
+    }
+    return escaped;
+}
+
+/// Text that doesn't end the comment in which it stands.
+std::string inComment(std::string text)
+{
+    for (std::size_t at = text.find("--"); at != std::string::npos; at = text.find("--", at))
+        text.insert(at + 1, 1, ' ');
+    if (text.ends_with('-')) text += ' ';
+    return text;
+}
+
+/// Words in lines of the usual width. @param hang  blanks before all but the first
+std::string wrapped(std::string_view text, std::size_t column, std::size_t hang)
+{
+    std::string lines;
+    for (const std::string &word : splitList(text, ' ')) {
+        if (column + word.size() + 1 > kWidth && !lines.empty()) {
+            lines += '\n' + std::string(hang, ' ');
+            column = hang;
+        } else if (!lines.empty()) {
+            lines += ' ';
+            ++column;
+        }
+        lines += word;
+        column += word.size();
+    }
+    return lines;
+}
+
+/// The attributes of an element, each after a blank.
+class Attributes {
+public:
+    void add(const char *name, std::string_view value)
+    {
+        if (!value.empty()) text_ += fmt::format(" {}=\"{}\"", name, escaped(printable(value)));
+    }
+
+    /// A number that is multiplied by the loader, as short as it can be.
+    void add(const char *name, int value)
+    {
+        if (value == 0) return;
+        add(name, value % 1'000'000 == 0 ? fmt::format("{}M", value / 1'000'000)
+                  : value % 1000 == 0    ? fmt::format("{}K", value / 1000)
+                                         : std::to_string(value));
+    }
+
+    void addPlain(const char *name, int value)
+    {
+        if (value != 0) add(name, std::to_string(value));
+    }
+
+    void addBits(const char *name, const std::vector<std::string> &names)
+    {
+        add(name, fmt::format("{}", fmt::join(names, " | ")));
+    }
+
+    const std::string &text() const { return text_; }
+
+private:
+    std::string text_;
+};
+
+void addSizes(Attributes &attributes, const PictureLimits &limits)
+{
+    // a size alone limits nothing; there is no picture beyond this
+    constexpr int kBeyond = 65535;
+    const auto addPair = [&](const char *width, int w, const char *height, int h, int none) {
+        if (w == 0 && h == 0) return;
+        attributes.addPlain(width, w == 0 ? none : w);
+        attributes.addPlain(height, h == 0 ? none : h);
+    };
+    addPair("MAXWIDTH", limits.width.most, "MAXHEIGHT", limits.height.most, kBeyond);
+    addPair("MINWIDTH", limits.width.least, "MINHEIGHT", limits.height.least, 1);
+}
+
+std::string attributesOf(const PictureRule &rule)
+{
+    const PictureLimits &limits = rule.limits;
+    Attributes attributes;
+    attributes.add("NAME", codecText(limits.codec));
+    attributes.addBits("PROFILE", profileTexts(limits.profiles, limits.codec));
+    attributes.addPlain("LEVEL", limits.level);
+    addSizes(attributes, limits);
+    attributes.add("MAXBITRATE", limits.bitrate.most);
+    attributes.add("MINBITRATE", limits.bitrate.least);
+    attributes.addBits("PLAY_EXCEPTION", playExceptionTexts(rule.exceptions));
+    attributes.addPlain("NOTRANSCODE", rule.noTranscode ? 1 : 0);
+    return attributes.text();
+}
+
+std::string attributesOf(const SoundLimits &limits)
+{
+    Attributes attributes;
+    attributes.add("NAME", codecText(limits.codec));
+    attributes.addBits("PROFILE", profileTexts(limits.profiles, limits.codec));
+    attributes.addPlain("MAXCHANNELS", limits.channels.most);
+    attributes.addPlain("MINCHANNELS", limits.channels.least);
+    attributes.addPlain("MAXFREQUENCY", limits.sampleRate.most);
+    attributes.addPlain("MINFREQUENCY", limits.sampleRate.least);
+    attributes.add("MAXBITRATE", limits.bitrate.most);
+    attributes.add("MINBITRATE", limits.bitrate.least);
+    return attributes.text();
+}
+
+std::string attributesOf(const ContainerRule &rule)
+{
+    const std::string name = containerText(rule.container.format);
+    const std::size_t slash = name.find('/');
+    Attributes attributes;
+    attributes.add("NAME", name.substr(0, slash));
+    if (slash != std::string::npos) attributes.add("SUBTYPE", name.substr(slash + 1));
+    attributes.add("MIME", rule.container.mime);
+    attributes.add("PN", rule.container.pn);
+    attributes.add("OPTION", rule.option);
+    attributes.addPlain("NOTRANSCODE", rule.noTranscode ? 1 : 0);
+    return attributes.text();
+}
+
+class Writer {
+public:
+    explicit Writer(const Player &player) : player_(player) {}
+
+    std::string write(const DeviceRules &rules, const std::string &made)
+    {
+        text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!--\n";
+        addHead(made);
+        text_ += fmt::format("-->\n<DEVICE NAME=\"{}\">\n", escaped(printable(player_.name)));
+        addSection("MUSIC", rules.music);
+        addSection("VIDEO", rules.video);
+        return std::move(text_) + "</DEVICE>\n";
+    }
+
+private:
+    void addHead(const std::string &made)
+    {
+        text_ += "  " + wrapped(inComment(made), 2, 2) + "\n\n";
+        text_ += "  Rules are tried from top to bottom; the first that a file fits is taken. What "
+                 "fits none is\n  transcoded to what the first rule of the list says.\n";
+        if (player_.remarks.empty()) return;
+        text_ += "\n  Not said, or said more strictly:\n";
+        for (const Remark &remark : player_.remarks)
+            text_ += "  - " + wrapped(inComment(remarkText(remark)), 4, 4) + '\n';
+    }
+
+    void addLine(std::size_t depth, std::string_view line)
+    {
+        text_ += fmt::format("{:{}}{}\n", "", 2 * depth, line);
+    }
+
+    template <class Rule>
+    void addSection(const char *name, const std::vector<Rule> &rules)
+    {
+        if (rules.empty()) return;
+        addLine(1, fmt::format("<{}>", name));
+        addRules(2, rules);
+        addLine(1, fmt::format("</{}>", name));
+    }
+
+    template <class Rule>
+    void addRules(std::size_t depth, const std::vector<Rule> &rules)
+    {
+        for (const Rule &rule : rules) {
+            addComment(depth, rule, &rule == &rules.front());
+            addRule(depth, rule);
+        }
+    }
+
+    static bool isRefusal(const PictureRule &rule) { return rule.noTranscode; }
+    static bool isRefusal(const SoundRule &) { return false; }
+
+    /// What a rule is for and where it comes from.
+    template <class Rule>
+    void addComment(std::size_t depth, const Rule &rule, bool isFirst)
+    {
+        std::string text = isRefusal(rule)
+                               ? "Dolby Vision without a base layer is refused: no film fits the "
+                                 "sound below, and none is transcoded to it."
+                           : isFirst ? "Transcoded to."
+                                     : "";
+        for (const int origin : rule.origins)
+            text += (origin == *rule.origins.begin() ? text.empty() ? "From " : " From " : ", ") +
+                    player_.origins[static_cast<std::size_t>(origin)];
+        const std::size_t hang = 2 * depth + 5;
+        addLine(depth, fmt::format("<!-- {} -->", wrapped(inComment(text), hang, hang)));
+    }
+
+    void addRule(std::size_t depth, const PictureRule &rule)
+    {
+        addStart(depth, "VCODEC", attributesOf(rule), rule.option);
+        addRules(depth + 1, rule.sounds);
+        addLine(depth, "</VCODEC>");
+    }
+
+    void addRule(std::size_t depth, const SoundRule &rule)
+    {
+        addStart(depth, "ACODEC", attributesOf(rule.limits), rule.option);
+        for (const ContainerRule &entry : rule.containers)
+            addLine(depth + 1, fmt::format("<FORMAT{}/>", attributesOf(entry)));
+        addLine(depth, "</ACODEC>");
+    }
+
+    void addStart(std::size_t depth, const char *element, const std::string &attributes,
+                  const std::string &option)
+    {
+        addLine(depth, fmt::format("<{}{}{}", element, attributes, option.empty() ? ">" : ""));
+        if (!option.empty()) addLine(depth + 4, fmt::format("OPTION=\"{}\">", escaped(option)));
+    }
+
+    const Player &player_;
+    std::string text_;
+};
+
+} // namespace
+
+std::string profileText(const Player &player, const DeviceRules &rules, const std::string &made)
+{
+    return Writer(player).write(rules, made);
+}
+
+std::string remarkText(const Remark &remark)
+{
+    const char *kind = remark.kind == Remark::Stricter ? "stricter" : "left out";
+    const std::string place =
+        remark.line > 0 ? fmt::format("{}:{}: ", remark.file, remark.line) : std::string();
+    return fmt::format("{}{}: {}", place, kind, remark.text);
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,352 @@
+#include "tools/import/rules.h"
+
+#include "tools/import/container_facts.h"
+#include "tools/import/container_rules.h"
+#include "tools/import/names.h"
+#include "tools/import/oddities.h"
+#include "tools/import/regions.h"
+#include "tools/import/targets.h"
+#include "tools/profile/id_names.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::size_t kMostRules = 256; // positions that an index can name
+
+using Ways = std::vector<const Way *>;
+
+/// What a way says of the sound, or of the picture.
+const SoundLimits &limitsIn(const Way &way, const SoundRule *)
+{
+    return way.sound;
+}
+const PictureLimits &limitsIn(const Way &way, const PictureRule *)
+{
+    return *way.picture;
+}
+template <class Rule>
+const auto &limitsIn(const Way &way)
+{
+    return limitsIn(way, static_cast<const Rule *>(nullptr));
+}
+
+/// The codecs to make rules for, in the ways' order. Where a way takes any, that comes last, and
+/// those that can be made come too: one of them is to be the target.
+template <class Rule>
+std::vector<int> codecsOf(const Ways &ways, const std::vector<int> &makeable)
+{
+    std::vector<int> codecs;
+    const auto addNew = [&](int codec) {
+        if (codec != 0 && std::ranges::find(codecs, codec) == codecs.end()) codecs.push_back(codec);
+    };
+    const auto codecIn = [](const Way *way) { return limitsIn<Rule>(*way).codec; };
+    std::ranges::for_each(ways, addNew, codecIn);
+    if (std::ranges::find(ways, 0, codecIn) == ways.end()) return codecs;
+    std::ranges::for_each(makeable, addNew);
+    codecs.push_back(0);
+    return codecs;
+}
+
+/// The limits for one codec, each once: of the ways that name it, and of those that name none.
+template <class Rule>
+auto limitsOf(const Ways &ways, int codec)
+{
+    std::vector<decltype(Rule::limits)> all;
+    for (const Way *way : ways) {
+        auto limits = limitsIn<Rule>(*way);
+        if (limits.codec != 0 && limits.codec != codec) continue;
+        limits.codec = codec;
+        if (std::ranges::find(all, limits) == all.end()) all.push_back(limits);
+    }
+    return all;
+}
+
+/// The ways that take all of the region.
+template <class Rule>
+Ways waysOf(const Ways &ways, const decltype(Rule::limits) &region)
+{
+    Ways found;
+    std::ranges::copy_if(ways, std::back_inserter(found),
+                         [&](const Way *way) { return contains(limitsIn<Rule>(*way), region); });
+    return found;
+}
+
+std::set<int> originsOf(const Ways &ways, std::vector<int> Way::*kind)
+{
+    std::set<int> origins;
+    for (const Way *way : ways) origins.insert((way->*kind).begin(), (way->*kind).end());
+    return origins;
+}
+
+bool haveSameContent(const SoundRule &one, const SoundRule &other)
+{
+    const auto format = [](const ContainerRule &rule) { return rule.container.format; };
+    return std::ranges::is_permutation(one.containers, other.containers, {}, format, format);
+}
+bool haveSameContent(const PictureRule &one, const PictureRule &other)
+{
+    return std::ranges::equal(one.sounds, other.sounds, [](const auto &left, const auto &right) {
+        return left.limits == right.limits && haveSameContent(left, right);
+    });
+}
+
+/// Whether all that a rule takes finds the same in the rules behind it.
+template <class Rule>
+bool isNeedless(const Rule &rule, const std::vector<Rule> &rules)
+{
+    for (const Rule &later : std::ranges::subrange(&rule + 1, rules.data() + rules.size())) {
+        if (!intersection(later.limits, rule.limits)) continue;
+        if (!haveSameContent(later, rule)) return false;
+        if (contains(later.limits, rule.limits)) return true;
+    }
+    return false;
+}
+
+/// Removes rules that nothing gets to, or that make no difference. The first stays, as the target.
+template <class Rule>
+void dropNeedless(std::vector<Rule> &rules)
+{
+    for (std::size_t i = rules.size(); i-- > 1;)
+        if (contains(rules.front().limits, rules[i].limits) || isNeedless(rules[i], rules))
+            rules.erase(rules.begin() + static_cast<std::ptrdiff_t>(i));
+}
+
+/// Whether a rule may stand before all others: what would find an earlier one finds the same.
+template <class Rule>
+bool mayLead(const Rule &rule, const std::vector<Rule> &rules)
+{
+    return std::all_of(rules.data(), &rule, [&](const Rule &earlier) {
+        return !intersection(earlier.limits, rule.limits) || haveSameContent(earlier, rule);
+    });
+}
+
+/// Whether what the rule takes can be made, and put into its first container.
+bool isTarget(const SoundRule &rule)
+{
+    return !rule.option.empty() && !rule.containers.front().noTranscode;
+}
+bool isTarget(const PictureRule &rule)
+{
+    return !rule.option.empty() &&
+           canHold(rule.sounds.front().containers.front().container.format, rule.limits.codec);
+}
+
+/// The place in the order of targets: what is wished for, then what is preferred anyway.
+auto placeOf(const SoundRule &rule, const Surrounding &surrounding)
+{
+    const auto wish = std::ranges::find_if(surrounding.wishes, [&](const Wish &each) {
+        return each.isVideo != surrounding.isMusic && each.sound == rule.limits.codec;
+    });
+    return std::pair(wish - surrounding.wishes.begin(), soundRankOf(rule.limits.codec));
+}
+auto placeOf(const PictureRule &rule, const Surrounding &surrounding)
+{
+    const auto wish = std::ranges::find(surrounding.wishes, rule.limits.codec, &Wish::picture);
+    return std::pair(wish - surrounding.wishes.begin(), pictureRankOf(rule.limits.codec));
+}
+
+/// Brings the best target to the front, of equals the last, which takes most; the other rules of
+/// its codec come behind it. Without a target nothing is left.
+template <class Rule>
+void putTargetFirst(std::vector<Rule> &rules, const Surrounding &surrounding)
+{
+    auto best = rules.end();
+    for (auto rule = rules.begin(); rule != rules.end(); ++rule)
+        if (isTarget(*rule) && mayLead(*rule, rules) &&
+            (best == rules.end() || placeOf(*rule, surrounding) <= placeOf(*best, surrounding)))
+            best = rule;
+    if (best == rules.end()) return rules.clear();
+    const int codec = best->limits.codec;
+    std::rotate(rules.begin(), best, best + 1);
+    std::ranges::stable_partition(rules,
+                                  [codec](const Rule &rule) { return rule.limits.codec == codec; });
+    for (Rule &rule : std::ranges::subrange(rules.begin() + 1, rules.end())) rule.option.clear();
+}
+
+/// Where no sound can be put into a container that is known to hold the picture as well, any
+/// container that can be made has to do.
+void allowUnusualTargets(std::vector<SoundRule> &rules)
+{
+    if (std::ranges::any_of(rules, [](const SoundRule &rule) { return isTarget(rule); })) return;
+    for (SoundRule &rule : rules) {
+        ContainerRule &first = rule.containers.front();
+        first.noTranscode = first.option.empty();
+    }
+}
+
+/// The rules for the sound; none, if none of it can be made.
+std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surrounding)
+{
+    std::vector<SoundRule> rules;
+    for (const int codec : codecsOf<SoundRule>(ways, makeableSounds()))
+        for (const SoundLimits &region : regionsOf(limitsOf<SoundRule>(ways, codec))) {
+            const Ways taking = waysOf<SoundRule>(ways, region);
+            rules.push_back({region, soundOption(region), containersOf(taking, codec, surrounding),
+                             originsOf(taking, &Way::soundOrigins)});
+        }
+    if (!surrounding.isMusic) allowUnusualTargets(rules);
+    putTargetFirst(rules, surrounding);
+    dropNeedless(rules);
+    return rules;
+}
+
+void leaveOut(Player &player, std::string text)
+{
+    player.remarks.insert({{}, 0, Remark::Stricter, std::move(text)});
+}
+
+/// A rule for the target needs both of the greatest sizes, or none.
+void completeTargetSize(std::vector<PictureRule> &rules)
+{
+    if (rules.empty()) return;
+    PictureRule target = rules.front();
+    target.limits = withWholeSize(target.limits);
+    if (target.limits == rules.front().limits) return;
+    target.option = pictureOption(target.limits);
+    rules.front().option.clear();
+    rules.insert(rules.begin(), target);
+}
+
+/// A table for which there is no film, so that a rule without transcoding refuses what it takes.
+std::vector<SoundRule> soundsOfNoFilm()
+{
+    SoundLimits sound;
+    sound.codec = codecNamed("pcm_s16le");
+    const int wav = containerNamed("wav");
+    return {{sound,
+             soundOption(sound),
+             {{{wav, mimeOf(wav, true), {}}, containerOption(wav, true)}},
+             {}}};
+}
+
+/// Gives the rules their play exceptions. To turn Dolby Vision away a list would have to name all
+/// that comes with it, ten bits before all, and so turn them away too; ffmpeg could make little of
+/// its colours anyhow. So it is refused, by a rule between two that take the rest.
+std::vector<PictureRule> withExceptions(const std::vector<PictureRule> &rules)
+{
+    std::vector<PictureRule> all;
+    for (PictureRule rule : rules) {
+        rule.exceptions = playExceptions(rule.limits);
+        all.push_back(rule);
+        const bool isTakenElsewhere = std::ranges::any_of(rules, [&](const PictureRule &other) {
+            return withoutDolbyVision(other.limits) == other.limits &&
+                   intersection(other.limits, withoutDolbyVision(rule.limits));
+        });
+        if (!isForDolbyVision(rule.limits) || isTakenElsewhere) continue;
+        rule.option.clear();
+        all.push_back(rule);
+        all.back().exceptions = allButDolbyVision();
+        all.back().noTranscode = true;
+        all.back().sounds = soundsOfNoFilm();
+        rule.exceptions = playExceptions(withoutDolbyVision(rule.limits));
+        all.push_back(std::move(rule));
+    }
+    return all;
+}
+
+std::vector<PictureRule> pictureRules(const Ways &ways, Player &player)
+{
+    std::vector<PictureRule> rules;
+    for (const int codec : codecsOf<PictureRule>(ways, makeablePictures()))
+        for (const PictureLimits &region : regionsOf(limitsOf<PictureRule>(ways, codec))) {
+            const Ways taking = waysOf<PictureRule>(ways, region);
+            PictureRule rule{region, pictureOption(region),
+                             soundRules(taking, {false, codec, player.wishes}),
+                             originsOf(taking, &Way::pictureOrigins)};
+            if (!rule.sounds.empty())
+                rules.push_back(std::move(rule));
+            else
+                leaveOut(player, fmt::format("{}: no sound that is played with it can be made, and "
+                                             "every VCODEC needs one; it is transcoded",
+                                             codecText(codec)));
+        }
+    putTargetFirst(rules, {false, 0, player.wishes});
+    dropNeedless(rules);
+    completeTargetSize(rules);
+    return withExceptions(rules);
+}
+
+template <class Rule>
+void keepAddressable(std::vector<Rule> &rules, const char *element, Player &player)
+{
+    if (rules.size() <= kMostRules) return;
+    leaveOut(player, fmt::format("{} {} rules are left out: a list has {} places",
+                                 rules.size() - kMostRules, element, kMostRules));
+    rules.resize(kMostRules);
+}
+
+Ways waysOfKind(const Player &player, bool isVideo)
+{
+    Ways ways;
+    for (const Way &way : player.ways)
+        if (way.picture.has_value() == isVideo) ways.push_back(&way);
+    return ways;
+}
+
+/// For a player that is only told what it wants to be given: what is made is taken, too, since one
+/// rule says both.
+void takeWhatIsWished(Player &player, bool isVideo)
+{
+    for (const Wish &wish : player.wishes) {
+        if (wish.isVideo != isVideo || wish.sound == 0 || wish.format == 0) continue;
+        Way way{std::nullopt, {}, {wish.format, mimeOf(wish.format, !isVideo), {}}, {}, {}};
+        way.sound.codec = wish.sound;
+        if (isVideo) way.picture = PictureLimits{wish.picture, 0, 0, {0, 1920}, {0, 1080}, {}, 0};
+        player.ways.push_back(std::move(way));
+    }
+    player.remarks.insert({{},
+                           0,
+                           Remark::LeftOut,
+                           fmt::format("{}: of what is played as it is nothing can be made; what "
+                                       "is wished for is taken as it is, too, since the first rule "
+                                       "says both",
+                                       isVideo ? "VIDEO" : "MUSIC")});
+}
+
+bool isWished(const Player &player, bool isVideo)
+{
+    return std::ranges::find(player.wishes, isVideo, &Wish::isVideo) != player.wishes.end();
+}
+
+void noteNone(Player &player, const char *section)
+{
+    leaveOut(player, fmt::format("{}: ffmpeg makes nothing of what is played, and there is no rule "
+                                 "without something to transcode to",
+                                 section));
+}
+
+} // namespace
+
+DeviceRules makeRules(Player &player)
+{
+    const auto makeMusic = [&] {
+        return soundRules(waysOfKind(player, false), {true, 0, player.wishes});
+    };
+    const auto makeVideo = [&] { return pictureRules(waysOfKind(player, true), player); };
+    DeviceRules rules{makeMusic(), makeVideo()};
+    if (rules.music.empty() && isWished(player, false)) {
+        takeWhatIsWished(player, false);
+        rules.music = makeMusic();
+    }
+    if (rules.video.empty() && isWished(player, true)) {
+        takeWhatIsWished(player, true);
+        rules.video = makeVideo();
+    }
+    if (rules.music.empty() && !waysOfKind(player, false).empty()) noteNone(player, "MUSIC");
+    if (rules.video.empty() && !waysOfKind(player, true).empty()) noteNone(player, "VIDEO");
+    if (rules.music.empty() && rules.video.empty())
+        throw std::runtime_error("nothing that is played as it is can be made by ffmpeg, so there "
+                                 "is nothing to transcode to, and no profile");
+    keepAddressable(rules.music, "ACODEC", player);
+    keepAddressable(rules.video, "VCODEC", player);
+    for (PictureRule &rule : rules.video) keepAddressable(rule.sounds, "ACODEC", player);
+    return rules;
+}
+
+} // namespace vornak::tool

@@ -1,0 +1,18 @@
+// Sample rates as rules can limit them: by those of the loader's list, to which it moves others.
+#pragma once
+
+#include "tools/import/player.h"
+
+#include <optional>
+
+namespace vornak::tool {
+
+struct SayableRates {
+    Range range;
+    bool isExact; ///< whether no rate that files have is lost
+};
+
+/// The widest range that the list can say and that lies within `rates`; nothing: there is none.
+std::optional<SayableRates> sayableRates(Range rates);
+
+} // namespace vornak::tool
