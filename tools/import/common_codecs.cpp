@@ -1,5 +1,6 @@
 #include "tools/import/common_codecs.h"
 
+#include "base/media_ids.h"
 #include "platform/registry_names.h"
 #include "tools/import/names.h"
 
@@ -17,7 +18,7 @@ std::vector<int> codecsNamed(const char *list)
 
 std::vector<int> generalMp4()
 {
-    return {containerNamed("mp4/isom"), containerNamed("mp4/mp42"), containerNamed("mp4/mp41")};
+    return {"mp4/isom"_container, "mp4/mp42"_container, "mp4/mp41"_container};
 }
 
 } // namespace
@@ -43,10 +44,10 @@ std::vector<int> commonSounds()
 std::vector<int> allContainers()
 {
     std::vector<int> formats;
-    for (const RegistryName &row : containerNames()) {
+    for (const RegistryName &row : s_ContainerNames) {
         if (row.id == 0) continue;
-        if (row.id != containerNamed("mp4")) formats.push_back(row.id);
-        for (const SubtypeName &subtype : subtypeNames())
+        if (row.id != "mp4"_container) formats.push_back(row.id);
+        for (const SubtypeName &subtype : s_SubtypeNames)
             if (subtype.containerId == row.id) formats.push_back(row.id | subtype.number << 16);
     }
     return formats;
@@ -56,7 +57,7 @@ std::vector<int> containersNamed(const std::string &name)
 {
     const int format = containerNamed(name == "webma" ? "webm" : name);
     if (format <= 0) return {};
-    return format == containerNamed("mp4") ? generalMp4() : std::vector{format};
+    return format == "mp4"_container ? generalMp4() : std::vector{format};
 }
 
 } // namespace vornak::tool

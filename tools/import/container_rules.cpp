@@ -1,5 +1,6 @@
 #include "tools/import/container_rules.h"
 
+#include "base/media_ids.h"
 #include "tools/import/common_codecs.h"
 #include "tools/import/container_facts.h"
 #include "tools/import/names.h"
@@ -39,7 +40,7 @@ bool isCovered(int format, const std::vector<ContainerRule> &before)
     return std::ranges::any_of(before, [format](const ContainerRule &rule) {
         const int earlier = rule.container.format;
         const bool isOfAnySubtype = earlier >> 16 == 0;
-        return earlier == format || (isOfAnySubtype && earlier == (format & 0xFFFF));
+        return earlier == format || (isOfAnySubtype && earlier == containerPart(format));
     });
 }
 
@@ -68,7 +69,7 @@ std::vector<ContainerRule> containersOf(const std::vector<const Way *> &ways, in
     std::vector<Container> all = distinctContainers(ways);
     if (areAll(all)) all = {{0, mimeOf(0, surrounding.isMusic), {}}};
     if (all.size() == 1 && all.front().format == 0) { // nothing can be put into "any"
-        const int general = containerNamed("matroska");
+        const int general = "matroska"_container;
         all.push_back({general, mimeOf(general, surrounding.isMusic), {}});
     }
     std::ranges::stable_sort(all, {}, [&](const Container &container) {

@@ -1,5 +1,6 @@
 #include "tools/import/described_player.h"
 
+#include "base/media_ids.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 #include "tools/import/container_facts.h"
@@ -76,7 +77,7 @@ const std::vector<Like> &likes()
 Words codecNameList()
 {
     Words names;
-    for (const RegistryName &row : codecNames())
+    for (const RegistryName &row : s_CodecNames)
         if (row.id > 0) names.emplace_back(row.name);
     return names;
 }
@@ -214,7 +215,7 @@ std::vector<int> musicContainers(int codec)
     for (const char *const name : s_Bare)
         if (formats.empty() && canHold(containerNamed(name), codec))
             formats.push_back(containerNamed(name));
-    if (canHold(containerNamed("mp4/m4a"), codec)) formats.push_back(containerNamed("mp4"));
+    if (canHold("mp4/m4a"_container, codec)) formats.push_back("mp4"_container);
     return formats;
 }
 

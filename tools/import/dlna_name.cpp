@@ -1,5 +1,6 @@
 #include "tools/import/dlna_name.h"
 
+#include "base/media_ids.h"
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
 
@@ -27,7 +28,7 @@ std::string dlnaNameOfMusic(const SoundLimits &limits, int format)
                                 {0, row.channels},
                                 {},
                                 {0, row.sampleRate}};
-        if ((format & 0xFFFF) == containerNamed(row.container) && contains(named, limits))
+        if (containerPart(format) == containerNamed(row.container) && contains(named, limits))
             return row.name;
     }
     return {};

@@ -1,5 +1,6 @@
 #include "tools/import/jellyfin_condition.h"
 
+#include "base/media_ids.h"
 #include "platform/registry_names.h"
 #include "tools/import/levels.h"
 #include "tools/import/names.h"
@@ -228,7 +229,7 @@ Union<PictureLimits> levelsThatKeep(const Condition &condition, int codec, const
     constexpr int s_Mpeg2Levels[] = {4, 6, 8, 10}; // from high to low
     const auto kept = [&](int level) { return keeps(condition, level); };
     noteUnknown(condition, note);
-    if (codec == codecNamed("mpeg2video")) {
+    if (codec == "mpeg2video"_codec) {
         if (std::ranges::all_of(s_Mpeg2Levels, kept)) return {PictureLimits{}};
         note(Remark::Stricter, "the levels of MPEG-2 run backwards, so its files are transcoded");
         return {};

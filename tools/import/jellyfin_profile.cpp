@@ -1,5 +1,6 @@
 #include "tools/import/jellyfin_profile.h"
 
+#include "base/media_ids.h"
 #include "tools/import/common_codecs.h"
 #include "tools/import/container_facts.h"
 #include "tools/import/dlna_name.h"
@@ -64,7 +65,7 @@ std::vector<int> codecsNamed(const std::string &name, bool picture)
     const int codec = codecNamed(name);
     if (isFamily(name) || codec <= 0 || isPicture(codec) != picture) return {};
     // what extends DTS is a codec of its own here alone
-    if (codec == codecNamed("dts")) return {codec, codecNamed("dtshd")};
+    if (codec == "dts"_codec) return {codec, "dtshd"_codec};
     return {codec};
 }
 
@@ -297,7 +298,8 @@ private:
         std::erase_if(all, [&](int format) {
             // one without subtype would take those with the subtypes that are left out
             return formats.isExcept && std::ranges::any_of(formats.ids, [format](int other) {
-                       return other == format || (format >> 16 == 0 && format == (other & 0xFFFF));
+                       return other == format ||
+                              (format >> 16 == 0 && format == containerPart(other));
                    });
         });
         return all;
@@ -318,7 +320,7 @@ private:
     std::vector<int> codecsOf(const ObjectReader &object, const Selection &codecs, int format,
                               StreamKind kind)
     {
-        if (format == containerNamed("webm")) return codecsOfWebm<Limits>(object, codecs);
+        if (format == "matroska/webm"_container) return codecsOfWebm<Limits>(object, codecs);
         if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
         std::vector<int> all = commonCodecs<Limits>();
         for (const LimitSet &set : sets_)
@@ -347,7 +349,7 @@ private:
             Remark::LeftOut, "a rule for WebM takes Matroska with the codecs of WebM, too");
         std::vector<int> all = commonCodecs<Limits>();
         std::erase_if(all, [&](int codec) {
-            return !codecs.takes(codec) || !canHold(containerNamed("webm"), codec);
+            return !codecs.takes(codec) || !canHold("matroska/webm"_container, codec);
         });
         return all;
     }

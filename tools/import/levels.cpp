@@ -1,5 +1,6 @@
 #include "tools/import/levels.h"
 
+#include "base/media_ids.h"
 #include "tools/import/names.h"
 
 #include <algorithm>
@@ -28,24 +29,24 @@ std::optional<int> tenths(const std::string &text)
 
 std::span<const int> knownLevels(int codec)
 {
-    if (codec == codecNamed("h264")) return s_H264Levels;
-    if (codec == codecNamed("hevc")) return s_HevcLevels;
+    if (codec == "h264"_codec) return s_H264Levels;
+    if (codec == "hevc"_codec) return s_HevcLevels;
     return {};
 }
 
 std::optional<int> codedLevel(int codec, const std::string &level)
 {
-    if (codec == codecNamed("h264") && lowerCase(level) == "1b") return 9;
+    if (codec == "h264"_codec && lowerCase(level) == "1b") return 9;
     const std::optional<int> written = tenths(level);
     if (!written) return std::nullopt;
     const std::span<const int> known = knownLevels(codec);
     if (known.empty()) {
         // AV1 counts from 2.0, four to each whole level
-        if (codec == codecNamed("av1") && *written >= 20 && *written % 10 < 4)
+        if (codec == "av1"_codec && *written >= 20 && *written % 10 < 4)
             return (*written / 10 - 2) * 4 + *written % 10;
         return *written % 10 == 0 ? std::optional(*written / 10) : std::nullopt;
     }
-    const int coded = codec == codecNamed("hevc") ? *written * 3 : *written;
+    const int coded = codec == "hevc"_codec ? *written * 3 : *written;
     const bool isKnown = std::ranges::find(known, coded) != known.end();
     return isKnown ? std::optional(coded) : std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include "tools/import/names.h"
 
+#include "base/media_ids.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 
@@ -28,8 +29,7 @@ int codecNamed(const std::string &name)
 
 bool isPicture(int codec)
 {
-    constexpr int kFirstSound = 0x10000;
-    return codec > 0 && codec < kFirstSound;
+    return codec > 0 && codec < kFirstAudioCodec;
 }
 
 int containerNamed(const std::string &name)

@@ -1,5 +1,6 @@
 #include "tools/import/rules.h"
 
+#include "base/media_ids.h"
 #include "tools/import/container_facts.h"
 #include "tools/import/container_rules.h"
 #include "tools/import/names.h"
@@ -217,8 +218,8 @@ void completeTargetSize(std::vector<PictureRule> &rules)
 std::vector<SoundRule> soundsOfNoFilm()
 {
     SoundLimits sound;
-    sound.codec = codecNamed("pcm_s16le");
-    const int wav = containerNamed("wav");
+    sound.codec = "pcm_s16le"_codec;
+    const int wav = "wav"_container;
     return {{sound,
              soundOption(sound),
              {{{wav, mimeOf(wav, true), {}}, containerOption(wav, true)}},

@@ -1,6 +1,6 @@
 #include "tools/import/text_file.h"
 
-#include "platform/descriptor.h"
+#include "base/descriptor.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
