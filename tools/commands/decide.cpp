@@ -4,6 +4,7 @@
 #include "tools/decide/decision_text.h"
 #include "tools/decide/surroundings.h"
 #include "tools/profile/profile_session.h"
+#include "tools/terminal/command_line.h"
 #include "tools/terminal/diverted_output.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
@@ -91,6 +92,7 @@ void addDecide(CLI::App &app, int &status)
     command->add_flag("--explain", options->explain,
                       "List every rule visited and all that refuses the file there");
     command->add_flag("--json", options->json, "Print a JSON document");
+    addColourOption(*command);
     command->footer(kDecideExamples);
     command->callback([options, &status] { status = runDecide(*options); });
 }

@@ -2,6 +2,7 @@
 
 #include "include/vornak_host.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/profile_search.h"
 #include "tools/terminal/nearest_name.h"
 #include "tools/terminal/printable.h"
 
@@ -50,9 +51,20 @@ int playExceptionBit(const std::string &name)
 
 void addProfileOption(CLI::App &command, std::string &profile)
 {
-    command.add_option("-p,--profile", profile, "The player's Device profile; - is standard input")
+    command
+        .add_option("-p,--profile", profile,
+                    "The player's Device profile: its file, one of the names that vornak profile "
+                    "list shows, or - for standard input")
         ->required()
-        ->type_name("FILE");
+        ->envname("VORNAK_PROFILE")
+        ->type_name("PROFILE");
+    takeProfileNames(command, profile);
+}
+
+// Not by the option itself: the environment reaches those of all commands.
+void takeProfileNames(CLI::App &command, std::string &profile)
+{
+    command.parse_complete_callback([&profile] { profile = findProfile(profile); });
 }
 
 void addMediaArgument(CLI::App &command, MediaNames &media)
@@ -84,7 +96,7 @@ void addMatchingOptions(CLI::App &command, DecisionOptions &options)
     command
         .add_option("--play-exception", options.playExceptions,
                     "A play exception of the video beside those found in it; may be repeated")
-        ->type_name("NAME")
+        ->type_name("EXCEPTION")
         ->allow_extra_args(false);
 }
 

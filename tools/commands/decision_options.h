@@ -25,6 +25,9 @@ struct DecisionOptions {
 };
 
 void addProfileOption(CLI::App &command, std::string &profile);
+/// Lets what was given for a profile be a name as well: a path takes its place.
+void takeProfileNames(CLI::App &command, std::string &profile);
+
 /// MEDIA, with --null for the list that may be among it.
 void addMediaArgument(CLI::App &command, MediaNames &media);
 

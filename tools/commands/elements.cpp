@@ -162,8 +162,10 @@ void addElements(CLI::App &app, int &status)
     CLI::App *command =
         app.add_subcommand("elements", "Name the GStreamer elements of codecs and containers");
     CLI::Option *codec = command->add_option("--codec", options->codec, "A codec to decode");
+    codec->type_name("CODEC");
     CLI::Option *container = command->add_option(
         "--container", options->container, "A container to read and write: NAME or NAME/SUBTYPE");
+    container->type_name("CONTAINER[/SUBTYPE]");
     command->add_option("--hardware", options->hardwareClass,
                         "Ask for hardware decoding on this class of machine (1, 2, 3, 7, 8, 9 and "
                         "10 have it)");

@@ -20,5 +20,6 @@ void addProfileShow(CLI::App &app, int &status);
 void addProfileCheck(CLI::App &app, int &status);
 void addProfileNew(CLI::App &app, int &status);
 void addProfileImport(CLI::App &app, int &status);
+void addProfileList(CLI::App &app, int &status);
 
 } // namespace vornak::tool

@@ -1,6 +1,7 @@
 #include "tools/commands/run_vornak.h"
 
 #include "include/vornak.h"
+#include "tools/commands/completion.h"
 #include "tools/commands/subcommands.h"
 #include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"
@@ -9,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include <sstream>
+#include <string_view>
 
 namespace vornak::tool {
 namespace {
@@ -31,9 +33,13 @@ int runVornak(int argc, char **argv)
     int status = kDone;
     for (const AddSubcommand add : s_Subcommands) add(app, status);
     app.footer("vornak COMMAND --help shows each with examples. Text on a terminal is coloured, "
-               "unless\nNO_COLOR is set and not empty.\n\n"
+               "unless\nNO_COLOR is set and not empty, or --color says otherwise.\n\n"
                "Exit status: 0 done, 1 some file could not be worked on (or a check found "
                "something), 2 bad\nusage or a profile that can't be loaded.\n");
+    if (argc > 1 && std::string_view(argv[1]) == "--complete") { // what completions/ ask
+        writeOut(completionsOf(app, {argv + 2, argv + argc}));
+        return kDone;
+    }
     try {
         parseCommandLine(app, argc, argv);
     } catch (const CLI::Success &request) {

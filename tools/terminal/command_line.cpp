@@ -1,11 +1,13 @@
 #include "tools/terminal/command_line.h"
 
 #include "tools/terminal/nearest_name.h"
+#include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <functional>
+#include <map>
 #include <string_view>
 
 namespace vornak::tool {
@@ -125,6 +127,18 @@ void parseCommandLine(CLI::App &app, int argc, char **argv)
         if (word.empty()) throw;
         throw CLI::ArgumentMismatch(fmt::format("{} has no value", word));
     }
+}
+
+void addColourOption(CLI::App &command)
+{
+    static const std::map<std::string, ColourUse> words = {
+        {"auto", ColourUse::Auto}, {"always", ColourUse::Always}, {"never", ColourUse::Never}};
+    command
+        .add_option_function<std::string>(
+            "--color", [](const std::string &word) { useColours(words.at(word)); },
+            "Colour the text: auto does so on a terminal unless NO_COLOR is set and not empty")
+        ->type_name("auto|always|never")
+        ->check(CLI::IsMember({"auto", "always", "never"}).description(""));
 }
 
 std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error)

@@ -12,6 +12,9 @@ namespace vornak::tool {
 /// where arguments stand before it. Throws what CLI::App::parse() throws.
 void parseCommandLine(CLI::App &app, int argc, char **argv);
 
+/// Adds --color, which decides about colours().
+void addColourOption(CLI::App &command);
+
 /// A parser's error in one line that says what to do.
 std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error);
 

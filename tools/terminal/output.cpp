@@ -25,6 +25,7 @@ constexpr std::string_view kClearLine = "\r\033[K";
 int s_Output = STDOUT_FILENO;          // where the tool's own output goes
 bool s_HasStatusLine = false;          // on the terminal now
 void (*s_OnBrokenPipe)(int) = SIG_DFL; // as the tool's caller has it
+ColourUse s_ColourUse = ColourUse::Auto;
 
 /// Writes all of it, or returns the error.
 int writeAll(int descriptor, std::string_view text)
@@ -52,6 +53,7 @@ std::string_view takeStatusLine()
 
 bool isColoured()
 {
+    if (s_ColourUse != ColourUse::Auto) return s_ColourUse == ColourUse::Always;
     const char *refused = std::getenv("NO_COLOR");
     const char *terminal = std::getenv("TERM");
     return (!refused || !*refused) && isatty(s_Output) == 1 &&
@@ -122,6 +124,11 @@ void claimStandardOutput()
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (own >= 0 && nowhere >= 0 && dup2(nowhere, STDOUT_FILENO) >= 0) s_Output = own;
     if (nowhere >= 0) close(nowhere);
+}
+
+void useColours(ColourUse use)
+{
+    s_ColourUse = use;
 }
 
 const Colours &colours()

@@ -37,8 +37,15 @@ void prepareStandardStreams();
 /// For what runs after the command line is parsed; call it before the first thread starts.
 void claimStandardOutput();
 
-/// Colours for standard output; every one is the empty text unless it is a terminal that may be
-/// coloured.
+/// Whether standard output is coloured. Before the first call of colours().
+enum class ColourUse {
+    Auto, ///< a terminal is, unless NO_COLOR is set and not empty
+    Always,
+    Never,
+};
+void useColours(ColourUse use);
+
+/// Colours for standard output; every one is the empty text where it is not coloured.
 struct Colours {
     std::string_view name, good, change, bad, reset;
 };
