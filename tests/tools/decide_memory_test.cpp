@@ -1,32 +1,10 @@
 // That the tool's memory does not depend on the number of files.
 #include "tests/support/small_wav.h"
 #include "tests/support/temp_dir.h"
-
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "tests/support/usage.h"
 
 namespace vornak::test {
 namespace {
-
-/// Peak memory in KB of a run over a folder, with the document as long as it gets.
-long peakMemory(const std::string &profile, const std::string &folder)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        execl(VORNAK_CLI, VORNAK_CLI, "decide", "-p", profile.c_str(), "--json", "--explain",
-              folder.c_str(), nullptr);
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage = {};
-    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
-    EXPECT_EQ(status, 0);
-    return usage.ru_maxrss;
-}
 
 TEST(DecideMemory, DoesNotGrowWithTheFiles)
 {
@@ -42,9 +20,11 @@ TEST(DecideMemory, DoesNotGrowWithTheFiles)
     for (int i = 0; i < 4000; ++i)
         std::filesystem::create_hard_link(first, dir / ("many/" + std::to_string(i) + ".wav"));
 
-    const long few = peakMemory(path, dir / "few");
-    const long many = peakMemory(path, dir / "many");
-    EXPECT_LT(many, few + 5000) << "20 MB of entries held in memory would show";
+    const auto memory = [&](const char *folder) { // with the document as long as it gets
+        return usageOf({VORNAK_CLI, "decide", "-p", path, "--json", "--explain", dir / folder})
+            .memory;
+    };
+    EXPECT_LT(memory("many"), memory("few") + 5000) << "20 MB of entries held in memory would show";
 }
 
 } // namespace
