@@ -1,5 +1,5 @@
-#include "base/ascii_case.h"
 #include "base/directory.h"
+#include "disc/disc_parts.h"
 #include "disc/disc_path.h"
 #include "include/vornak.h"
 
@@ -13,7 +13,7 @@ bool findStreamFolder(const char *bdmv, FixedText &found)
     Directory directory(bdmv);
     if (!directory.isOpen()) return false;
     while (const char *name = directory.next()) {
-        if (!equalIgnoringCase(name, "STREAM")) continue;
+        if (!isStreamFolder(name)) continue;
         char buffer[kDiscPathSize];
         FixedText path(buffer);
         if (!path.append(bdmv, name, "/") || !isDirectory(buffer)) continue;
@@ -30,7 +30,7 @@ std::int64_t findLargestStream(std::string_view folder, Directory &directory, Fi
     std::int64_t size = 0;
     struct stat status;
     while (const char *name = directory.next()) {
-        if (!endsIgnoringCase(name, ".m2ts") || !findFile(folder, name, status)) continue;
+        if (!isStream(name) || !findFile(folder, name, status)) continue;
         if (status.st_size <= size) continue;
         size = status.st_size;
         largest.clear();

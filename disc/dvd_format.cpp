@@ -1,5 +1,5 @@
-#include "base/ascii_case.h"
 #include "base/directory.h"
+#include "disc/disc_parts.h"
 #include "disc/disc_path.h"
 #include "include/vornak.h"
 
@@ -14,20 +14,6 @@ struct Title {
     std::int64_t size; // bytes of all parts
     int parts;
 };
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-/// The title set that a file is a part of, or -1. Parts are named "VTS_nn_p" and so on, with p
-/// from 1 to 9: 0 is the title set's menu.
-int titleOf(std::string_view name)
-{
-    if (!beginsIgnoringCase(name, "VTS_") || !endsIgnoringCase(name, ".VOB")) return -1;
-    if (!isDigit(name[4]) || !isDigit(name[5]) || !isDigit(name[7]) || name[7] == '0') return -1;
-    return (name[4] - '0') * 10 + name[5] - '0';
-}
 
 void addPart(Title &title, std::int64_t size)
 {
@@ -64,7 +50,8 @@ int parseDVDFormat(const char *folder, const char *ifoName, DVD_FORMAT_ST *info)
     struct stat status;
     while (const char *name = directory.next()) {
         const int title = titleOf(name);
-        if (title >= 0 && findFile(prefix, name, status)) addPart(titles[title], status.st_size);
+        if (title != kNoTitle && findFile(prefix, name, status))
+            addPart(titles[title], status.st_size);
     }
     if (directory.error() != 0) return 1;
     info->titleNo = largest(titles);

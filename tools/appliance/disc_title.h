@@ -14,6 +14,12 @@ struct DiscPart {
     std::int64_t size; ///< bytes
 };
 
+/// A file that may belong to some title, and isn't counted for any.
+struct UncountedPart {
+    std::string name;
+    int error; ///< the errno of looking at it
+};
+
 struct DiscTitle {
     std::string kind;          ///< "DVD" or "Blu-ray"
     std::string index;         ///< path of the index file below the disc's root
@@ -21,6 +27,7 @@ struct DiscTitle {
     std::optional<int> number; ///< title set of a DVD
     std::int64_t size = 0;     ///< bytes of all parts
     std::vector<DiscPart> parts;
+    std::vector<UncountedPart> uncounted; ///< so that another title may be the main one
 };
 
 struct DiscError {

@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <memory>
+#include <sstream>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -39,7 +40,7 @@ constexpr const char *kDiscExamples = R"(Examples:
   sudo vornak disc unmount-all
       unmounts what is left under /tmp/Trans_mount_*
 
-Exit status: 0 the title was found, 1 it was not, 2 bad usage.)";
+Exit status: 0 the title was found, 1 it was not or some part could not be looked at, 2 bad usage.)";
 
 constexpr const char *kUnmountAll = "unmount-all";
 
@@ -157,12 +158,18 @@ Json jsonOf(const DiscTitle &title)
         parts.push_back({{"file", printable(part.name)},
                          {"fileHex", hexBytes(part.name)},
                          {"size", part.size}});
+    Json uncounted = Json::array();
+    for (const UncountedPart &part : title.uncounted)
+        uncounted.push_back({{"file", printable(part.name)},
+                             {"fileHex", hexBytes(part.name)},
+                             {"message", std::generic_category().message(part.error)}});
     return {{"kind", title.kind == "DVD" ? "dvd" : "bluray"},
             {"index", printable(title.index)},
             {"folder", printable(title.folder)},
             {"titleSet", title.number ? Json(*title.number) : Json()},
             {"size", title.size},
-            {"parts", std::move(parts)}};
+            {"parts", std::move(parts)},
+            {"uncounted", std::move(uncounted)}};
 }
 
 std::string documentOf(const std::string &path, const DiscResult &result)
@@ -176,20 +183,32 @@ std::string documentOf(const std::string &path, const DiscResult &result)
     return json.dump(2) + '\n';
 }
 
+/// What is wrong, a line each.
+std::string complaintsOf(const std::string &path, const DiscResult &result)
+{
+    if (const auto *error = std::get_if<DiscError>(&result))
+        return fmt::format("{}: {}\n", printable(path), error->message);
+    std::string lines;
+    const auto &title = std::get<DiscTitle>(result);
+    for (const UncountedPart &part : title.uncounted)
+        lines +=
+            fmt::format("{}: {}{} is not counted: {}\n", printable(path), printable(title.folder),
+                        printable(part.name), std::generic_category().message(part.error));
+    return lines;
+}
+
 struct DiscReport {
-    std::string out, complaint;
+    std::string out, complaints;
 };
 
 DiscReport reportOn(const Options &options)
 {
     const DiscResult result = read(options);
-    const auto *error = std::get_if<DiscError>(&result);
-    DiscReport report;
+    DiscReport report{{}, complaintsOf(options.path, result)};
     if (options.json)
         report.out = documentOf(options.path, result);
-    else if (!error)
-        report.out = textOf(options.path, std::get<DiscTitle>(result));
-    if (error) report.complaint = fmt::format("{}: {}", printable(options.path), error->message);
+    else if (const auto *title = std::get_if<DiscTitle>(&result))
+        report.out = textOf(options.path, *title);
     return report;
 }
 
@@ -198,7 +217,7 @@ DiscReport reportOnImage(const Options &options)
 {
     const std::string both = runShielded([&] {
         const DiscReport report = reportOn(options);
-        return report.complaint + '\0' + report.out;
+        return report.complaints + '\0' + report.out;
     });
     const std::size_t end = both.find('\0');
     return {both.substr(end + 1), both.substr(0, end)};
@@ -211,9 +230,9 @@ int runDisc(const Options &options)
     const bool isFolder = fs::is_directory(options.place.root + options.path, ignored);
     const DiscReport report = isFolder ? reportOn(options) : reportOnImage(options);
     writeOut(report.out);
-    if (report.complaint.empty()) return kDone;
-    complain(report.complaint);
-    return kIncomplete;
+    std::istringstream complaints(report.complaints);
+    for (std::string line; std::getline(complaints, line);) complain(line);
+    return report.complaints.empty() ? kDone : kIncomplete;
 }
 
 } // namespace
