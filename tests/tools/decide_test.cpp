@@ -1,4 +1,5 @@
 // The built tool over real clips.
+#include "tests/support/doc_examples.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
@@ -119,8 +120,6 @@ TEST_F(Decide, SaysWhatTheProfileTakesOfEachClip)
   result: keep
   output: container mp4, MIME type video/mp4, DLNA profile AVC_MP4
   subtitles: kept.en.srt (srt, en), kept.vtt (vtt)
-  hardware: rule 0 (h264, line 11) allows the hardware transcoder, but none is installed
-  elements: demuxer qtdemux, video decoder ffdec_h264, audio decoder ffdec_ac3, muxer mp4mux faststart=true
 
 six.mkv: matroska; h264 main level 30, 320x240, N bit/s (estimated); ac3, 6 channels, 48000 Hz, 384000 bit/s
   video: keep: rule 0 (h264, line 11) takes it
@@ -129,8 +128,6 @@ six.mkv: matroska; h264 main level 30, 320x240, N bit/s (estimated); ac3, 6 chan
   result: transcode audio
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
   subtitles: none
-  hardware: rule 0 (h264, line 11) allows the hardware transcoder, but none is installed
-  elements: demuxer matroskademux, video decoder ffdec_h264, audio decoder ffdec_ac3, muxer mpegtsmux
 
 film.flv: flv; h264 main level 30, 320x240, N bit/s (estimated); aac lc, 1 channel, 48000 Hz, 96000 bit/s
   video: keep: rule 0 (h264, line 11) takes it
@@ -139,8 +136,6 @@ film.flv: flv; h264 main level 30, 320x240, N bit/s (estimated); aac lc, 1 chann
   result: transcode audio
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
   subtitles: none
-  hardware: rule 0 (h264, line 11) allows the hardware transcoder, but none is installed
-  elements: demuxer flvdemux, video decoder ffdec_h264, audio decoder faad, muxer mpegtsmux
 
 old.avi: avi; mpeg4 simple level 1, 320x240, N bit/s (estimated); mp2, 1 channel, 48000 Hz, 128000 bit/s
   video: transcode: no rule for mpeg4; output as in rule 0 (h264, line 11)
@@ -149,24 +144,27 @@ old.avi: avi; mpeg4 simple level 1, 320x240, N bit/s (estimated); mp2, 1 channel
   result: transcode video and audio
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
   subtitles: none
-  hardware: rule 0 (h264, line 11) allows the hardware transcoder, but none is installed
-  elements: demuxer avidemux, video decoder ffdec_mpeg4, audio decoder mad, muxer mpegtsmux
 
 song.wav: wav; pcm_s16le, 1 channel, 48000 Hz, 768000 bit/s
   audio: keep: rule 1 (pcm_s16le, line 6) takes it
   container: keep: entry 0 (wav, line 7) of audio rule 1 (pcm_s16le, line 6) takes it
   result: keep
   output: container wav, MIME type audio/wav, DLNA profile none
-  elements: demuxer wavparse, audio decoder audio/x-raw-int, muxer none
 
 high.wav: wav; pcm_s16le, 1 channel, 96000 Hz, 1536000 bit/s
   audio: transcode: 96000 Hz, rule 1 (pcm_s16le, line 6) allows 48000; output as in rule 0 (mp3, line 3)
   container: transcode: entry 0 (mp3, line 4) is the first of audio rule 0 (mp3, line 3), and a stream is transcoded
   result: transcode audio
   output: container mp3, MIME type audio/mpeg, DLNA profile MP3
-  elements: demuxer wavparse, audio decoder audio/x-raw-int, muxer none
 
 9 files: 2 kept, 0 remuxed, 3 audio, 1 video, 1 refused, 2 unreadable
+  1 file: audio: channels, rule 0 (ac3, line 12) allows 2
+  1 file: audio: no rule for aac in video rule 0 (h264, line 11)
+  1 file: audio: sample rate, rule 1 (pcm_s16le, line 6) allows 48000
+  1 file: refused: a still image
+  1 file: unreadable: empty, damaged or no media
+  1 file: unreadable: missing, not permitted, neither file nor folder
+  1 file: video: no rule for mpeg4
 )");
     EXPECT_EQ(result.err,
               std::string(kWarning) +
@@ -174,6 +172,47 @@ high.wav: wav; pcm_s16le, 1 channel, 96000 Hz, 1536000 bit/s
                   "vornak: text.mp4: is no media file, or a damaged one (moov atom not "
                   "found)\n"
                   "vornak: gone.mp4: No such file or directory\n");
+}
+
+TEST_F(Decide, ShowsALineEachOrSomeOutcomesAlone)
+{
+    constexpr const char *kFlv =
+        "film.flv: audio: no rule for aac in video rule 0 (h264, line 11)\n";
+    constexpr const char *kSix = "six.mkv: audio: 6 channels, rule 0 (ac3, line 12) allows 2\n";
+    constexpr const char *kOld = "old.avi: video: no rule for mpeg4\n";
+    constexpr const char *kKept = "kept.mp4: kept: rule 0 (h264, line 11) takes it\n";
+    constexpr const char *kSums = R"(
+6 files: 1 kept, 0 remuxed, 3 audio, 1 video, 0 refused, 1 unreadable
+  2 files: audio: channels, rule 0 (ac3, line 12) allows 2
+  1 file: audio: no rule for aac in video rule 0 (h264, line 11)
+  1 file: unreadable: empty, damaged or no media
+  1 file: video: no rule for mpeg4
+)";
+    const Arguments media = {"film.flv", "six.mkv", "old.avi", "text.mp4", "kept.mp4", "six.mkv"};
+    const struct {
+        Arguments arguments;
+        std::string out;
+    } cases[] = {
+        {{"--brief"}, std::string(kFlv) + kSix + kOld + kKept + kSix + kSums},
+        {{"--brief", "--only", "video,kept"}, std::string(kOld) + kKept + kSums},
+        {{"--brief", "--only", "video", "--only=kept"}, std::string(kOld) + kKept + kSums},
+        {{"--only", "refused"}, std::string(kSums).substr(1)},
+    };
+    for (const auto &c : cases) {
+        Arguments all = c.arguments;
+        all.insert(all.end(), media.begin(), media.end());
+        EXPECT_EQ(decide(all).out, c.out);
+    }
+    Arguments all = {"--json", "--only", "unreadable"};
+    all.insert(all.end(), media.begin(), media.end());
+    const Json document = Json::parse(decide(all).out);
+    ASSERT_EQ(document["files"].size(), 1U);
+    EXPECT_EQ(document["files"][0]["path"], "text.mp4");
+    EXPECT_EQ(document["summary"]["files"], 6);
+    EXPECT_EQ(document["summary"]["reasons"][0], Json::parse(R"({"files": 2, "outcome": "audio",
+        "part": "audio", "code": "max-channels", "text":
+        "channels, rule 0 (ac3, line 12) allows 2"})"));
+    EXPECT_EQ(document["summary"]["reasons"].size(), 4U);
 }
 
 TEST_F(Decide, TakesNamesOfEveryKind)
@@ -241,6 +280,12 @@ TEST_F(Decide, PrintsTheDocumentThatIsDocumented)
     EXPECT_NE(masked(contentOf(VORNAK_SOURCE_DIR "/docs/decide.md")).find(masked(indented)),
               std::string::npos)
         << indented;
+    for (const DocExample &example : readDocExamples(VORNAK_SOURCE_DIR "/docs/decide.md")) {
+        const ProcessResult shown = run(
+            {"env", "-C", dir.path(), "sh", "-c",
+             "ln -sf player.xml tv.xml; vornak() { " VORNAK_CLI " \"$@\"; }; " + example.command});
+        EXPECT_EQ(shown.out + shown.err, example.output) << example.command;
+    }
 }
 
 TEST_F(Decide, MakesEntriesOfErrorsAndReachesEveryArgument)
@@ -261,6 +306,15 @@ TEST_F(Decide, MakesEntriesOfErrorsAndReachesEveryArgument)
         {"path": "gone.mp4", "pathHex": "676f6e652e6d7034", "outcome": "unreadable",
          "error": {"code": "cannot-open", "message": "No such file or directory"}}])"));
 
+    const std::string words = decide({"--explain", "kept.mp4"}).out;
+    EXPECT_NE(words.find(R"(
+  subtitles: kept.en.srt (srt, en), kept.vtt (vtt)
+  hardware: rule 0 (h264, line 11) allows the hardware transcoder, but none is installed
+  elements: demuxer qtdemux, video decoder ffdec_h264, audio decoder ffdec_ac3, muxer mp4mux faststart=true
+  video rules visited:
+)"),
+              std::string::npos)
+        << words;
     const Json visited =
         Json::parse(decide({"--json", "--explain", "six.mkv"}).out)["files"][0]["visited"];
     EXPECT_EQ(visited["audio"], Json::parse(R"([
@@ -290,6 +344,10 @@ TEST_F(Decide, RefusesBadUsageInOneLine)
         {{"--audio-track", "0", "kept.mp4"},
          "vornak: --audio-track: Value 0 not in range 1 to 2147483647 (try: vornak decide "
          "--help)\n"},
+        {{"--only", "kept,vidoe", "kept.mp4"},
+         "vornak: --only vidoe: there is no outcome of that name; did you mean video?\n"},
+        {{"--json", "--brief", "kept.mp4"},
+         "vornak: --json excludes --brief (try: vornak decide --help)\n"},
         {{}, "vornak: MEDIA is required (try: vornak decide --help)\n"},
         {{"-p", "empty.xml", "kept.mp4"},
          "vornak: empty.xml: it holds no XML element; a profile is a DEVICE element\n"},
@@ -338,7 +396,7 @@ TEST_F(Decide, GivesTheSameOnEveryRun)
         EXPECT_EQ(again.out, first.out);
         EXPECT_EQ(again.err, first.err);
     }
-    EXPECT_EQ(std::count(first.out.begin(), first.out.end(), '\n'), 8 * (10 + 7 + 10 + 10) + 1);
+    EXPECT_EQ(std::count(first.out.begin(), first.out.end(), '\n'), 8 * (8 + 6 + 8 + 8) + 1 + 3);
 }
 
 } // namespace

@@ -415,6 +415,68 @@ TEST_F(DecisionText, FollowsTheRequest)
         });
 }
 
+TEST_F(DecisionText, NamesOtherTracksThatWouldBeKept)
+{
+    File many = film().withAudio("aac", "lc", 6, 48000).withAudio("opus", "", 2, 48000);
+    many.withAudio("ac3", "", 6, 48000).withAudio("aac", "lc", 2, 48000).audio[3].language = "d\n";
+    const std::string line =
+        "  other audio: track 3 (ac3, 6 channels), track 4 (aac, 2 channels, d\\x0a) "
+        "would be taken as they are\n";
+    const struct {
+        File file;
+        DecisionRequest request;
+        std::string line;
+    } cases[] = {
+        {many, {}, line},
+        {many, {.audioTrack = 1}, line}, // though the video is transcoded for it
+        {many, {.audioTrack = 3}, ""},
+        {many, {.force = true}, ""},
+        {File("mp3").withAudio("mp3", "", 6, 44100).withAudio("mp3", "", 2, 44100),
+         {},
+         "  other audio: track 2 (mp3, 2 channels) would be taken as it is\n"},
+        {File("mp3").withAudio("mp3", "", 6, 44100).withAudio("flac", "", 2, 44100), {}, ""},
+    };
+    for (const auto &c : cases) {
+        const std::string text = decided(session_, c.file, c.request);
+        const std::size_t at = text.find("  other audio"), end = text.find("  container");
+        EXPECT_EQ(at == std::string::npos ? "" : text.substr(at, end - at), c.line);
+    }
+}
+
+TEST_F(DecisionText, CountsReasonsWithoutTheFilesOwnValues)
+{
+    Totals totals;
+    const auto count = [&](const File &file) {
+        const FileResult result = decide(session_, {}, file);
+        const auto &decision = std::get<Decision>(result);
+        totals.reasons.add(mainReason(decision, explain(decision, {}), session_));
+        ++totals.files;
+    };
+    for (const int width : {3000, 4000}) {
+        File large = film().withAudio("aac", "lc", 2, 48000);
+        large.video->width = width;
+        count(large);
+    }
+    for (const char *profile : {"baseline", "main"})
+        count(
+            File("mp4").withVideo("h264", profile, 52, 640, 360).withAudio("aac", "lc", 2, 48000));
+    count(film().withExceptions({"interlaced"}).withAudio("aac", "lc", 2, 48000));
+    count(File("mp4").withAudio("aac", "he", 6, 96000));
+    count(
+        File("mpegts").withVideo("mpeg2video", "main", 8, 720, 576).withAudio("ac3", "", 6, 48000));
+    count(film().withAudio("aac", "lc", 2, 48000)); // kept
+    totals.reasons.add(mainReason(Undecided{"cannot-probe", "is empty"}));
+    EXPECT_EQ(countedReasons(totals),
+              R"(  2 files: video: picture size, rule 0 (h264, line 17) allows 1920x1080
+  1 file: audio: bit rate, rule 2 (aac, line 9) allows 256000
+  1 file: refused: no rule for ac3 in video rule 2 (mpeg2video, line 33)
+  1 file: unreadable: empty, damaged or no media
+  1 file: video: level, rule 0 (h264, line 17) allows 40
+  1 file: video: play exceptions, rule 0 (h264, line 17) excludes interlaced|10bit
+  1 file: video: profile, rule 0 (h264, line 17) allows main|high
+)");
+}
+
 TEST_F(DecisionText, ListsWhatWasVisited)
 {
     EXPECT_EQ(

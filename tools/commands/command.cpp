@@ -73,18 +73,17 @@ int runCommand(const CommandOptions &options)
     if (form == Form::Json) writeOut(jsonHead("vornak-command", options.profile, request, session));
 
     std::atomic<std::size_t> problems = 0;
-    const auto render = [&](const std::string &path, const FileResult &result) -> std::string {
+    const auto render = [&](const std::string &path, const FileResult &result) -> FileText {
         if (const auto *undecided = std::get_if<Undecided>(&result))
-            return form == Form::Json ? jsonOf(path, *undecided) : std::string{};
+            return {form == Form::Json ? jsonOf(path, *undecided) : std::string()};
         const FileCommand file = commandFor(path, std::get<Decision>(result), options.dialect);
         if (!file.problem.empty()) ++problems;
-        return rendered(file, form);
+        return {rendered(file, form)};
     };
     const Totals totals = decideFiles(session, request, options.media, separatorOf(form), render);
 
-    if (form == Form::Json) writeOut(jsonTail(totals));
-    if (form == Form::Text)
-        writeOut((totals.undecided < totals.files ? "\n" : "") + textOf(totals));
+    if (form == Form::Json) writeOut(jsonTail(totals, false));
+    if (form == Form::Text) writeOut((totals.shown > 0 ? "\n" : "") + textOf(totals));
     return totals.undecided + problems > 0 ? kIncomplete : kDone;
 }
 

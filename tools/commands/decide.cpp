@@ -7,11 +7,17 @@
 #include "tools/terminal/command_line.h"
 #include "tools/terminal/diverted_output.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/nearest_name.h"
 #include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
 
+#include <fmt/format.h>
+#include <map>
 #include <memory>
+#include <set>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace vornak::tool {
@@ -27,6 +33,8 @@ constexpr const char *kDecideExamples = R"(Examples:
       every rule that was visited, and what else would have refused the film
   vornak decide -p tv.xml --prefer mp4 --audio-track 2 film.mkv
       the same for the second audio track, into MP4 where the profile lists it
+  vornak decide -p tv.xml --brief --only video,audio /media/films
+      a line for each film whose picture or sound is transcoded, and how many share a reason
   vornak decide -p phone.xml --json /media/films > films.json
       all that lies below a folder, as a JSON document
   find . -name '*.ts' -print0 | vornak decide -p tv.xml --null -
@@ -37,8 +45,30 @@ profile that can't be loaded.)";
 
 struct DecideOptions : DecisionOptions {
     bool explain = false;
+    bool brief = false;
     bool json = false;
+    std::vector<std::string> only; ///< names of the outcomes to show; empty: all
 };
+
+/// The outcomes to show. Throws std::runtime_error with a line for the user.
+std::set<Outcome> outcomesOf(const DecideOptions &options)
+{
+    std::map<std::string, Outcome> all;
+    std::vector<std::string> names;
+    for (int i = 0; i < kOutcomes; ++i) {
+        names.emplace_back(nameOf(static_cast<Outcome>(i)));
+        all[names.back()] = static_cast<Outcome>(i);
+    }
+    std::set<Outcome> chosen;
+    for (const std::string &name : options.only.empty() ? names : options.only) {
+        const auto found = all.find(name);
+        if (found == all.end())
+            throw std::runtime_error(fmt::format("--only {}: there is no outcome of that name{}",
+                                                 printable(name), nearestOrAll(name, names)));
+        chosen.insert(found->second);
+    }
+    return chosen;
+}
 
 void writeHead(const DecideOptions &options, const DecisionRequest &request,
                const ProfileSession &session)
@@ -54,31 +84,52 @@ int askForHardware()
     return isVATranscodeExist();
 }
 
+std::string_view separatorOf(const DecideOptions &options)
+{
+    if (options.json) return ",\n";
+    return options.brief ? "" : "\n";
+}
+
 int runDecide(const DecideOptions &options)
 {
     claimStandardOutput();
     const DecisionRequest request = resolve(options);
+    const std::set<Outcome> shown = outcomesOf(options);
     const ProfileSession session(options.profile);
-    const int hardwareAgent = askForHardware();
+    const int hardwareAgent = options.json || options.explain ? askForHardware() : 0;
     writeHead(options, request, session);
 
-    const auto render = [&](const std::string &path, const FileResult &result) -> std::string {
-        const auto *decision = std::get_if<Decision>(&result);
-        if (!decision)
-            return options.json ? jsonOf(path, std::get<Undecided>(result)) : std::string{};
-        const Explanation explanation = explain(*decision, request);
-        const Surroundings around = lookAround(path, *decision, hardwareAgent);
+    const auto textFor = [&](const std::string &path, const Decision &decision,
+                             const Explanation &explanation) {
+        const Surroundings around = lookAround(path, decision, hardwareAgent);
         if (options.json)
-            return jsonOf(path, *decision, explanation, around, session, options.explain);
-        return textOf(path, *decision, explanation, session) +
-               textOf(around, *decision, explanation, session) +
-               (options.explain ? visitsText(*decision, explanation, session) : "");
+            return jsonOf(path, decision, explanation, around, session, options.explain);
+        std::string text =
+            textOf(path, decision, explanation, session) + subtitlesLine(around, decision);
+        if (options.explain)
+            text += equipmentLines(around, decision, explanation, session) +
+                    visitsText(decision, explanation, session);
+        return text;
+    };
+    const auto render = [&](const std::string &path, const FileResult &result) -> FileText {
+        if (const auto *undecided = std::get_if<Undecided>(&result)) {
+            const bool isEntry = options.json && shown.contains(undecided->outcome);
+            return {isEntry ? jsonOf(path, *undecided) : std::string(), mainReason(*undecided)};
+        }
+        const auto &decision = std::get<Decision>(result);
+        const Explanation explanation = explain(decision, request);
+        FileText file{{}, mainReason(decision, explanation, session)};
+        if (shown.contains(decision.outcome))
+            file.text =
+                options.brief ? briefText(path, file.reason) : textFor(path, decision, explanation);
+        return file;
     };
     const Totals totals =
-        decideFiles(session, request, options.media, options.json ? ",\n" : "\n", render);
+        decideFiles(session, request, options.media, separatorOf(options), render);
 
-    const bool anyText = totals.undecided < totals.files;
-    writeOut(options.json ? jsonTail(totals) : (anyText ? "\n" : "") + textOf(totals));
+    writeOut(options.json
+                 ? jsonTail(totals, true)
+                 : (totals.shown > 0 ? "\n" : "") + textOf(totals) + countedReasons(totals));
     return totals.undecided > 0 ? kIncomplete : kDone;
 }
 
@@ -89,9 +140,21 @@ void addDecide(CLI::App &app, int &status)
     auto options = std::make_shared<DecideOptions>();
     CLI::App *command = app.add_subcommand("decide", kDecideHelp);
     addDecisionOptions(*command, *options);
-    command->add_flag("--explain", options->explain,
-                      "List every rule visited and all that refuses the file there");
-    command->add_flag("--json", options->json, "Print a JSON document");
+    auto *explain = command->add_flag(
+        "--explain", options->explain,
+        "Add the hardware transcoder, the elements, and every rule visited with all that refuses "
+        "the file there");
+    auto *json = command->add_flag("--json", options->json, "Print a JSON document");
+    command->add_flag("--brief", options->brief, "One line a file: its outcome and the one reason")
+        ->excludes(explain)
+        ->excludes(json);
+    command
+        ->add_option("--only", options->only,
+                     "Show files of these outcomes alone: kept, remuxed, audio, video, refused, "
+                     "unreadable; all are counted")
+        ->type_name("OUTCOME,...")
+        ->delimiter(',')
+        ->allow_extra_args(false);
     addColourOption(*command);
     command->footer(kDecideExamples);
     command->callback([options, &status] { status = runDecide(*options); });

@@ -37,7 +37,8 @@ std::size_t countFiles(const MediaNames &media)
 }
 
 struct Rendered {
-    std::string text, complaint;
+    FileText file;
+    std::string complaint;
     Outcome outcome;
 };
 
@@ -69,7 +70,6 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
     Totals totals;
     MediaList list(media, std::cin);
     FileProgress progress(countFiles(media));
-    bool first = true;
 
     const auto decideOne = [&](const MediaItem &item) {
         const FileResult result = decideItem(session, request, item);
@@ -79,15 +79,16 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
         return rendered;
     };
     const auto emit = [&](const Rendered &rendered) {
-        const bool hasText = !rendered.text.empty();
+        const std::string &text = rendered.file.text;
         // first, so that on a terminal the complaint has a line of its own
-        if (hasText && !first) writeOut(separator);
+        if (!text.empty() && totals.shown > 0) writeOut(separator);
         if (!rendered.complaint.empty()) {
             complain(rendered.complaint);
             ++totals.undecided;
         }
-        writeOut(rendered.text);
-        first = first && !hasText;
+        writeOut(text);
+        totals.shown += !text.empty();
+        totals.reasons.add(rendered.file.reason);
         ++totals.files;
         ++totals.outcomes[static_cast<std::size_t>(rendered.outcome)];
         progress.advance();

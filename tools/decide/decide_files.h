@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/decide/decision.h"
+#include "tools/decide/reason_counts.h"
 #include "tools/files/media_list.h"
 #include "tools/profile/profile_session.h"
 
@@ -35,14 +36,22 @@ struct DecidedFile {
 std::optional<DecidedFile> decideOne(const std::string &profile, const DecisionRequest &request,
                                      const std::string &path);
 
-/// Makes the text that standard output receives for a file, perhaps none. Runs on many threads.
-using RenderFile = std::function<std::string(const std::string &path, const FileResult &result)>;
+/// What a file adds to the output.
+struct FileText {
+    std::string text;       ///< for standard output, perhaps none
+    MainReason reason = {}; ///< to be counted
+};
+
+/// Runs on many threads.
+using RenderFile = std::function<FileText(const std::string &path, const FileResult &result)>;
 
 struct Totals {
     std::size_t files = 0;
     std::array<std::size_t, kOutcomes> outcomes = {};
     std::size_t skipped = 0;   ///< in folders, what is no media
     std::size_t undecided = 0; ///< files for which there is no decision
+    std::size_t shown = 0;     ///< files with a text
+    ReasonCounts reasons;
 
     std::size_t of(Outcome outcome) const { return outcomes[static_cast<std::size_t>(outcome)]; }
 };

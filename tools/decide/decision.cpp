@@ -95,6 +95,31 @@ void askSilentVideo(const TRANSCODE_DEVICE_PROFILE_ST &profile, const DecisionRe
     askVideo(profile, request, decision);
 }
 
+/// Whether the library would keep this track, were it the one to be played.
+bool wouldKeep(const AudioTrack &track, const TRANSCODE_DEVICE_PROFILE_ST &profile,
+               DecisionRequest request, const Decision &decision)
+{
+    Decision other;
+    other.media.formatId = decision.media.formatId;
+    other.video = decision.video;
+    other.audio = audioOf(track);
+    request.audioTrack = 0; // an assigned track would have the video transcoded
+    if (decision.isVideo)
+        askVideo(profile, request, other);
+    else
+        askMusic(profile, request, other);
+    return !other.transcodesAudio() && !other.isRefused();
+}
+
+void findOtherTracks(const TRANSCODE_DEVICE_PROFILE_ST &profile, const DecisionRequest &request,
+                     Decision &decision)
+{
+    if (!decision.transcodesAudio() || request.force) return;
+    for (const AudioTrack &track : decision.media.audio)
+        if (&track != decision.audioTrack() && wouldKeep(track, profile, request, decision))
+            decision.otherTracks.push_back(track.number);
+}
+
 Outcome outcomeOf(const Decision &decision)
 {
     if (decision.isRefused()) return Outcome::Refused;
@@ -181,6 +206,7 @@ std::variant<Decision, Undecided> decide(const ProfileSession &session,
     decision.containerChanges =
         isTranscoded(decision.formatIndex) ||
         (decision.entry && !takesContainer(*decision.entry, decision.formatId));
+    findOtherTracks(profile, request, decision);
     decision.outcome = outcomeOf(decision);
     return decision;
 }

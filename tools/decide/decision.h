@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace vornak::tool {
 
@@ -58,6 +59,8 @@ struct Decision {
     const ContainerEntry *entry = nullptr;
 
     bool containerChanges = false; ///< the output's container is not the file's
+    std::vector<int>
+        otherTracks; ///< where audio is transcoded: numbers of those that would be kept
     Outcome outcome = Outcome::Kept;
 
     /// The track that was decided about; null in a silent video.

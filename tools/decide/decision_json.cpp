@@ -241,6 +241,18 @@ Json pathFields(const std::string &path)
     return {{"path", printable(path)}, {"pathHex", hexBytes(path)}};
 }
 
+Json reasons(const ReasonCounts &counts)
+{
+    Json list = Json::array();
+    for (const ReasonCounts::Row &row : counts.rows())
+        list.push_back({{"files", row.files},
+                        {"outcome", nameOf(row.outcome)},
+                        {"part", row.part.empty() ? Json() : Json(row.part)},
+                        {"code", row.code},
+                        {"text", row.text}});
+    return list;
+}
+
 } // namespace
 
 std::string jsonHead(std::string_view document, const std::string &profilePath,
@@ -273,6 +285,7 @@ std::string jsonOf(const std::string &path, const Decision &decision,
     json["video"] =
         decision.isVideo ? part(explanation.video, decision.videoIndex, false, session) : Json();
     json["audio"] = part(explanation.audio, decision.audioIndex, false, session);
+    json["audio"]["otherTracks"] = decision.otherTracks;
     json["container"] = part(explanation.container, decision.formatIndex, true, session);
     json["forbiddenBy"] = forbidding(explanation, session);
     json["output"] = output(decision);
@@ -292,7 +305,7 @@ std::string jsonOf(const std::string &path, const Undecided &undecided)
     return json.dump();
 }
 
-std::string jsonTail(const Totals &totals)
+std::string jsonTail(const Totals &totals, bool countReasons)
 {
     Json summary{{"files", totals.files}};
     for (int i = 0; i < kOutcomes; ++i) {
@@ -300,6 +313,7 @@ std::string jsonTail(const Totals &totals)
         summary[std::string(nameOf(outcome))] = totals.of(outcome);
     }
     summary["skipped"] = totals.skipped;
+    if (countReasons) summary["reasons"] = reasons(totals.reasons);
     return "\n],\n\"summary\":" + summary.dump() + "}\n";
 }
 

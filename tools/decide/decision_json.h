@@ -22,7 +22,7 @@ std::string jsonOf(const std::string &path, const Decision &decision,
                    const ProfileSession &session, bool withVisits);
 std::string jsonOf(const std::string &path, const Undecided &undecided);
 
-/// What follows the list.
-std::string jsonTail(const Totals &totals);
+/// What follows the list. @param countReasons  with how many files there are of each
+std::string jsonTail(const Totals &totals, bool countReasons);
 
 } // namespace vornak::tool

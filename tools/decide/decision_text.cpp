@@ -70,6 +70,22 @@ std::string partLine(std::string_view name, const Part &part, const std::string 
                        saysOutput ? "; output as in " : "", saysOutput ? rule : "");
 }
 
+/// "  other audio: track 2 (ac3, 6 channels) would be taken as it is"
+std::string otherTracksLine(const Decision &decision)
+{
+    std::string tracks;
+    for (const int number : decision.otherTracks) {
+        const AudioTrack &track = decision.media.audio[static_cast<std::size_t>(number - 1)];
+        tracks += fmt::format("{}track {} ({}, {}{}{})", tracks.empty() ? "" : ", ", number,
+                              printable(track.codecName), channelsText(track.channels),
+                              track.language.empty() ? "" : ", ", printable(track.language));
+    }
+    const bool isOne = decision.otherTracks.size() == 1;
+    return tracks.empty() ? tracks
+                          : fmt::format("  other audio: {} would be taken as {}\n", tracks,
+                                        isOne ? "it is" : "they are");
+}
+
 std::string partLines(const Decision &decision, const Explanation &explanation,
                       const ProfileSession &session)
 {
@@ -81,6 +97,7 @@ std::string partLines(const Decision &decision, const Explanation &explanation,
     const Part &audio = explanation.audio;
     text += partLine("audio", audio, audioReasons(decision, audio, session),
                      ruleText(audio.rule, session), decision);
+    text += otherTracksLine(decision);
     const Part &container = explanation.container;
     text += partLine("container", container, containerReasons(decision, container, session),
                      entryText(container.rule, session), decision);
@@ -219,18 +236,34 @@ std::string textOf(const std::string &path, const Decision &decision,
            (decision.isRefused() ? forbiddenLine(explanation, session) : resultLines(decision));
 }
 
-std::string textOf(const Surroundings &around, const Decision &decision,
-                   const Explanation &explanation, const ProfileSession &session)
+std::string subtitlesLine(const Surroundings &around, const Decision &decision)
+{
+    return decision.isVideo ? fmt::format("  subtitles: {}\n", subtitlesText(around.subtitles))
+                            : "";
+}
+
+std::string equipmentLines(const Surroundings &around, const Decision &decision,
+                           const Explanation &explanation, const ProfileSession &session)
 {
     std::string text, videoDecoder;
     if (decision.isVideo) {
-        text = fmt::format("  subtitles: {}\n  hardware: {}\n", subtitlesText(around.subtitles),
-                           hardwareText(around, explanation.video.rule, session));
+        text =
+            fmt::format("  hardware: {}\n", hardwareText(around, explanation.video.rule, session));
         videoDecoder = fmt::format(", video decoder {}", elementText(around.videoDecoder));
     }
     return text + fmt::format("  elements: demuxer {}{}, audio decoder {}, muxer {}\n",
                               elementText(around.demuxer), videoDecoder,
                               elementText(around.audioDecoder), elementText(around.muxer));
+}
+
+std::string briefText(const std::string &path, const MainReason &reason)
+{
+    const Colours &c = colours();
+    const std::string_view colour = reason.outcome == Outcome::Kept      ? c.good
+                                    : reason.outcome == Outcome::Refused ? c.bad
+                                                                         : c.change;
+    return fmt::format("{}: {}{}{}: {}\n", printable(path), colour, nameOf(reason.outcome), c.reset,
+                       reason.text);
 }
 
 std::string visitsText(const Decision &decision, const Explanation &explanation,
@@ -261,6 +294,16 @@ std::string textOf(const Totals &totals)
     }
     if (totals.skipped > 0) text += fmt::format("; {} skipped as no media", totals.skipped);
     return text + '\n';
+}
+
+std::string countedReasons(const Totals &totals)
+{
+    std::string text;
+    if (totals.files < 2) return text;
+    for (const ReasonCounts::Row &row : totals.reasons.rows())
+        text += fmt::format("  {} {}: {}: {}\n", row.files, row.files == 1 ? "file" : "files",
+                            nameOf(row.outcome), row.text);
+    return text;
 }
 
 } // namespace vornak::tool

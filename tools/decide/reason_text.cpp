@@ -89,6 +89,27 @@ std::string actualText(const Refusal &refusal)
     return {};
 }
 
+std::string_view unitText(Unit unit)
+{
+    switch (unit) {
+    case Unit::ProfileBits:
+        return "profile";
+    case Unit::ExceptionBits:
+        return "play exceptions";
+    case Unit::Level:
+        return "level";
+    case Unit::Channels:
+        return "channels";
+    case Unit::BitRate:
+        return "bit rate";
+    case Unit::SampleRate:
+        return "sample rate";
+    case Unit::PictureSize:
+        return "picture size";
+    }
+    return {};
+}
+
 /// The rule's side.
 std::string limitText(const Refusal &refusal)
 {
@@ -166,6 +187,11 @@ std::string entryText(const RuleRef &entry, const ProfileSession &session)
 std::string refusalText(const Refusal &refusal, std::string_view who)
 {
     return fmt::format("{}, {} {}", actualText(refusal), who, limitText(refusal));
+}
+
+std::string refusalOfMany(const Refusal &refusal, std::string_view who)
+{
+    return fmt::format("{}, {} {}", unitText(refusal.unit), who, limitText(refusal));
 }
 
 std::string videoReasons(const Decision &decision, const Part &part, const ProfileSession &session)

@@ -21,6 +21,9 @@ std::string entryText(const RuleRef &entry, const ProfileSession &session);
 /// "6 channels, rule 0 (aac, line 14) allows 2", with `who` for the rule
 std::string refusalText(const Refusal &refusal, std::string_view who);
 
+/// The same without the source's side: "channels, rule 0 (aac, line 14) allows 2"
+std::string refusalOfMany(const Refusal &refusal, std::string_view who);
+
 /// The reasons of a part, one after the other.
 std::string videoReasons(const Decision &decision, const Part &part, const ProfileSession &session);
 std::string audioReasons(const Decision &decision, const Part &part, const ProfileSession &session);
