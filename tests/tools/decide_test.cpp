@@ -129,7 +129,7 @@ six.mkv: matroska; h264 main level 30, 320x240, N bit/s (estimated); ac3, 6 chan
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
   subtitles: none
 
-film.flv: flv; h264 main level 30, 320x240, N bit/s (estimated); aac lc, 1 channel, 48000 Hz, 96000 bit/s
+film.flv: flv; h264 main level 30, 320x240, N bit/s (estimated); aac lc, 1 channel, 48000 Hz, N bit/s (estimated)
   video: keep: rule 0 (h264, line 11) takes it
   audio: transcode: no rule for aac in video rule 0 (h264, line 11); output as in rule 0 (ac3, line 12)
   container: transcode: entry 0 (mpegts, line 13) is the first of audio rule 0 (ac3, line 12), and a stream is transcoded
@@ -137,7 +137,7 @@ film.flv: flv; h264 main level 30, 320x240, N bit/s (estimated); aac lc, 1 chann
   output: container mpegts, MIME type video/mpeg, DLNA profile AVC_TS
   subtitles: none
 
-old.avi: avi; mpeg4 simple level 1, 320x240, N bit/s (estimated); mp2, 1 channel, 48000 Hz, 128000 bit/s
+old.avi: avi; mpeg4 simple level 1, 320x240, N bit/s; mp2, 1 channel, 48000 Hz, 128000 bit/s
   video: transcode: no rule for mpeg4; output as in rule 0 (h264, line 11)
   audio: transcode: no rule for mp2 in video rule 0 (h264, line 11); output as in rule 0 (ac3, line 12)
   container: transcode: entry 0 (mpegts, line 13) is the first of audio rule 0 (ac3, line 12), and a stream is transcoded

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace vornak::test {
@@ -288,71 +290,91 @@ TEST(EbmlDocType, IsFoundInTheHeader)
 
 TEST(FrameRate, VariesWhenSeveralGapsDo)
 {
-    const auto times = [](std::initializer_list<std::pair<int, std::int64_t>> runs) {
-        std::vector<std::int64_t> all{0};
-        for (const auto &[count, gap] : runs)
-            for (int i = 0; i < count; ++i) all.push_back(all.back() + gap);
-        return all;
-    };
+    using Gaps = std::vector<std::pair<int, std::vector<std::int64_t>>>; // how often, which
     const struct {
-        std::vector<std::int64_t> times;
+        std::vector<Gaps> runs;
         bool varies;
     } cases[] = {
-        {times({{50, 40}}), false},
-        {times({{25, 40}, {10, 80}}), true},
-        {times({{49, 40}, {1, 80}}), false},            // one picture lost
-        {times({{90, 40}, {2, 80}}), true},             // 2 in 92 are more than one in 50
-        {times({{98, 40}, {2, 80}}), false},            // 2 in 100 are not
-        {times({{20, 33}, {20, 34}, {10, 33}}), false}, // rounded to milliseconds
-        {times({{20, 33}, {20, 36}}), false},           // within a tenth
-        {times({{20, 40}, {10, 36}}), false},
-        {times({{20, 40}, {10, 35}}), true},
-        {times({{20, 1}, {10, 2}}), true},  // the unit is the picture
-        {times({{3, 40}, {3, 80}}), false}, // too few to tell
+        {{{{50, {40}}}}, false},
+        {{{{25, {40}}, {10, {80}}}}, true},
+        {{{{49, {40}}, {1, {80}}}}, false},  // one picture lost
+        {{{{90, {40}}, {2, {80}}}}, true},   // 2 in 92 are more than one in 50
+        {{{{98, {40}}, {2, {80}}}}, false},  // 2 in 100 are not
+        {{{{20, {33, 34, 33}}}}, false},     // rounded to milliseconds
+        {{{{20, {33}}, {20, {36}}}}, false}, // within a tenth
+        {{{{20, {40}}, {10, {36}}}}, false},
+        {{{{20, {40}}, {10, {35}}}}, true},
+        {{{{30, {3, 3, 4}}}}, false},                // 300 a second in milliseconds
+        {{{{30, {2, 1, 2, 2}}}}, false},             // 571 a second
+        {{{{20, {1}}, {10, {2}}}}, true},            // the unit is the picture
+        {{{{30, {1}}, {1, {2}}, {30, {1}}}}, false}, // and one is lost
+        {{{{12, {40, 0, 40}}}}, false},              // a hidden picture at the time of another,
+        {{{{12, {40, 1, 39}}}}, false},              // or a unit later
+        {{{{6, {16, 17, 17, 1, 15}}}}, false},
+        {{{{12, {40, 10, 30}}}}, true},       // but not a quarter
+        {{{{20, {40}}}, {{20, {33}}}}, true}, // steady at two places, not by the same pace
+        {{{{20, {40}}}, {{20, {40}}}, {}}, false},
+        {{{{3, {40}}, {3, {80}}}}, false}, // too few to tell
         {{}, false},
     };
-    for (const auto &c : cases) EXPECT_EQ(isVariableFrameRate(c.times), c.varies) << c.times.size();
+    for (const auto &c : cases) {
+        std::vector<PictureTimes> runs;
+        for (const Gaps &run : c.runs) {
+            PictureTimes times;
+            if (!run.empty()) times.push_back(7);
+            for (const auto &[count, gaps] : run)
+                for (int i = 0; i < count; ++i)
+                    for (const std::int64_t gap : gaps) times.push_back(times.back() + gap);
+            runs.push_back(times);
+        }
+        EXPECT_EQ(isVariableFrameRate(runs), c.varies) << &c - cases;
+    }
 }
 
 TEST(BitRates, AreStatedOrWhatTheOthersLeave)
 {
-    constexpr bool kVideo = true;
-    constexpr bool kAudio = false;
-    struct In {
-        std::int64_t stated, sampled;
-        bool isVideo;
-    };
-    struct Out {
-        int bitrate;
-        bool estimated;
+    constexpr bool kVideo = true, kAudio = false;
+    using Rates = std::vector<StreamRate>;
+    const auto in = [](std::int64_t named, std::int64_t header, std::int64_t sampled,
+                       bool isVideo) {
+        return StreamRate{named, header, sampled, isVideo, 0, false};
     };
     const struct {
-        std::vector<In> in;
+        Rates in;
         std::int64_t whole;
-        std::vector<Out> out;
+        std::vector<int> out; // negative: estimated
     } cases[] = {
-        {{{800, 0, kVideo}, {100, 0, kAudio}}, 5000, {{800, false}, {100, false}}},
-        {{{0, 0, kVideo}, {100, 0, kAudio}}, 1000, {{900, true}, {100, false}}},
-        {{{0, 0, kAudio}}, 1000, {{1000, true}}},
-        {{{0, 700, kVideo}, {0, 60, kAudio}}, 1000, {{940, true}, {60, true}}},
-        {{{0, 60, kAudio}, {0, 700, kVideo}}, 1000, {{60, true}, {940, true}}},
-        {{{0, 60, kAudio}, {0, 70, kAudio}}, 1000, {{60, true}, {70, true}}},
-        {{{0, 0, kAudio}, {0, 70, kAudio}}, 1000, {{930, true}, {70, true}}},     // never seen
-        {{{0, 700, kVideo}, {0, 60, kAudio}}, 0, {{700, true}, {60, true}}},      // length unknown
-        {{{0, 700, kVideo}, {600, 0, kAudio}}, 610, {{700, true}, {600, false}}}, // cut short
-        {{{0, 0, kVideo}, {600, 0, kAudio}}, 500, {{1, true}, {600, false}}},     // never 0
-        {{{9'000'000'000, 0, kVideo}}, 0, {{2147483647, false}}},
+        {{in(0, 800, 0, kVideo), in(0, 100, 0, kAudio)}, 5000, {800, 100}},
+        {{in(0, 0, 0, kVideo), in(100, 170, 90, kAudio)}, 1000, {-900, 100}}, // frames know best
+        {{in(0, 0, 0, kAudio)}, 1000, {-1000}},
+        {{in(0, 0, 700, kAudio)}, 1000, {-1000}}, // alone it gets all
+        {{in(0, 0, 700, kVideo), in(0, 0, 60, kAudio)}, 1000, {-940, -60}},
+        {{in(0, 0, 60, kAudio), in(0, 0, 700, kVideo)}, 1000, {-60, -940}},
+        {{in(0, 0, 60, kAudio), in(0, 0, 70, kAudio)}, 1000, {-60, -70}},
+        {{in(0, 0, 0, kAudio), in(0, 0, 70, kAudio)}, 1000, {-930, -70}},     // never seen
+        {{in(0, 0, 700, kVideo), in(0, 0, 60, kAudio)}, 0, {-700, -60}},      // length unknown
+        {{in(0, 0, 700, kVideo), in(600, 0, 0, kAudio)}, 610, {-700, 600}},   // cut short
+        {{in(0, 0, 700, kVideo), in(600, 0, 0, kAudio)}, 2100, {-700, 600}},  // much is no film
+        {{in(0, 0, 700, kVideo), in(600, 0, 0, kAudio)}, 1900, {-1300, 600}}, // a quiet sample
+        {{in(0, 0, 0, kVideo), in(600, 0, 0, kAudio)}, 500, {-1, 600}},       // never 0
+        {{in(0, 9'000'000'000, 0, kVideo)}, 0, {2147483647}},
     };
     for (const auto &c : cases) {
-        std::vector<StreamRate> rates;
-        for (const In &in : c.in)
-            rates.push_back({.stated = in.stated, .sampled = in.sampled, .isVideo = in.isVideo});
-        settleBitRates(rates, c.whole);
-        for (std::size_t i = 0; i < rates.size(); ++i) {
-            EXPECT_EQ(rates[i].bitrate, c.out[i].bitrate) << c.whole << ' ' << i;
-            EXPECT_EQ(rates[i].estimated, c.out[i].estimated) << c.whole << ' ' << i;
-        }
+        Rates rates = c.in;
+        settleBitRates(rates, {c.whole, 2});
+        for (std::size_t i = 0; i < rates.size(); ++i)
+            EXPECT_EQ(rates[i].estimated ? -rates[i].bitrate : rates[i].bitrate, c.out[i])
+                << &c - cases << ' ' << i;
     }
+    const Rates stated = {in(0, 800, 0, kVideo), in(200, 0, 0, kAudio)}; // 125 bytes a second
+    for (const auto &[bytes, seconds, fit] : {std::tuple{1250, 10.0, true},
+                                              {1380, 10.0, true},
+                                              {1215, 10.0, true},
+                                              {1400, 10.0, false},
+                                              {1210, 10.0, false},
+                                              {1250, 0.0, false}})
+        EXPECT_EQ(fitFile(stated, bytes, seconds), fit) << bytes;
+    EXPECT_FALSE(fitFile(Rates{in(0, 1000, 0, kVideo), in(0, 0, 0, kAudio)}, 1250, 10));
 }
 
 } // namespace

@@ -48,7 +48,7 @@ FileResult decideFile(const ProfileSession &session, const DecisionRequest &requ
                       const std::string &path)
 {
     ProbeResult probe = probeMedia(path);
-    if (!probe.media) return Undecided{"cannot-probe", probe.error};
+    if (!probe.media) return Undecided{probe.code, probe.error};
     return decide(session, request, std::move(*probe.media));
 }
 

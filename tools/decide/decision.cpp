@@ -16,12 +16,21 @@ namespace {
 constexpr std::array<std::string_view, kOutcomes> s_OutcomeNames = {
     "kept", "remuxed", "audio", "video", "refused", "unreadable"};
 
-/// Position of the assigned track, else of the default one, else of the first; or -1.
+/// A track whose sound begins far into the file may say nothing of itself.
+bool isTold(const AudioTrack &track)
+{
+    return track.channels > 0 && track.sampleRate > 0;
+}
+
+/// Position of the assigned track, else of the default one, else of the first that can be decided
+/// about; or -1.
 int chooseTrack(const std::vector<AudioTrack> &tracks, int assigned)
 {
     if (assigned > 0) return assigned <= static_cast<int>(tracks.size()) ? assigned - 1 : -1;
-    const auto chosen = std::find_if(tracks.begin(), tracks.end(),
-                                     [](const AudioTrack &track) { return track.isDefault; });
+    auto chosen = std::find_if(tracks.begin(), tracks.end(), [](const AudioTrack &track) {
+        return track.isDefault && isTold(track);
+    });
+    if (chosen == tracks.end()) chosen = std::find_if(tracks.begin(), tracks.end(), isTold);
     if (chosen != tracks.end()) return static_cast<int>(chosen - tracks.begin());
     return tracks.empty() ? -1 : 0;
 }
@@ -139,6 +148,13 @@ std::optional<Undecided> refuseMedia(const MediaInfo &media, const DecisionReque
     if (request.audioTrack > static_cast<int>(media.audio.size()))
         return Undecided{"no-such-track", fmt::format("there is no audio track {}, the file has {}",
                                                       request.audioTrack, media.audio.size())};
+    const int track = chooseTrack(media.audio, request.audioTrack);
+    if (track >= 0 && !isTold(media.audio[static_cast<std::size_t>(track)]))
+        return Undecided{
+            "cannot-probe",
+            fmt::format("audio track {} doesn't say how many channels it has, at least "
+                        "not in the first megabytes",
+                        track + 1)};
     return std::nullopt;
 }
 

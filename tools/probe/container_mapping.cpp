@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -91,13 +92,6 @@ std::string_view brandOf(const AVFormatContext &context)
 {
     const AVDictionaryEntry *brand = av_dict_get(context.metadata, "major_brand", nullptr, 0);
     return brand ? brand->value : "";
-}
-
-/// Whether the file is a photo, in MP4's boxes. Sequences have brands of their own: avis, msf1, ...
-bool hasPhotoBrand(const AVFormatContext &context)
-{
-    constexpr std::string_view brands[] = {"avif", "heic", "heim", "heis", "heix", "mif1", "mif2"};
-    return std::ranges::find(brands, brandOf(context)) != std::end(brands);
 }
 
 /// Brands that have no name of their own are further forms of "isom": iso2, avc1, dash, ...
@@ -191,6 +185,13 @@ bool holdsDsd(const AVFormatContext &context)
     return holds(context, AV_CODEC_ID_DSD_MSBF) || holds(context, AV_CODEC_ID_DST);
 }
 
+/// libavformat's name, which for pictures one after the other is that of a pipe.
+std::string nameOfUnknown(const AVFormatContext &context)
+{
+    const std::string_view format = context.iformat->name;
+    return format == "jpeg_pipe" ? "mjpeg" : std::string(format);
+}
+
 /// A null container: none in the registry.
 ContainerName nameContainer(const MediaFile &file)
 {
@@ -223,20 +224,35 @@ std::string ebmlDocType(Bytes start)
 
 ContainerIdentity identifyContainer(const MediaFile &file)
 {
-    if (isPictureContainer(file)) return {kUnknownId, "image"};
     const ContainerName name = nameContainer(file);
     int id = 0;
     if (!name.container || ContainerFormatNameToID(name.container, name.subtype, &id) != 0)
-        return {kUnknownId, file.context()->iformat->name};
+        return {kUnknownId, nameOfUnknown(*file.context())};
     if (!name.subtype) return {id, name.container};
     return {id, std::string(name.container) + '/' + name.subtype};
 }
 
-bool isPictureContainer(const MediaFile &file)
+int fewestPicturesOfFilm(const AVFormatContext &context)
 {
-    const std::string_view format = file.context()->iformat->name;
-    return format.ends_with("_pipe") || format == "image2" || format == "gif" || format == "apng" ||
-           format == "ico" || hasPhotoBrand(*file.context());
+    constexpr int kMostInPhoto = 4; // cameras put some into one: for both eyes, for bright screens
+    constexpr int kNever = std::numeric_limits<int>::max();
+
+    const std::string_view format = context.iformat->name;
+    if (format == "gif" || format == "apng") return 2;
+    if (format == "jpeg_pipe") return kMostInPhoto + 1;
+    return format.ends_with("_pipe") || format == "image2" || format == "ico" ? kNever : 0;
+}
+
+bool hasPhotoBrand(const MediaFile &file)
+{
+    // of sequences others: avis, msf1, ...
+    constexpr std::string_view brands[] = {"avci", "avif", "crx ", "heic", "heim",
+                                           "heis", "heix", "mif1", "mif2"};
+    std::array<std::uint8_t, 12> start{};
+    if (file.readStart(start).size() < start.size()) return false;
+    const std::string_view box(reinterpret_cast<const char *>(start.data()), start.size());
+    return box.substr(4, 4) == "ftyp" &&
+           std::ranges::find(brands, box.substr(8)) != std::end(brands);
 }
 
 } // namespace vornak::tool

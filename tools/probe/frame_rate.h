@@ -3,10 +3,14 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace vornak::tool {
 
-/// @param times  of the pictures, in any unit, rising
-bool isVariableFrameRate(std::span<const std::int64_t> times);
+/// When pictures are shown that follow each other, rising, in any unit.
+using PictureTimes = std::vector<std::int64_t>;
+
+/// @param runs  of one video, from several places
+bool isVariableFrameRate(std::span<const PictureTimes> runs);
 
 } // namespace vornak::tool

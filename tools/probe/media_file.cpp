@@ -127,11 +127,20 @@ std::string notMedia()
     return reason.empty() ? kNotMedia : kNotMedia + (" (" + reason + ")");
 }
 
+/// Whether libavcodec takes a stream's bit rate from its frames, when no header says another.
+bool namesBitrate(AVCodecID codec)
+{
+    constexpr AVCodecID codecs[] = {AV_CODEC_ID_AC3, AV_CODEC_ID_DTS, AV_CODEC_ID_MP1,
+                                    AV_CODEC_ID_MP2, AV_CODEC_ID_MP3};
+    return std::ranges::find(codecs, codec) != std::end(codecs);
+}
+
 } // namespace
 
-MediaFile::MediaFile(const std::string &path) : descriptor_(openForReading(path))
+MediaFile::MediaFile(const std::string &path, Search search) : descriptor_(openForReading(path))
 {
-    if (isRegularFile()) openMedia(path);
+    if (isFileWithContent()) openMedia(path);
+    if (context_) findStreams(search);
 }
 
 void MediaFile::CloseIo::operator()(AVIOContext *io) const
@@ -146,23 +155,23 @@ void MediaFile::CloseContext::operator()(AVFormatContext *context) const
 }
 
 /// Takes the size of the file that was opened just now, or says what is wrong with it.
-bool MediaFile::isRegularFile()
+bool MediaFile::isFileWithContent()
 {
     struct stat status {};
     if (!descriptor_ || fstat(descriptor_.get(), &status) != 0)
-        error_ = "can't be opened: " + std::generic_category().message(errno);
-    else if (S_ISDIR(status.st_mode))
-        error_ = "is a directory";
+        error_ = std::generic_category().message(errno);
     else if (!S_ISREG(status.st_mode))
-        error_ = "is no regular file";
-    else if (status.st_size == 0)
-        error_ = "is empty";
+        error_ = S_ISDIR(status.st_mode) ? "is a directory" : "neither a file nor a folder";
+    isOpen_ = error_.empty();
+    if (isOpen_ && status.st_size == 0) error_ = "is empty";
     size_ = status.st_size;
     return error_.empty();
 }
 
 void MediaFile::openMedia(const std::string &path)
 {
+    constexpr std::int64_t kMostForHeader = 128'000'000; // fonts and covers are part of it
+
     keepFreedMemory();
     startListeningToLibav();
     io_.reset(makeIo(this, readNext, seek));
@@ -172,20 +181,35 @@ void MediaFile::openMedia(const std::string &path)
     AVFormatContext *context = context_.release();
     context->pb = io_.get();
     context->io_open = refuseToOpen;
+    limitReading(kMostForHeader);
     const int status =
         avformat_open_input(&context, nameForGuessing(path).c_str(), nullptr, &options);
     av_dict_free(&options);
     context_.reset(context); // null after a failure
-    if (status < 0) {
-        error_ = notMedia();
-        return;
-    }
-    for (unsigned i = 0; i < context->nb_streams; ++i)
-        headerBitrates_.push_back(context->streams[i]->codecpar->bit_rate);
-    if (isText(*context) || avformat_find_stream_info(context, nullptr) < 0) {
+    if (status < 0 || isText(*context)) {
         error_ = notMedia();
         context_.reset();
     }
+}
+
+void MediaFile::findStreams(Search search)
+{
+    constexpr std::int64_t kMostForStreams = 64'000'000;
+
+    for (unsigned i = 0; i < context_->nb_streams; ++i) {
+        AVCodecParameters &parameters = *context_->streams[i]->codecpar;
+        headerBitrates_.push_back(parameters.bit_rate);
+        if (namesBitrate(parameters.codec_id)) parameters.bit_rate = 0;
+    }
+    context_->fps_probe_size = 0; // the frame rate is found otherwise, if at all
+    if (search == Search::Far) {
+        context_->probesize = kMostForStreams / 2; // some is read again, at the end
+        context_->max_analyze_duration = 60 * AV_TIME_BASE;
+    }
+    limitReading(kMostForStreams);
+    if (avformat_find_stream_info(context_.get(), nullptr) >= 0) return;
+    error_ = notMedia();
+    context_.reset();
 }
 
 std::int64_t MediaFile::headerBitrate(int stream) const

@@ -5,11 +5,13 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vornak::tool {
 
 struct ProbeResult {
     std::optional<MediaInfo> media; ///< none: see `error`
+    std::string_view code;          ///< of the error: "cannot-open" or "cannot-probe"
     std::string error; ///< what the file is or does instead, after its name in a sentence
 };
 

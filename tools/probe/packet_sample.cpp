@@ -1,9 +1,12 @@
 #include "tools/probe/packet_sample.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 extern "C" {
@@ -20,8 +23,8 @@ struct Free {
     void operator()(AVCodecParserContext *parser) const { av_parser_close(parser); }
 };
 
-/// Whether an H.264 stream is interlaced, by its pictures. Containers that say so are not always
-/// right: a muxer passes on what it was told of the pictures before they were encoded.
+/// Whether an H.264 stream is interlaced, by its pictures. A Matroska file that says that it isn't
+/// may be wrong: a muxer passes on what it was told of the pictures before they were encoded.
 class H264Fields {
 public:
     explicit H264Fields(const AVCodecParameters &parameters)
@@ -51,8 +54,8 @@ private:
     bool interlaced_ = false;
 };
 
-/// Without a duration in the packets: the distance of the first from the last, and one more.
-double spanInSeconds(const std::vector<std::int64_t> &times, AVRational timeBase)
+/// From the first to the last, and one gap more.
+double spanInSeconds(const PictureTimes &times, AVRational timeBase)
 {
     if (times.size() < 2) return 0;
     const auto distance = static_cast<double>(times.back() - times.front());
@@ -63,17 +66,27 @@ double spanInSeconds(const std::vector<std::int64_t> &times, AVRational timeBase
 /// A stream while its packets come in.
 struct Sampling {
     SampledStream found;
+    PictureTimes times;
     std::optional<H264Fields> fields; ///< until some pictures were seen
-    int packets = 0, timed = 0;       ///< `timed`: those that say how long they last
+    int timed = 0;                    ///< packets that say how long they last
     bool skip = false; ///< the next packet: behind a jump it may be what is left of one
 };
+
+/// In other files libavformat goes by the pictures.
+bool mayHideFields(const AVFormatContext &context, const AVCodecParameters &parameters)
+{
+    const bool isUntold = parameters.field_order == AV_FIELD_UNKNOWN ||
+                          parameters.field_order == AV_FIELD_PROGRESSIVE;
+    return parameters.codec_id == AV_CODEC_ID_H264 && isUntold &&
+           std::string_view(context.iformat->name) == "matroska,webm";
+}
 
 std::vector<Sampling> startSampling(const AVFormatContext &context)
 {
     std::vector<Sampling> streams(context.nb_streams);
     for (std::size_t i = 0; i < streams.size(); ++i) {
         const AVCodecParameters &parameters = *context.streams[i]->codecpar;
-        if (parameters.codec_id == AV_CODEC_ID_H264) streams[i].fields.emplace(parameters);
+        if (mayHideFields(context, parameters)) streams[i].fields.emplace(parameters);
     }
     return streams;
 }
@@ -86,28 +99,63 @@ unsigned rateCode(const AVPacket &packet)
     return isFrame ? 1U << (packet.data[2] >> 4) : 0;
 }
 
+/// Zeros behind the last frame of a file that are no part of it: far more than any filling.
+int zerosAtEnd(const AVPacket &packet)
+{
+    constexpr int kFew = 64 * 1024;
+
+    int zeros = 0;
+    while (zeros < packet.size && packet.data[packet.size - zeros - 1] == 0) ++zeros;
+    return zeros > kFew ? zeros : 0;
+}
+
 void addPacket(Sampling &stream, const AVPacket &packet, const AVStream &source)
 {
     constexpr int kPicturesForFields = 4;
 
-    stream.found.bytes += packet.size;
+    stream.found.bytes += packet.size - zerosAtEnd(packet);
     stream.found.seconds += static_cast<double>(packet.duration) * av_q2d(source.time_base);
     const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-    if (time != AV_NOPTS_VALUE) stream.found.times.push_back(time);
+    if (time != AV_NOPTS_VALUE) stream.times.push_back(time);
     if (source.codecpar->codec_id == AV_CODEC_ID_MP3) stream.found.rateCodes |= rateCode(packet);
     stream.timed += packet.duration > 0 ? 1 : 0;
-    if (++stream.packets > kPicturesForFields || !stream.fields) return;
+    if (++stream.found.packets > kPicturesForFields || !stream.fields) return;
     stream.fields->add(packet);
     stream.found.interlaced = stream.fields->isInterlaced();
 }
 
-SampledStream finish(Sampling &&stream, AVRational timeBase)
+/// Which ends of a sample are not the file's.
+struct Ends {
+    bool first, last;
+};
+
+/// Packets come in coding order: at an end that is not the file's, pictures are missing between
+/// the last ones. No decoder holds more than 16 back.
+PictureTimes withoutMissing(PictureTimes times, Ends open)
 {
-    std::ranges::sort(stream.found.times);
-    if (stream.timed > 0)
-        stream.found.seconds *= static_cast<double>(stream.packets) / stream.timed;
-    else
-        stream.found.seconds = spanInSeconds(stream.found.times, timeBase);
+    constexpr std::ptrdiff_t kMostReordered = 16;
+
+    const std::ptrdiff_t left = open.first ? kMostReordered : 0;
+    const std::ptrdiff_t right = open.last ? kMostReordered : 0;
+    if (std::ssize(times) <= left + right) return {};
+    return {times.begin() + left, times.end() - right};
+}
+
+/// How long the packets last: as they say, or by their times where they all lie on one line.
+double secondsOf(const Sampling &stream, const AVFormatContext &context, AVRational timeBase)
+{
+    const double span = spanInSeconds(stream.times, timeBase);
+    if (stream.timed == 0) return span;
+    const double told = stream.found.seconds * stream.found.packets / stream.timed;
+    return isSoughtByBytes(context) ? told : std::max(told, span);
+}
+
+SampledStream finish(Sampling &&stream, const AVFormatContext &context, AVRational timeBase,
+                     Ends open)
+{
+    std::ranges::sort(stream.times);
+    stream.found.seconds = secondsOf(stream, context, timeBase);
+    stream.found.times = {withoutMissing(std::move(stream.times), open)};
     return std::move(stream.found);
 }
 
@@ -117,25 +165,29 @@ PacketSample readPackets(AVFormatContext &context, std::vector<Sampling> streams
     if (!packet) throw std::bad_alloc();
     PacketSample sample;
     std::int64_t bytes = 0;
+    std::optional<double> begin;
+    const bool isPlace = !streams.empty() && streams.front().skip;
+    const std::int64_t before = avio_tell(context.pb);
     for (int i = 0; i < most.packets && bytes < most.bytes; ++i) {
-        sample.isWhole = av_read_frame(&context, packet.get()) < 0;
-        if (sample.isWhole) break;
+        sample.isComplete = av_read_frame(&context, packet.get()) < 0;
+        if (sample.isComplete) break;
         const auto index = static_cast<std::size_t>(packet->stream_index);
         // a stream that turns up late has no place
         if (index < streams.size() && !std::exchange(streams[index].skip, false))
             addPacket(streams[index], *packet, *context.streams[index]);
         bytes += packet->size;
+        if (!begin && packet->dts != AV_NOPTS_VALUE)
+            begin = static_cast<double>(packet->dts) *
+                    av_q2d(context.streams[packet->stream_index]->time_base);
         av_packet_unref(packet.get());
     }
+    sample.begin = begin.value_or(0);
+    sample.fileBytes = avio_tell(context.pb) - before;
     for (std::size_t i = 0; i < streams.size(); ++i)
-        sample.streams.push_back(finish(std::move(streams[i]), context.streams[i]->time_base));
+        sample.streams.push_back(finish(std::move(streams[i]), context,
+                                        context.streams[i]->time_base,
+                                        {isPlace, !sample.isComplete}));
     return sample;
-}
-
-/// Streams of frames and broadcasts are found again from any byte; the others know their times.
-bool isSoughtByBytes(const AVFormatContext &context)
-{
-    return (context.iformat->flags & (AVFMT_GENERIC_INDEX | AVFMT_TS_DISCONT)) != 0;
 }
 
 bool seekToByte(AVFormatContext &context, std::int64_t byte)
@@ -144,42 +196,88 @@ bool seekToByte(AVFormatContext &context, std::int64_t byte)
 }
 
 /// Not to key frames alone: where seconds lie between them, all places might be the same.
-bool seekToTime(AVFormatContext &context, std::int64_t time)
+bool seekToTime(AVFormatContext &context, double seconds)
 {
+    const auto time = static_cast<std::int64_t>(seconds * AV_TIME_BASE);
     return time > 0 &&
            av_seek_frame(&context, -1, time, AVSEEK_FLAG_BACKWARD | AVSEEK_FLAG_ANY) >= 0;
 }
 
+void addPlace(PacketSample &sum, PacketSample place)
+{
+    for (std::size_t i = 0; i < sum.streams.size(); ++i) {
+        SampledStream &stream = sum.streams[i], &more = place.streams[i];
+        stream.bytes += more.bytes;
+        stream.packets += more.packets;
+        stream.seconds += more.seconds;
+        stream.rateCodes |= more.rateCodes;
+        stream.times.push_back(std::move(more.times.front()));
+    }
+}
+
 } // namespace
+
+std::int64_t PacketSample::bytes() const
+{
+    std::int64_t sum = 0;
+    for (const SampledStream &stream : streams) sum += stream.bytes;
+    return sum;
+}
+
+double PacketSample::seconds() const
+{
+    double longest = 0;
+    for (const SampledStream &stream : streams) longest = std::max(longest, stream.seconds);
+    return longest;
+}
+
+const SampledStream &PacketSample::of(const AVStream &stream) const
+{
+    static const SampledStream nothing;
+    const auto index = static_cast<std::size_t>(stream.index);
+    return index < streams.size() ? streams[index] : nothing;
+}
 
 PacketSample samplePackets(AVFormatContext &context, SampleSize most)
 {
     return readPackets(context, startSampling(context), most);
 }
 
-std::vector<SampledStream> samplePlaces(AVFormatContext &context, std::int64_t bytes,
-                                        std::int64_t bytesEach)
+/// Streams of frames and broadcasts are found again from any byte; the others know their times.
+bool isSoughtByBytes(const AVFormatContext &context)
+{
+    constexpr std::string_view lost[] = {"gif", "ivf", "wv"}; // their frames have no sign
+
+    return (context.iformat->flags & (AVFMT_GENERIC_INDEX | AVFMT_TS_DISCONT)) != 0 &&
+           std::ranges::find(lost, context.iformat->name) == std::end(lost);
+}
+
+PacketSample samplePlaces(AVFormatContext &context, Stretch stretch, std::int64_t bytesEach)
 {
     constexpr int kPlaces = 8;
     constexpr SampleSize kSizeInTime = {100, 1'000'000};
 
     const bool byBytes = isSoughtByBytes(context);
-    const std::int64_t part = bytes / kPlaces, taken = std::min(part, bytesEach);
-    const std::int64_t first = avio_size(context.pb) - bytes + (part - taken) / 2;
+    const std::int64_t part = stretch.bytes / kPlaces, taken = std::min(part, bytesEach);
+    const std::int64_t first = avio_size(context.pb) - stretch.bytes + (part - taken) / 2;
     const SampleSize size = byBytes ? SampleSize{kAnyNumber, taken} : kSizeInTime;
-    std::vector<SampledStream> sum(context.nb_streams);
+    const std::int64_t start = context.start_time == AV_NOPTS_VALUE ? 0 : context.start_time;
+    PacketSample sum;
+    sum.streams.resize(context.nb_streams);
+    sum.isComplete = true;
     for (int place = 0; place < kPlaces; ++place) {
-        const std::int64_t time = context.duration / (2 * kPlaces) * (2 * place + 1);
+        const double time = static_cast<double>(start) / AV_TIME_BASE +
+                            stretch.seconds * (2 * place + 1) / (2 * kPlaces);
         if (!(byBytes ? seekToByte(context, first + part * place) : seekToTime(context, time)))
-            break;
-        std::vector<Sampling> streams(sum.size());
+            return {};
+        std::vector<Sampling> streams(sum.streams.size());
         for (Sampling &stream : streams) stream.skip = true;
-        const PacketSample sample = readPackets(context, std::move(streams), size);
-        for (std::size_t i = 0; i < sum.size(); ++i) {
-            sum[i].bytes += sample.streams[i].bytes;
-            sum[i].seconds += sample.streams[i].seconds;
-            sum[i].rateCodes |= sample.streams[i].rateCodes;
-        }
+        PacketSample sample = readPackets(context, std::move(streams), size);
+        // some seek to the last frame that they know of
+        const bool isThere = sample.bytes() > 0 &&
+                             (byBytes || std::abs(sample.begin - time) < stretch.seconds / kPlaces);
+        sum.isComplete = sum.isComplete && isThere;
+        if (isThere) addPlace(sum, std::move(sample));
     }
     return sum;
 }

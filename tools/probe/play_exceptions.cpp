@@ -1,7 +1,6 @@
 #include "tools/probe/play_exceptions.h"
 
 #include "include/vornak_host.h"
-#include "tools/probe/frame_rate.h"
 #include "tools/probe/mpeg4_headers.h"
 #include "tools/probe/parameter_sets.h"
 
@@ -115,7 +114,7 @@ Facts gatherFacts(const AVStream &stream, const PictureFacts &pictures)
         .hevcFields = parameters.codec_id == AV_CODEC_ID_HEVC && isHevcFromFields(extradata),
         .tooManyReferences =
             parameters.codec_id == AV_CODEC_ID_H264 && hasTooManyReferences(extradata),
-        .variableFrameRate = isVariableFrameRate(pictures.times),
+        .variableFrameRate = pictures.variableFrameRate,
         .dolbyVisionAlone = isDolbyVisionAlone(stream),
     };
 }

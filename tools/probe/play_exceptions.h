@@ -1,7 +1,6 @@
 // What players stumble over in a video stream.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,8 @@ struct PlayExceptions {
 
 /// What the packets of a stream say beyond its headers.
 struct PictureFacts {
-    std::vector<std::int64_t> times; ///< of the pictures, rising; empty when the container has none
-    bool interlaced = false;         ///< they are fields, whatever the headers say
+    bool variableFrameRate = false;
+    bool interlaced = false; ///< they are fields, whatever the headers say
 };
 
 PlayExceptions findPlayExceptions(const AVStream &stream, const PictureFacts &pictures);
