@@ -45,29 +45,21 @@ std::string firstOf(const std::string &folder, const std::string &one, const std
 TEST_F(BdFormat, takesTheLargestStream)
 {
     const struct {
-        std::vector<DiscFile> files;
-        const char *folder, *name;
         std::int64_t size;
+        const char *folder, *name;
+        std::vector<DiscFile> files;
     } cases[] = {
-        {{{"STREAM/00001.m2ts", 3}, {"STREAM/a long name.m2ts", 4}, {"STREAM/2.m2ts", 5}},
-         "STREAM/",
-         "2.m2ts",
-         5},
-        {{{"STREAM/1.m2ts", 5'000'000'000}, {"STREAM/2.m2ts", 4'999'999'999}},
-         "STREAM/",
-         "1.m2ts",
-         5'000'000'000},
-        {{{"stream/A.M2TS", 1}}, "stream/", "A.M2TS", 1},
-        {{{"StReAm/-'$(x)\n.m2Ts", 1}}, "StReAm/", "-'$(x)\n.m2Ts", 1},
-        {{{"STREAM/.m2ts", 1}}, "STREAM/", ".m2ts", 1},
-        {{{"STREAM/m2ts", 9}, {"STREAM/1.m2ts.bak", 9}, {"STREAM/1m2ts", 9}, {"STREAM/1.m2t", 9}},
-         "",
-         "",
-         0},
-        {{{"STREAM/1.m2ts", 0}, {"STREAM/2.m2ts", 0}}, "", "", 0},
-        {{{"STREAM/SSIF/1.m2ts", 9}}, "", "", 0},
-        {{{"STREAM", 9}}, "", "", 0},
-        {{{"STREAMS/1.m2ts", 9}, {"1.m2ts", 9}}, "", "", 0},
+        {5, "STREAM/", "2.m2ts", {{"STREAM/long name.m2ts", 4}, {"STREAM/2.m2ts", 5}}},
+        {3, "STREAM/", "1.m2ts", {{"STREAM/1.m2ts", 3}, {"STREAM/2.m2ts", 2}}},
+        {5 * kGiga, "STREAM/", "1.m2ts", {{"STREAM/1.m2ts", 5 * kGiga}, {"STREAM/2.m2ts", kGiga}}},
+        {1, "stream/", "A.M2TS", {{"stream/A.M2TS", 1}}},
+        {1, "StReAm/", "-'$(x)\n.m2Ts", {{"StReAm/-'$(x)\n.m2Ts", 1}}},
+        {1, "STREAM/", ".m2ts", {{"STREAM/.m2ts", 1}}},
+        {0, "", "", {{"STREAM/m2ts", 9}, {"STREAM/1.m2ts.bak", 9}, {"STREAM/1m2ts", 9}}},
+        {0, "", "", {{"STREAM/1.m2ts", 0}, {"STREAM/2.m2ts", 0}}},
+        {0, "", "", {{"STREAM/SSIF/1.m2ts", 9}}},
+        {0, "", "", {{"STREAM", 9}}},
+        {0, "", "", {{"STREAMS/1.m2ts", 9}, {"1.m2ts", 9}}},
     };
     for (const auto &c : cases) {
         const TempDir temp;
@@ -101,9 +93,9 @@ TEST_F(BdFormat, countsWhatHasAStreamsName)
     struct stat directory;
     ASSERT_EQ(stat((temp / "STREAM/1.m2ts").c_str(), &directory), 0);
     expectStream(temp / "", temp / "STREAM/", "1.m2ts", directory.st_size);
-    writeSparse(temp, "film", 6'000'000'000);
+    writeSparse(temp, "film", 6 * kGiga);
     fs::create_symlink("../film", temp / "STREAM/3.m2ts");
-    expectStream(temp / "", temp / "STREAM/", "3.m2ts", 6'000'000'000);
+    expectStream(temp / "", temp / "STREAM/", "3.m2ts", 6 * kGiga);
 }
 
 TEST_F(BdFormat, leavesOutWhatDoesNotFitItsPath)

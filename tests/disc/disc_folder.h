@@ -10,6 +10,8 @@
 
 namespace vornak::test {
 
+constexpr std::int64_t kGiga = 1'000'000'000;
+
 struct DiscFile {
     const char *name;
     std::int64_t size;

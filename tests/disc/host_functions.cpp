@@ -2,7 +2,9 @@
 
 #include "include/vornak_host.h"
 
+#include <cerrno>
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace {
 
@@ -27,4 +29,10 @@ int Telmo_getUniqueNumer(void)
 {
     const auto &number = vornak::test::hostFunctions().number;
     return number ? *number : hidden<int()>(__func__)();
+}
+
+extern "C" __attribute__((visibility("default"))) pid_t fork()
+{
+    errno = EAGAIN;
+    return vornak::test::hostFunctions().canFork ? hidden<pid_t()>(__func__)() : -1;
 }

@@ -10,6 +10,7 @@ struct HostFunctions {
     int conversions = 0;                ///< names converted so far
     int failing = 0;                    ///< the conversion, counted from 1, that fails; 0: none
     std::function<void()> onConversion; ///< what else a conversion does
+    bool canFork = true;                ///< the C library's fork(), too, is the program's
     std::optional<int> number;          ///< the unique number, in place of the stand-in host's
 };
 

@@ -28,29 +28,24 @@ struct Out {
 
 TEST_F(IndexFile, isFoundInTheFoldersOfDiscs)
 {
+    const int dvd = VORNAK_DISC_DVD, bd = VORNAK_DISC_BD;
     const struct {
-        std::vector<const char *> files;
         int disc;
         const char *folder, *name;
+        std::vector<const char *> files;
     } cases[] = {
-        {{"VIDEO_TS/VIDEO_TS.IFO"}, VORNAK_DISC_DVD, "VIDEO_TS/", "VIDEO_TS.IFO"},
-        {{"video_ts/video_ts.ifo"}, VORNAK_DISC_DVD, "video_ts/", "video_ts.ifo"},
-        {{"BDMV/index.bdmv"}, VORNAK_DISC_BD, "BDMV/", "index.bdmv"},
-        {{"bdmv/index.bdmv"}, VORNAK_DISC_BD, "bdmv/", "index.bdmv"},
-        {{"BDMV/index.bdmv", "video_ts/video_ts.ifo"},
-         VORNAK_DISC_DVD,
-         "video_ts/",
-         "video_ts.ifo"},
-        {{"video_ts/video_ts.ifo", "VIDEO_TS/VIDEO_TS.IFO"},
-         VORNAK_DISC_DVD,
-         "VIDEO_TS/",
-         "VIDEO_TS.IFO"},
-        {{"bdmv/index.bdmv", "BDMV/index.bdmv"}, VORNAK_DISC_BD, "BDMV/", "index.bdmv"},
-        {{"VIDEO_TS/VIDEO_TS.IFO/x"}, VORNAK_DISC_DVD, "VIDEO_TS/", "VIDEO_TS.IFO"}, // a directory
-        {{"Video_TS/Video_TS.ifo"}, 0, "", ""},
-        {{"VIDEO_TS/video_ts.ifo"}, 0, "", ""},
-        {{"BDMV/INDEX.BDMV"}, 0, "", ""},
-        {{"VIDEO_TS.IFO", "index.bdmv"}, 0, "", ""},
+        {dvd, "VIDEO_TS/", "VIDEO_TS.IFO", {"VIDEO_TS/VIDEO_TS.IFO"}},
+        {dvd, "video_ts/", "video_ts.ifo", {"video_ts/video_ts.ifo"}},
+        {bd, "BDMV/", "index.bdmv", {"BDMV/index.bdmv"}},
+        {bd, "bdmv/", "index.bdmv", {"bdmv/index.bdmv"}},
+        {dvd, "video_ts/", "video_ts.ifo", {"BDMV/index.bdmv", "video_ts/video_ts.ifo"}},
+        {dvd, "VIDEO_TS/", "VIDEO_TS.IFO", {"video_ts/video_ts.ifo", "VIDEO_TS/VIDEO_TS.IFO"}},
+        {bd, "BDMV/", "index.bdmv", {"bdmv/index.bdmv", "BDMV/index.bdmv"}},
+        {dvd, "VIDEO_TS/", "VIDEO_TS.IFO", {"VIDEO_TS/VIDEO_TS.IFO/x"}}, // a directory
+        {0, "", "", {"Video_TS/Video_TS.ifo"}},
+        {0, "", "", {"VIDEO_TS/video_ts.ifo"}},
+        {0, "", "", {"BDMV/INDEX.BDMV"}},
+        {0, "", "", {"VIDEO_TS.IFO", "index.bdmv"}},
     };
     for (const auto &c : cases) {
         const TempDir temp;

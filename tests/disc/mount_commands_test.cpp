@@ -6,8 +6,10 @@
 #include "tests/support/temp_dir.h"
 
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 #include <vector>
 
@@ -239,6 +241,63 @@ TEST_F(MountCommands, removeADirectoryOnlyOnceItIsUnmounted)
         EXPECT_EQ(err.take() + out.take(), "");
         EXPECT_EQ(commands(), c.commands);
     }
+}
+
+/// In a child whose root is the same, so that the stand-ins are found.
+class CommandsInRoot : public MountCommands {
+protected:
+    void SetUp() override
+    {
+        MountCommands::SetUp();
+        if (geteuid() != 0) GTEST_SKIP() << "chroot needs root";
+    }
+
+    int unmount() const { return chrootUmountIso(mountPoint_.c_str(), "/"); }
+
+    const std::string mountPoint_ = temp_ / "mp";
+    const std::string whole_ = command({"umount", mountPoint_}) + command({"rmdir", mountPoint_});
+};
+
+TEST_F(CommandsInRoot, failIfTheirChildDoes)
+{
+    EXPECT_EQ(unmount(), 0);
+    EXPECT_EQ(commands(), whole_);
+    hostFunctions().onConversion = [] { raise(SIGKILL); };
+    EXPECT_EQ(unmount(), 1);
+    EXPECT_EQ(commands(), "");
+
+    // Without a child there is none to wait for: that one is the caller's.
+    hostFunctions() = {};
+    const pid_t callers = fork();
+    if (callers == 0) _exit(0);
+    hostFunctions().canFork = false;
+    EXPECT_EQ(unmount(), 1);
+    EXPECT_EQ(waitpid(callers, nullptr, 0), callers);
+}
+
+TEST_F(CommandsInRoot, areWaitedForWhenASignalInterrupts)
+{
+    static volatile std::sig_atomic_t s_alarms;
+    struct sigaction action {
+    }, before{};
+    action.sa_handler = [](int) { s_alarms = s_alarms + 1; }; // without SA_RESTART
+    sigaction(SIGALRM, &action, &before);
+    hostFunctions().onConversion = [] { usleep(100'000); };
+    const itimerval often{{0, 10000}, {0, 10000}}, never{};
+    setitimer(ITIMER_REAL, &often, nullptr);
+    EXPECT_EQ(unmount(), 0);
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &before, nullptr);
+    EXPECT_GT(s_alarms, 2);
+}
+
+TEST_F(CommandsInRoot, failIfNothingTellsHowTheyEnded)
+{
+    std::signal(SIGCHLD, SIG_IGN); // ended children vanish, so the wait finds none
+    hostFunctions().onConversion = [] { std::signal(SIGCHLD, SIG_DFL); };
+    EXPECT_EQ(unmount(), 1);
+    std::signal(SIGCHLD, SIG_DFL);
+    EXPECT_EQ(commands(), whole_); // the child itself had done its work
 }
 
 } // namespace
