@@ -55,6 +55,7 @@ TEST_F(BdFormat, takesTheLargestStream)
         {1, "stream/", "A.M2TS", {{"stream/A.M2TS", 1}}},
         {1, "StReAm/", "-'$(x)\n.m2Ts", {{"StReAm/-'$(x)\n.m2Ts", 1}}},
         {1, "STREAM/", ".m2ts", {{"STREAM/.m2ts", 1}}},
+        {1, "STREAM/", "1.m2ts", {{"STREAM/1.m2ts", 1}, {"stream", 9}, {"Stream", 9}}},
         {0, "", "", {{"STREAM/m2ts", 9}, {"STREAM/1.m2ts.bak", 9}, {"STREAM/1m2ts", 9}}},
         {0, "", "", {{"STREAM/1.m2ts", 0}, {"STREAM/2.m2ts", 0}}},
         {0, "", "", {{"STREAM/SSIF/1.m2ts", 9}}},

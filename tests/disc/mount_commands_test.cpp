@@ -1,6 +1,7 @@
 // The commands that mounting runs, seen by stand-ins of mount, umount and rmdir in PATH.
 #include "include/vornak.h"
 #include "tests/disc/host_functions.h"
+#include "tests/support/alarms.h"
 #include "tests/support/capture.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/temp_dir.h"
@@ -9,7 +10,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <unistd.h>
 #include <vector>
 
@@ -94,6 +94,7 @@ TEST_F(MountCommands, mountTheImageWhateverItsName)
         EXPECT_EQ(commands(), mountCommand(c.image, c.mountPoint));
         EXPECT_TRUE(fs::is_directory(c.mountPoint));
     }
+    EXPECT_EQ(hostFunctions().conversions, 8 * 2 + 2); // two mount points aren't plain
     EXPECT_EQ(umountIso("-a"), 0);
     EXPECT_EQ(commands(), command({"umount", "./-a"}) + command({"rmdir", "./-a"}));
 }
@@ -277,18 +278,10 @@ TEST_F(CommandsInRoot, failIfTheirChildDoes)
 
 TEST_F(CommandsInRoot, areWaitedForWhenASignalInterrupts)
 {
-    static volatile std::sig_atomic_t s_alarms;
-    struct sigaction action {
-    }, before{};
-    action.sa_handler = [](int) { s_alarms = s_alarms + 1; }; // without SA_RESTART
-    sigaction(SIGALRM, &action, &before);
     hostFunctions().onConversion = [] { usleep(100'000); };
-    const itimerval often{{0, 10000}, {0, 10000}}, never{};
-    setitimer(ITIMER_REAL, &often, nullptr);
+    const Alarms alarms(10);
     EXPECT_EQ(unmount(), 0);
-    setitimer(ITIMER_REAL, &never, nullptr);
-    sigaction(SIGALRM, &before, nullptr);
-    EXPECT_GT(s_alarms, 2);
+    EXPECT_GT(alarms.count(), 2);
 }
 
 TEST_F(CommandsInRoot, failIfNothingTellsHowTheyEnded)

@@ -2,6 +2,7 @@
 // file named after the key and notes its arguments.
 #include "include/vornak.h"
 
+#include "tests/support/alarms.h"
 #include "tests/support/leftovers.h"
 #include "tests/support/private_mounts_test.h"
 #include "tests/support/temp_dir.h"
@@ -9,10 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <csignal>
 #include <memory>
 #include <sys/resource.h>
-#include <sys/time.h>
 
 namespace {
 bool failsSilently = false;
@@ -154,16 +153,11 @@ TEST_F(AddonTest, RefusesWithoutAskingTheTool)
 TEST_F(AddonTest, SignalsDoNotCutTheValue)
 {
     installTool("#!/bin/sh\nprintf 'va'; sleep 0.05; printf 'lue'; sleep 0.05; echo\n");
-    struct sigaction action {
-    }, saved{};
-    action.sa_handler = [](int) {}; // without SA_RESTART
-    sigaction(SIGALRM, &action, &saved);
-    const itimerval often{{0, 2000}, {0, 2000}}, never{};
-    setitimer(ITIMER_REAL, &often, nullptr);
     char value[64] = "";
-    EXPECT_EQ(getPakrelInfo("Section", "Key", value, sizeof value), 0);
-    setitimer(ITIMER_REAL, &never, nullptr);
-    sigaction(SIGALRM, &saved, nullptr);
+    {
+        const Alarms alarms(2);
+        EXPECT_EQ(getPakrelInfo("Section", "Key", value, sizeof value), 0);
+    }
     EXPECT_STREQ(value, "value");
 }
 
@@ -209,7 +203,7 @@ TEST_F(AddonTest, AgentIsLookedForInTheInstallDirectory)
     const auto at = [](const TempDir &dir, std::string_view rest = "\n") {
         return dir.path().string() + std::string(rest);
     };
-    // The directory, followed by as many "/" as make it `length` characters long.
+    // followed by as many "/" as make it `length` characters long
     const auto padded = [](const TempDir &dir, std::size_t length) {
         std::string text = dir.path();
         return text.append(length - text.size(), '/') + "\n";

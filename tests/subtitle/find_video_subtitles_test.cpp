@@ -280,20 +280,5 @@ TEST_F(FindVideoSubtitles, searchesNoOtherFolderThanTheOneGiven)
     }
 }
 
-TEST_F(FindVideoSubtitles, findsOneAmongTenThousand)
-{
-    const TempDir temp;
-    const std::string file = temp.write("file", "");
-    for (int i = 0; i < 10000; ++i)
-        fs::create_hard_link(file, temp / ("Episode " + std::to_string(i) + ".srt"));
-    List list;
-    Capture out(STDOUT_FILENO);
-    ASSERT_EQ(
-        findVideoSubtitlesByFullPath((temp / "Episode 4711.mkv").c_str(), list.records.data(), 0),
-        0);
-    EXPECT_EQ(out.take(), "-> Episode 4711.srt\n");
-    EXPECT_EQ(list.size(), 1U);
-}
-
 } // namespace
 } // namespace vornak::test
