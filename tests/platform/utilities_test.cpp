@@ -51,41 +51,15 @@ Converted convert(const std::string &name)
 
 TEST(ShellName, ReadsBackAsItWas)
 {
-    std::vector<std::string> names = {
-        "",
-        "-rf",
-        "--",
-        "LABEL=x/film.iso",
-        "./LABEL=x",
-        "~",
-        "~root/x",
-        "a b",
-        "/tmp/Trans_mount_17/",
-        "'",
-        "''",
-        "it's",
-        "\\",
-        "\\'",
-        "a\\",
-        "$HOME",
-        "`id`",
-        "$(id)",
-        "a;b|c&d",
-        "*",
-        "[a-z]?",
-        "{a,b}",
-        "a=b",
-        "#x",
-        "!!",
-        "\n",
-        "a\nb\n",
-        "\\\n",
-        " ",
-        "\t",
-        "\xff\xfe",
-        "gr\xc3\xbc\xc3\x9f.iso",
-        "\xe9'",
-    };
+    std::vector<std::string> names = {"LABEL=x/film.iso", "/tmp/Trans_mount_17/"};
+    for (const char *name :
+         {"",       "-rf",   "--",   "./LABEL=x", "~",        "~root/x",
+          "a b",    "'",     "''",   "it's",      "\\",       "\\'",
+          "a\\",    "$HOME", "`id`", "$(id)",     "a;b|c&d",  "*",
+          "[a-z]?", "{a,b}", "a=b",  "#x",        "!!",       "\n",
+          "a\nb\n", "\\\n",  " ",    "\t",        "\xff\xfe", "gr\xc3\xbc\xc3\x9f.iso",
+          "\xe9'"})
+        names.emplace_back(name);
     for (int byte = 1; byte < 256; ++byte) {
         names.emplace_back(1, static_cast<char>(byte));
         names.push_back("a" + names.back() + "b");

@@ -54,11 +54,17 @@ protected:
     LoadedProfile plain_; // as many rules with nothing but their names
 };
 
-enum Conversion { Decimal, Suffixed, SampleRate };
+/// A text, and the numbers that attributes of each kind take it for.
+struct NumberCase {
+    std::string text;
+    int decimal, suffixed, sampleRate;
+};
+constexpr auto Decimal = &NumberCase::decimal, Suffixed = &NumberCase::suffixed,
+               SampleRate = &NumberCase::sampleRate;
 
 constexpr struct {
     const char *element, *attribute;
-    Conversion conversion;
+    int NumberCase::*as;
     int &(*field)(Video &);
 } s_Numbers[] = {
     {"VCODEC", "LEVEL", Decimal, [](Video &v) -> int & { return v.vLevel; }},
@@ -88,60 +94,42 @@ constexpr struct {
 
 TEST_F(AttributeValuesTest, Numbers)
 {
-    const struct {
-        std::string text;
-        int values[3]; // decimal, suffixed, sample rate
-    } cases[] = {
-        {"", {0, 0, 8000}},
-        {"0", {0, 0, 8000}},
-        {"1", {1, 1, 8000}},
-        {"720", {720, 720, 8000}},
-        {" 720", {720, 0, 8000}},
-        {"\t720", {720, 0, 8000}},
-        {"720 ", {720, 720, 8000}},
-        {"+5", {5, 0, 8000}},
-        {"-3", {-3, -3, 8000}},
-        {"--3", {0, 0, 8000}},
-        {"-", {0, 0, 8000}},
-        {"-2K", {-2, -2000, 8000}},
-        {"- 2", {0, 0, 8000}},
-        {"128K", {128, 128000, 96000}},
-        {"2M", {2, 2000000, 2822400}},
-        {"2k3k", {2, 20003000, 5644800}},
-        {"1.5M", {1, 1, 8000}},
-        {"1K5", {1, 10005, 11025}},
-        {"K", {0, 0, 8000}},
-        {"0x10", {0, 0, 8000}},
-        {"1e6", {1, 1, 8000}},
-        {"44.1K", {44, 44, 8000}},
-        {"96k", {96, 96000, 96000}},
-        {"8001", {8001, 8001, 8000}},
-        {"9000", {9000, 9000, 8000}},
-        {"9512", {9512, 9512, 8000}},
-        {"9513", {9513, 9513, 11025}}, // 1513 above 8000, 1512 below 11025
-        {"19024", {19024, 19024, 16000}},
-        {"19025", {19025, 19025, 22050}}, // halfway
-        {"44000", {44000, 44000, 44056}},
-        {"44077", {44077, 44077, 44056}},
-        {"44078", {44078, 44078, 44100}}, // halfway
-        {"44100", {44100, 44100, 44100}},
-        {"47000", {47000, 47000, 47250}},
-        {"47625", {47625, 47625, 48000}}, // halfway
-        {"48001", {48001, 48001, 48000}},
-        {"50199", {50199, 50199, 50000}},
-        {"50200", {50200, 50200, 50400}}, // halfway
-        {"6000000", {6000000, 6000000, 5644800}},
-        {"2147483647", {2147483647, 2147483647, 5644800}},
-        {"2147483648", {-2147483647 - 1, -2147483647 - 1, 8000}},
-        {"-2147483648", {-2147483647 - 1, -2147483647 - 1, 8000}},
-        {"4294967297", {1, 1, 8000}},
-        {"4295M", {4295, 32704, 32000}},                  // 4295000000 - 2^32
-        {"5000000000K", {705032704, 658067456, 5644800}}, // 5 * 10^9, and times 1000, mod 2^32
-        {"9223372036854775807", {-1, -1, 8000}},
-        {"9223372036854775808", {-1, 0, 8000}}, // the plain number ends at the largest
-        {"-9223372036854775809", {0, -1, 8000}},
-        {"1" + std::string(1'000'000, '0'), {-1, 0, 8000}},
+    const NumberCase texts[] = {
+        {"", 0, 0, 8000},         {"0", 0, 0, 8000},      {"1", 1, 1, 8000},
+        {"720", 720, 720, 8000},  {" 720", 720, 0, 8000}, {"\t720", 720, 0, 8000},
+        {"720 ", 720, 720, 8000}, {"+5", 5, 0, 8000},     {"-3", -3, -3, 8000},
+        {"--3", 0, 0, 8000},      {"-", 0, 0, 8000},      {"-2K", -2, -2000, 8000},
+        {"- 2", 0, 0, 8000},      {"1.5M", 1, 1, 8000},   {"1K5", 1, 10005, 11025},
+        {"K", 0, 0, 8000},        {"0x10", 0, 0, 8000},   {"1e6", 1, 1, 8000},
+        {"44.1K", 44, 44, 8000},
     };
+    // between two standard rates the nearer one counts, and from halfway on the higher one
+    const NumberCase rates[] = {
+        {"2k3k", 2, 20003000, 5644800}, {"19024", 19024, 19024, 16000},
+        {"19025", 19025, 19025, 22050}, {"44000", 44000, 44000, 44056},
+        {"44077", 44077, 44077, 44056}, {"44078", 44078, 44078, 44100},
+        {"44100", 44100, 44100, 44100}, {"47000", 47000, 47000, 47250},
+        {"47625", 47625, 47625, 48000}, {"48001", 48001, 48001, 48000},
+        {"50199", 50199, 50199, 50000}, {"50200", 50200, 50200, 50400},
+        {"128K", 128, 128000, 96000},   {"2M", 2, 2000000, 2822400},
+        {"96k", 96, 96000, 96000},      {"8001", 8001, 8001, 8000},
+        {"9000", 9000, 9000, 8000},     {"9512", 9512, 9512, 8000},
+        {"9513", 9513, 9513, 11025},    {"4294967297", 1, 1, 8000},
+    };
+    std::vector<NumberCase> cases = {
+        {"6000000", 6000000, 6000000, 5644800},
+        {"2147483647", 2147483647, 2147483647, 5644800},
+        {"2147483648", -2147483647 - 1, -2147483647 - 1, 8000},
+        {"-2147483648", -2147483647 - 1, -2147483647 - 1, 8000},
+        {"4295M", 4295, 32704, 32000},                  // 4295000000 - 2^32
+        {"5000000000K", 705032704, 658067456, 5644800}, // 5 * 10^9, and times 1000, mod 2^32
+        {"9223372036854775807", -1, -1, 8000},
+        {"9223372036854775808", -1, 0, 8000}, // the plain number ends at the largest
+        {"-9223372036854775809", 0, -1, 8000},
+        {"1" + std::string(1'000'000, '0'), -1, 0, 8000},
+    };
+    cases.insert(cases.end(), std::begin(texts), std::end(texts));
+    cases.insert(cases.end(), std::begin(rates), std::end(rates));
     for (const auto &attribute : s_Numbers) {
         std::vector<std::string> written;
         for (const auto &c : cases) { // of several attributes the first counts
@@ -150,9 +138,9 @@ TEST_F(AttributeValuesTest, Numbers)
             written.back() += "' " + name + "9'";
         }
         Video *rules = loadRules(attribute.element, written);
-        for (std::size_t i = 0; i < std::size(cases); ++i) {
+        for (std::size_t i = 0; i < cases.size(); ++i) {
             const int value = std::exchange(attribute.field(rules[i]), 0);
-            EXPECT_EQ(value, cases[i].values[attribute.conversion])
+            EXPECT_EQ(value, cases[i].*attribute.as)
                 << attribute.element << ' ' << attribute.attribute << ' ' << cases[i].text;
         }
         EXPECT_EQ(describe(*profile_), describe(*plain_)) << attribute.attribute;
