@@ -16,6 +16,8 @@ std::string parsed(std::vector<std::string> words)
     std::pair<std::string, std::string> tags;
     std::vector<std::string> media;
     decide->add_option("--tags", tags, "");
+    std::vector<std::string> repeated;
+    tool::addRepeatable(*decide, "--more", repeated, "");
     decide->add_option("--profile", profile, "")->required();
     decide->add_option("MEDIA", media, "")->required();
     app.add_subcommand("profile", "")->add_subcommand("show", "");
@@ -30,6 +32,7 @@ std::string parsed(std::vector<std::string> words)
     }
     std::string all;
     for (const std::string &name : media) all += '[' + name + ']';
+    for (const std::string &name : repeated) all += '<' + name + '>';
     return all;
 }
 
@@ -49,6 +52,9 @@ TEST(CommandLine, TakesAnythingAfterTwoDashes)
          "[\x01"
          "a][\x01]"},
         {{"decide", "a", "--profile", "p", "b"}, "[a][b]"},
+        {{"decide", "--profile", "p", "--more", "x", "a", "--more=y", "b"}, "[a][b]<x><y>"},
+        {{"decide", "--profile", "p", "a", "--more"},
+         "--more: 1 required TEXT missing (try: vornak decide --help)"},
         {{"decide", "--profile", "p", "-z"}, "unknown option -z (try: vornak decide --help)"},
         {{"decide", "--profil", "p", "a"},
          "unknown option --profil; did you mean --profile? (try: vornak decide --help)"},

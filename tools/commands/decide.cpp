@@ -13,8 +13,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <fmt/format.h>
-#include <map>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -50,22 +50,24 @@ struct DecideOptions : DecisionOptions {
     std::vector<std::string> only; ///< names of the outcomes to show; empty: all
 };
 
+std::vector<std::string> outcomeNames()
+{
+    std::vector<std::string> names;
+    for (int i = 0; i < kOutcomes; ++i) names.emplace_back(nameOf(static_cast<Outcome>(i)));
+    return names;
+}
+
 /// The outcomes to show. Throws std::runtime_error with a line for the user.
 std::set<Outcome> outcomesOf(const DecideOptions &options)
 {
-    std::map<std::string, Outcome> all;
-    std::vector<std::string> names;
-    for (int i = 0; i < kOutcomes; ++i) {
-        names.emplace_back(nameOf(static_cast<Outcome>(i)));
-        all[names.back()] = static_cast<Outcome>(i);
-    }
+    const std::vector<std::string> names = outcomeNames();
     std::set<Outcome> chosen;
     for (const std::string &name : options.only.empty() ? names : options.only) {
-        const auto found = all.find(name);
-        if (found == all.end())
+        const auto found = std::ranges::find(names, name);
+        if (found == names.end())
             throw std::runtime_error(fmt::format("--only {}: there is no outcome of that name{}",
                                                  printable(name), nearestOrAll(name, names)));
-        chosen.insert(found->second);
+        chosen.insert(static_cast<Outcome>(found - names.begin()));
     }
     return chosen;
 }
@@ -84,10 +86,48 @@ int askForHardware()
     return isVATranscodeExist();
 }
 
-std::string_view separatorOf(const DecideOptions &options)
+/// All that the text of a file depends on beside the file.
+struct Asked {
+    const DecideOptions &options;
+    const DecisionRequest request;
+    const std::set<Outcome> shown;
+    const ProfileSession &session;
+    const int hardwareAgent;
+};
+
+std::string fullText(const Asked &asked, const std::string &path, const Decision &decision,
+                     const Explanation &explanation)
 {
-    if (options.json) return ",\n";
-    return options.brief ? "" : "\n";
+    const auto &[options, request, shown, session, hardwareAgent] = asked;
+    const Surroundings around = lookAround(path, decision, hardwareAgent);
+    if (options.json) return jsonOf(path, decision, explanation, around, session, options.explain);
+    const std::string text =
+        textOf(path, decision, explanation, session) + subtitlesLine(around, decision);
+    if (!options.explain) return text;
+    return text + equipmentLines(around, decision, explanation, session) +
+           visitsText(decision, explanation, session);
+}
+
+FileText textFor(const Asked &asked, const std::string &path, const Undecided &undecided)
+{
+    const bool isEntry = asked.options.json && asked.shown.contains(undecided.outcome);
+    return {isEntry ? jsonOf(path, undecided) : std::string(), mainReason(undecided)};
+}
+
+FileText textFor(const Asked &asked, const std::string &path, const Decision &decision)
+{
+    const Explanation explanation = explain(decision, asked.request);
+    FileText file{{}, mainReason(decision, explanation, asked.session)};
+    if (asked.shown.contains(decision.outcome))
+        file.text = asked.options.brief ? briefText(path, file.reason)
+                                        : fullText(asked, path, decision, explanation);
+    return file;
+}
+
+std::string sumOf(const DecideOptions &options, const Totals &totals)
+{
+    if (options.json) return jsonTail(totals, true);
+    return (totals.shown > 0 ? "\n" : "") + textOf(totals) + countedReasons(totals);
 }
 
 int runDecide(const DecideOptions &options)
@@ -99,37 +139,16 @@ int runDecide(const DecideOptions &options)
     const int hardwareAgent = options.json || options.explain ? askForHardware() : 0;
     writeHead(options, request, session);
 
-    const auto textFor = [&](const std::string &path, const Decision &decision,
-                             const Explanation &explanation) {
-        const Surroundings around = lookAround(path, decision, hardwareAgent);
-        if (options.json)
-            return jsonOf(path, decision, explanation, around, session, options.explain);
-        std::string text =
-            textOf(path, decision, explanation, session) + subtitlesLine(around, decision);
-        if (options.explain)
-            text += equipmentLines(around, decision, explanation, session) +
-                    visitsText(decision, explanation, session);
-        return text;
-    };
-    const auto render = [&](const std::string &path, const FileResult &result) -> FileText {
-        if (const auto *undecided = std::get_if<Undecided>(&result)) {
-            const bool isEntry = options.json && shown.contains(undecided->outcome);
-            return {isEntry ? jsonOf(path, *undecided) : std::string(), mainReason(*undecided)};
-        }
-        const auto &decision = std::get<Decision>(result);
-        const Explanation explanation = explain(decision, request);
-        FileText file{{}, mainReason(decision, explanation, session)};
-        if (shown.contains(decision.outcome))
-            file.text =
-                options.brief ? briefText(path, file.reason) : textFor(path, decision, explanation);
-        return file;
-    };
-    const Totals totals =
-        decideFiles(session, request, options.media, separatorOf(options), render);
-
-    writeOut(options.json
-                 ? jsonTail(totals, true)
-                 : (totals.shown > 0 ? "\n" : "") + textOf(totals) + countedReasons(totals));
+    const Asked asked{options, request, shown, session, hardwareAgent};
+    const Totals totals = decideFiles(
+        session, request, options.media,
+        options.json    ? ",\n"
+        : options.brief ? ""
+                        : "\n",
+        [&](const std::string &path, const FileResult &result) {
+            return std::visit([&](const auto &one) { return textFor(asked, path, one); }, result);
+        });
+    writeOut(sumOf(options, totals));
     return totals.undecided > 0 ? kIncomplete : kDone;
 }
 
@@ -148,13 +167,11 @@ void addDecide(CLI::App &app, int &status)
     command->add_flag("--brief", options->brief, "One line a file: its outcome and the one reason")
         ->excludes(explain)
         ->excludes(json);
-    command
-        ->add_option("--only", options->only,
-                     "Show files of these outcomes alone: kept, remuxed, audio, video, refused, "
-                     "unreadable; all are counted")
-        ->type_name("OUTCOME,...")
-        ->delimiter(',')
-        ->allow_extra_args(false);
+    addRepeatable(*command, "--only", options->only,
+                  "Show the files of this outcome alone, or of several with commas between them; "
+                  "all are counted")
+        ->type_name(fmt::format("{}", fmt::join(outcomeNames(), "|")))
+        ->delimiter(',');
     addColourOption(*command);
     command->footer(kDecideExamples);
     command->callback([options, &status] { status = runDecide(*options); });

@@ -3,6 +3,7 @@
 #include "include/vornak_host.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_search.h"
+#include "tools/terminal/command_line.h"
 #include "tools/terminal/nearest_name.h"
 #include "tools/terminal/printable.h"
 
@@ -93,11 +94,9 @@ void addMatchingOptions(CLI::App &command, DecisionOptions &options)
         ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
     command.add_flag("--no-match-video", options.noMatchVideo,
                      "Take video rule 0 without matching the video");
-    command
-        .add_option("--play-exception", options.playExceptions,
-                    "A play exception of the video beside those found in it; may be repeated")
-        ->type_name("EXCEPTION")
-        ->allow_extra_args(false);
+    addRepeatable(command, "--play-exception", options.playExceptions,
+                  "A play exception of the video beside those found in it; may be repeated")
+        ->type_name("EXCEPTION");
 }
 
 void addDecisionOptions(CLI::App &command, DecisionOptions &options)

@@ -3,6 +3,7 @@
 #include "tools/commands/profile_output.h"
 #include "tools/import/described_player.h"
 #include "tools/import/profile_text.h"
+#include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 
@@ -57,18 +58,12 @@ void addProfileNew(CLI::App &app, int &status)
                      fmt::format("Take what isn't said here from a kind of player: {}",
                                  fmt::join(likeNames(), ", ")))
         ->type_name("KIND");
-    command
-        ->add_option("--video", description.video, "A video codec with its limits; may be repeated")
-        ->type_name("CODEC[:PROFILE][:LEVEL][,WIDTHxHEIGHT][,BITRATE]")
-        ->expected(1)
-        ->take_all();
+    addRepeatable(*command, "--video", description.video,
+                  "A video codec with its limits; may be repeated")
+        ->type_name("CODEC[:PROFILE][:LEVEL][,WIDTHxHEIGHT][,BITRATE]");
     const auto addList = [&](const char *name, std::vector<std::string> &list, const char *help,
                              const char *type) {
-        command->add_option(name, list, help)
-            ->type_name(type)
-            ->delimiter(',')
-            ->expected(1)
-            ->take_all();
+        addRepeatable(*command, name, list, help)->type_name(type)->delimiter(',');
     };
     addList("--audio", description.audio, "Audio codecs of videos, and of music without --music",
             "CODEC[:PROFILE][:CHANNELS],...");

@@ -141,6 +141,12 @@ void addColourOption(CLI::App &command)
         ->check(CLI::IsMember({"auto", "always", "never"}).description(""));
 }
 
+CLI::Option *addRepeatable(CLI::App &command, const std::string &name,
+                           std::vector<std::string> &values, const std::string &help)
+{
+    return command.add_option(name, values, help)->allow_extra_args(false);
+}
+
 std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error)
 {
     const CLI::App &chosen = chosenApp(app);

@@ -15,6 +15,10 @@ void parseCommandLine(CLI::App &app, int argc, char **argv);
 /// Adds --color, which decides about colours().
 void addColourOption(CLI::App &command);
 
+/// Adds an option that may be repeated. Each takes one word, and leaves what follows to others.
+CLI::Option *addRepeatable(CLI::App &command, const std::string &name,
+                           std::vector<std::string> &values, const std::string &help);
+
 /// A parser's error in one line that says what to do.
 std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error);
 
