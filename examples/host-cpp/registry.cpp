@@ -1,5 +1,6 @@
 // The names and ids of this program: a few, so that a profile's rules for others are left out.
-// The codecs' ids must be those of the library's element names; all other ids are one's own.
+// The ids of codecs and containers are agreed upon with the library, see docs/host.md; the bits of
+// profiles are the program's own.
 #include <vornak_host.h>
 
 #include <cstdio>
@@ -18,8 +19,8 @@ constexpr Row s_Profiles[] = {{"baseline", 1}, {"constrained_baseline", 2},
                               {"main", 4},     {"high", 8},
                               {"lc", 16},      {"he", 32},
                               {"he_v2", 64},   {"simple", 128}};
-constexpr Row s_Containers[] = {{"any", 0},        {"mpegts", 101}, {"mp4", 102},
-                                {"matroska", 103}, {"flac", 104},   {"mp3", 105}};
+constexpr Row s_Containers[] = {{"any", 0},       {"mpegts", 11}, {"mp4", 8},
+                                {"matroska", 12}, {"flac", 3},    {"mp3", 1}};
 
 template <std::size_t Size>
 int findId(const Row (&rows)[Size], const char *name, int *id)
