@@ -1,11 +1,17 @@
 // Text in a buffer of fixed size that belongs to somebody else.
 #pragma once
 
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 namespace vornak {
+
+/// Bytes of a path that the library builds, the NUL included.
+constexpr std::size_t kPathSize = 1024;
 
 /// Builds a NUL-terminated text in memory that it doesn't own: cleared at the start, never past
 /// the end. A buffer of no bytes is left alone.
@@ -33,13 +39,18 @@ public:
 
     /// Appends pieces one after the other, up to the first that doesn't fit.
     template <class... Pieces>
-    [[nodiscard]] bool append(std::string_view first, Pieces... rest)
+    [[nodiscard]] bool append(std::string_view first, const Pieces &...rest)
     {
-        return append(first) && append(std::string_view(rest)...);
+        return append(first) && append(rest...);
     }
 
-    /// Appends as much of a piece as fits.
-    void appendCut(std::string_view piece) { put(piece.substr(0, room())); }
+    /// Appends as much of the pieces as fits.
+    template <class... Pieces>
+    void appendCut(std::string_view first, const Pieces &...rest)
+    {
+        put(first.substr(0, room()));
+        if constexpr (sizeof...(rest) > 0) appendCut(rest...);
+    }
 
     std::string_view view() const { return {begin_, length_}; }
 
@@ -57,6 +68,21 @@ private:
     char *begin_;
     std::size_t size_;
     std::size_t length_ = 0;
+};
+
+/// A number in decimal digits, as a piece of a text.
+class Digits {
+public:
+    explicit Digits(std::int64_t number)
+        : size_(static_cast<std::size_t>(
+              std::to_chars(std::begin(text_), std::end(text_), number).ptr - text_))
+    {}
+
+    operator std::string_view() const { return {text_, size_}; }
+
+private:
+    char text_[20]; // of the longest number, with its sign
+    std::size_t size_;
 };
 
 /// Copies `text` into a buffer, cut to fit; a buffer of no bytes is left alone.

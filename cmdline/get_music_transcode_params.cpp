@@ -6,17 +6,13 @@
 #include "base/fixed_text.h"
 #include "base/rule_tables.h"
 
-#include <charconv>
-
 namespace vornak {
 namespace {
 
 [[nodiscard]] bool appendFrameCount(FixedText &text, std::int64_t count)
 {
     if (count <= 0) return true;
-    char digits[20];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, count);
-    return text.append(" -num_frames ", std::string_view(digits, end));
+    return text.append(" -num_frames ", Digits(count));
 }
 
 } // namespace

@@ -53,8 +53,7 @@ std::optional<FixedText> beginTag(char *buffer, int codecId)
 {
     RegistryText codec;
     if (CodecIDToName(codec.buffer, codecId) != 0) return false;
-    tag.appendCut("_");
-    tag.appendCut(codec.after(VORNAK_CODEC_PREFIX));
+    tag.appendCut("_", codec.after(VORNAK_CODEC_PREFIX));
     return true;
 }
 
@@ -66,8 +65,7 @@ std::optional<FixedText> beginTag(char *buffer, int codecId)
     }
     RegistryText profile;
     if (ProfileIDToName(profile.buffer, profileId, codecId) != 0) return false;
-    tag.appendCut("_");
-    tag.appendCut(profile.after(0));
+    tag.appendCut("_", profile.after(0));
     return true;
 }
 
@@ -78,11 +76,9 @@ template <class SubtypeText>
 {
     RegistryText container, subtype;
     if (ContainerFormatIDToName(container.buffer, subtype.buffer, formatId) != 0) return false;
-    tag.appendCut(".");
-    tag.appendCut(container.after(VORNAK_CONTAINER_PREFIX));
+    tag.appendCut(".", container.after(VORNAK_CONTAINER_PREFIX));
     if (subtype.buffer[0] == '\0') return true;
-    tag.appendCut(subtypeMark);
-    tag.appendCut(subtypeText(subtype.after(VORNAK_SUBTYPE_PREFIX)));
+    tag.appendCut(subtypeMark, subtypeText(subtype.after(VORNAK_SUBTYPE_PREFIX)));
     return true;
 }
 

@@ -14,7 +14,7 @@ bool findStreamFolder(const char *bdmv, FixedText &found)
     if (!directory.isOpen()) return false;
     while (const char *name = directory.next()) {
         if (!isStreamFolder(name)) continue;
-        char buffer[kDiscPathSize];
+        char buffer[kPathSize];
         FixedText path(buffer);
         if (!path.append(bdmv, name, "/") || !isDirectory(buffer)) continue;
         found.clear();
@@ -49,7 +49,7 @@ int parseBDFormat(const char *folder, const char *indexName, BD_FORMAT_ST *info)
     std::memset(info, 0, sizeof *info);
     if (!equalIgnoringCase(indexName, "index.bdmv") || !fileExists(folder, indexName)) return 1;
 
-    char folderBuffer[kDiscPathSize], nameBuffer[kDiscPathSize];
+    char folderBuffer[kPathSize], nameBuffer[kPathSize];
     FixedText streams(folderBuffer), name(nameBuffer);
     if (!findStreamFolder(folder, streams)) return 1;
     Directory directory(folderBuffer);

@@ -13,12 +13,10 @@ namespace vornak {
 
 static_assert(sizeof(off_t) == 8, "titles are larger than 2 GB");
 
-constexpr std::size_t kDiscPathSize = 1024; // the NUL included
-
 /// Queries the file at the joined path; false where there is none, or the path doesn't fit.
 inline bool findFile(std::string_view folder, std::string_view name, struct stat &status)
 {
-    char buffer[kDiscPathSize];
+    char buffer[kPathSize];
     FixedText path(buffer);
     return path.append(folder, name) && stat(buffer, &status) == 0;
 }

@@ -3,8 +3,6 @@
 #include "disc/disc_path.h"
 #include "include/vornak.h"
 
-#include <cstdio>
-
 namespace vornak {
 namespace {
 
@@ -57,6 +55,7 @@ int parseDVDFormat(const char *folder, const char *ifoName, DVD_FORMAT_ST *info)
     info->titleNo = largest(titles);
     info->totalSize = titles[info->titleNo].size;
     info->partCount = titles[info->titleNo].parts;
-    std::snprintf(info->fileName, sizeof info->fileName, "VTS_%02d_1.VOB", info->titleNo);
+    FixedText(info->fileName)
+        .appendCut(info->titleNo < 10 ? "VTS_0" : "VTS_", Digits(info->titleNo), "_1.VOB");
     return 0;
 }

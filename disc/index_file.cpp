@@ -45,7 +45,7 @@ int parseMountedFolder(const char *folder, char *out, unsigned outSize)
 {
     using namespace vornak;
     if (!folder || !out) return kNoDisc;
-    char buffer[kDiscPathSize];
+    char buffer[kPathSize];
     FixedText path(buffer);
     const int disc = findIndexFile(folder, path);
     if (disc != kNoDisc) give(out, outSize, path.view());
@@ -57,7 +57,7 @@ int parseMountedFolder_v2(const char *folder, char *dirOut, unsigned dirOutSize,
 {
     using namespace vornak;
     if (!folder || !dirOut || !nameOut) return kNoDisc;
-    char buffer[kDiscPathSize];
+    char buffer[kPathSize];
     FixedText path(buffer);
     const int disc = findIndexFile(folder, path);
     if (disc == kNoDisc) return kNoDisc;

@@ -3,8 +3,6 @@
 #include "disc/shell_command.h"
 #include "include/vornak.h"
 
-#include <cstdio>
-
 namespace vornak {
 namespace {
 
@@ -19,9 +17,10 @@ bool isPlain(std::string_view path)
 bool nameMountPoint(char *mountPointOut, unsigned size)
 {
     std::memset(mountPointOut, 0, size);
-    char name[VORNAK_MOUNT_POINT_SIZE];
-    std::snprintf(name, sizeof name, VORNAK_MOUNT_PREFIX "%d/", Telmo_getUniqueNumer());
-    return FixedText(mountPointOut, size).append(name);
+    char buffer[VORNAK_MOUNT_POINT_SIZE];
+    FixedText name(buffer);
+    name.appendCut(VORNAK_MOUNT_PREFIX, Digits(Telmo_getUniqueNumer()), "/"); // always fits
+    return FixedText(mountPointOut, size).append(name.view());
 }
 
 } // namespace

@@ -23,12 +23,14 @@ private:
     char text_[VORNAK_SHELL_NAME_SIZE];
 };
 
+constexpr std::size_t kCommandSize = 2048;
+
 /// Runs the command that the pieces make, with its output thrown away, and returns what system()
 /// returns. One that doesn't fit its buffer is not run and gives 1.
 template <class... Pieces>
 int runSilently(Pieces... pieces)
 {
-    char buffer[2048];
+    char buffer[kCommandSize];
     FixedText command(buffer);
     if (!command.append(pieces..., " >/dev/null 2>/dev/null")) return 1;
     return std::system(buffer);

@@ -10,6 +10,8 @@
 namespace vornak {
 namespace {
 
+constexpr std::size_t kCommandSize = 1024;
+
 struct ClosePipe {
     void operator()(std::FILE *pipe) const noexcept { pclose(pipe); } // waits for the child
 };
@@ -44,7 +46,7 @@ bool readLine(std::FILE *pipe, char (&line)[kRegistryLineSize])
 bool queryAddonRegistry(std::string_view section, std::string_view key,
                         char (&line)[kRegistryLineSize])
 {
-    char command[1024];
+    char command[kCommandSize];
     if (!FixedText(command).append("/sbin/tolvex -f /etc/config/pakrel.conf ", section, " ", key))
         return false;
     const std::unique_ptr<std::FILE, ClosePipe> pipe(popen(command, "re"));

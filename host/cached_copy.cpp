@@ -2,23 +2,20 @@
 // IsVideoTranscodeFileReady().
 #include "include/vornak.h"
 
+#include "base/descriptor.h"
 #include "base/fixed_text.h"
 #include "base/heap.h"
 #include "base/open_to_read.h"
 
 #include <cstring>
 #include <string_view>
-#include <unistd.h>
 
 namespace vornak {
 namespace {
 
 bool canOpen(const char *path)
 {
-    const int descriptor = openToRead(path);
-    if (descriptor < 0) return false;
-    close(descriptor);
-    return true;
+    return static_cast<bool>(Descriptor(openToRead(path)));
 }
 
 HeapText findCachedCopy(std::string_view source, std::string_view tag1, std::string_view tag2)
@@ -26,7 +23,7 @@ HeapText findCachedCopy(std::string_view source, std::string_view tag1, std::str
     const std::size_t slash = source.rfind('/');
     if (slash == std::string_view::npos) return nullptr;
 
-    char path[1024];
+    char path[kPathSize];
     if (!FixedText(path).append(source.substr(0, slash + 1), ".@__thumb/transcode/",
                                 source.substr(slash + 1), ".", tag2, "_", tag1))
         return nullptr;

@@ -19,7 +19,7 @@ bool exists(const char *path)
 /// A path too long for its buffer names nothing: cut, it could name the other agent.
 bool hasProgram(std::string_view directory, std::string_view program)
 {
-    char path[1024];
+    char path[kPathSize];
     return FixedText(path).append(directory, "/", program) && exists(path);
 }
 

@@ -39,7 +39,7 @@ int findVideoSubtitlesByFullPath(const char *videoPath, VIDEO_SUBTITLE_ST *list,
     if (slash == std::string_view::npos) return 1;
     // A folder too long for its buffer is refused, as the start of it would be another folder; a
     // name is cut.
-    char folder[1024], name[1024];
+    char folder[kPathSize], name[kPathSize];
     if (!FixedText(folder).append(path.substr(0, slash + 1))) return 1;
     copyCut(name, sizeof name, path.substr(slash + 1));
     return findVideoSubtitles(folder, name, list, reserved);

@@ -1,6 +1,8 @@
 // The part of a video's file name that the names of its subtitle files begin with.
 #pragma once
 
+#include "base/fixed_text.h"
+
 #include <cstring>
 #include <string_view>
 
@@ -9,7 +11,7 @@ namespace vornak {
 /// The name up to its last point, or all of it; what lies past 1023 characters doesn't count.
 inline std::string_view videoStem(std::string_view videoName)
 {
-    return videoName.substr(0, videoName.rfind('.')).substr(0, 1023);
+    return videoName.substr(0, videoName.rfind('.')).substr(0, kPathSize - 1);
 }
 
 /// Whether an entry's name begins with the stem, letter case included.

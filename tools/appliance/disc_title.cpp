@@ -1,6 +1,7 @@
 #include "tools/appliance/disc_title.h"
 
 #include "base/directory.h"
+#include "base/fixed_text.h"
 #include "disc/disc_parts.h"
 #include "include/vornak.h"
 #include "tools/terminal/printable.h"
@@ -39,7 +40,7 @@ Listing listParts(const std::string &folder, int (*titleOfName)(std::string_view
         if (title == kNoTitle) continue;
         const std::string path = folder + name;
         struct stat info = {};
-        if (path.size() > 1023)
+        if (path.size() >= kPathSize)
             listing.uncounted.push_back({name, ENAMETOOLONG});
         else if (stat(path.c_str(), &info) != 0)
             listing.uncounted.push_back({name, errno});
@@ -126,7 +127,7 @@ DiscResult readBluray(const std::string &root, const std::string &folder, const 
 DiscError notADisc(const std::string &root)
 {
     constexpr char kDvdIndex[] = "VIDEO_TS/VIDEO_TS.IFO", kBlurayIndex[] = "BDMV/index.bdmv";
-    if (root.size() + sizeof kDvdIndex > 1024)
+    if (root.size() + sizeof kDvdIndex > kPathSize)
         return {"path-too-long", "the paths in it are longer than 1023 characters"};
     for (const char *index : {kDvdIndex, kBlurayIndex}) {
         struct stat info = {};
@@ -141,7 +142,7 @@ DiscError notADisc(const std::string &root)
 
 DiscResult readDisc(const std::string &root)
 {
-    char folder[1024], index[1024];
+    char folder[kPathSize], index[kPathSize];
     const int kind =
         parseMountedFolder_v2(root.c_str(), folder, sizeof folder, index, sizeof index);
     if (kind != VORNAK_DISC_DVD && kind != VORNAK_DISC_BD) return notADisc(root);
