@@ -3,11 +3,11 @@
 #include "tools/commands/subcommands.h"
 #include "tools/terminal/diverted_output.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 #include <memory>
@@ -96,12 +96,12 @@ std::string toText(const Question &question, const Answer &answer)
     return text;
 }
 
-nlohmann::ordered_json toJson(const Question &question, const Answer &answer)
+Json toJson(const Question &question, const Answer &answer)
 {
-    nlohmann::ordered_json json{{"function", question.function},
-                                {"asked", question.asked},
-                                {"result", answer.result},
-                                {"answer", nullptr}};
+    Json json{{"function", question.function},
+              {"asked", question.asked},
+              {"result", answer.result},
+              {"answer", nullptr}};
     if (answer.text) json["answer"] = printable(*answer.text);
     if (!answer.said.empty()) json["said"] = printable(answer.said);
     return json;
@@ -110,7 +110,7 @@ nlohmann::ordered_json toJson(const Question &question, const Answer &answer)
 int runAppliance(bool asJson)
 {
     std::string text;
-    nlohmann::ordered_json json{{"document", "vornak-appliance"}, {"version", 1}};
+    Json json = documentHead("vornak-appliance");
     for (const Question &question : s_Questions) {
         const Answer answer = ask(question);
         text += toText(question, answer);

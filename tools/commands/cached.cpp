@@ -4,13 +4,13 @@
 #include "tools/commands/subcommands.h"
 #include "tools/files/media_list.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include "base/heap.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 #include <iostream>
@@ -38,10 +38,10 @@ std::optional<std::string> findCopy(const CachedOptions &options, const std::str
     return copy ? std::optional<std::string>(copy.get()) : std::nullopt;
 }
 
-nlohmann::ordered_json toJson(const std::string &path, const std::optional<std::string> &copy)
+Json toJson(const std::string &path, const std::optional<std::string> &copy)
 {
-    nlohmann::ordered_json json{
-        {"path", printable(path)}, {"pathHex", hexBytes(path)}, {"copy", nullptr}};
+    Json json = pathFields(path);
+    json["copy"] = nullptr;
     if (copy) json.update({{"copy", printable(*copy)}, {"copyHex", hexBytes(*copy)}});
     return json;
 }
@@ -49,14 +49,13 @@ nlohmann::ordered_json toJson(const std::string &path, const std::optional<std::
 int runCached(const CachedOptions &options)
 {
     int status = kDone;
-    auto files = nlohmann::ordered_json::array();
+    auto files = Json::array();
     MediaList list(options.media, std::cin);
     while (const std::optional<MediaItem> item = list.next()) {
         if (!item->error.empty()) {
             status = complainOf(item->path, item->error);
-            files.push_back({{"path", printable(item->path)},
-                             {"pathHex", hexBytes(item->path)},
-                             {"error", item->error}});
+            files.push_back(pathFields(item->path));
+            files.back()["error"] = item->error;
             continue;
         }
         const std::optional<std::string> copy = findCopy(options, item->path);
@@ -67,11 +66,9 @@ int runCached(const CachedOptions &options)
                                  copy ? printable(*copy) : "no cached copy"));
     }
     if (!options.asJson) return status;
-    const nlohmann::ordered_json json{
-        {"document", "vornak-cached"},
-        {"version", 1},
-        {"tags", {printable(options.tags.first), printable(options.tags.second)}},
-        {"files", std::move(files)}};
+    Json json = documentHead("vornak-cached");
+    json["tags"] = {printable(options.tags.first), printable(options.tags.second)};
+    json["files"] = std::move(files);
     writeOut(json.dump(2) + '\n');
     return status;
 }

@@ -5,12 +5,12 @@
 #include "tools/appliance/unmount_all.h"
 #include "tools/commands/subcommands.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/nearest_name.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <filesystem>
@@ -25,8 +25,6 @@ namespace vornak::tool {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
-
 constexpr const char *kDiscHelp =
     "Says whether a folder or an image is a DVD or a Blu-ray, and which files hold its main title";
 
@@ -174,8 +172,8 @@ Json jsonOf(const DiscTitle &title)
 
 std::string documentOf(const std::string &path, const DiscResult &result)
 {
-    Json json{{"document", "vornak-disc"}, {"version", 1},     {"path", printable(path)},
-              {"pathHex", hexBytes(path)}, {"error", nullptr}, {"disc", nullptr}};
+    Json json = documentHead("vornak-disc", path);
+    json.update({{"error", nullptr}, {"disc", nullptr}});
     if (const auto *error = std::get_if<DiscError>(&result))
         json["error"] = {{"code", error->code}, {"message", error->message}};
     else

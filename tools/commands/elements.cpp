@@ -5,12 +5,12 @@
 #include "tools/commands/subcommands.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/nearest_name.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -118,22 +118,21 @@ std::string toText(const char *role, const std::vector<Row> &rows)
     return text;
 }
 
-nlohmann::ordered_json toJson(const char *kind, const std::vector<Row> &rows)
+Json toJson(const char *kind, const std::vector<Row> &rows)
 {
-    auto json = nlohmann::ordered_json::array();
+    auto json = Json::array();
     for (const Row &row : rows) {
-        nlohmann::ordered_json entry{{kind, row.name}, {"id", row.id}, {"element", nullptr}};
+        Json entry{{kind, row.name}, {"id", row.id}, {"element", nullptr}};
         if (row.element) entry["element"] = row.element;
         json.push_back(std::move(entry));
     }
     return json;
 }
 
-nlohmann::ordered_json toJson(const Elements &elements, std::optional<int> hardwareClass)
+Json toJson(const Elements &elements, std::optional<int> hardwareClass)
 {
-    nlohmann::ordered_json json{
-        {"document", "vornak-elements"}, {"version", 1}, {"hardwareClass", nullptr}};
-    if (hardwareClass) json["hardwareClass"] = *hardwareClass;
+    Json json = documentHead("vornak-elements");
+    json["hardwareClass"] = hardwareClass ? Json(*hardwareClass) : Json();
     json["decoders"] = toJson("codec", elements.decoders);
     json["demuxers"] = toJson("container", elements.demuxers);
     json["muxers"] = toJson("container", elements.muxers);

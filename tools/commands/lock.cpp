@@ -4,11 +4,11 @@
 #include "tools/appliance/locked_command.h"
 #include "tools/commands/subcommands.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <fmt/format.h>
@@ -41,12 +41,14 @@ std::string describe(const Lock &lock)
     return owner.empty() ? state : state + "; " + owner;
 }
 
-nlohmann::ordered_json toJson(const Lock &lock)
+Json toJson(const Lock &lock)
 {
-    nlohmann::ordered_json json{{"document", "vornak-lock"}, {"version", 1},
-                                {"lock", kLockName},         {"state", stateOf(lock)},
-                                {"count", nullptr},          {"owner", nullptr},
-                                {"openToAll", nullptr}};
+    Json json = documentHead("vornak-lock");
+    json.update({{"lock", kLockName},
+                 {"state", stateOf(lock)},
+                 {"count", nullptr},
+                 {"owner", nullptr},
+                 {"openToAll", nullptr}});
     if (lock)
         json.update({{"count", lock->count},
                      {"owner", printable(lock->owner)},
@@ -72,7 +74,7 @@ int repair(bool asJson)
     Vornak_Mutex_Close();
     const Lock after = lookAtLock();
     if (asJson) {
-        nlohmann::ordered_json json = toJson(after);
+        Json json = toJson(after);
         json["before"] = stateOf(before);
         writeOut(json.dump(2) + '\n');
     } else {

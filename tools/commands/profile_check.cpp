@@ -3,6 +3,7 @@
 #include "tools/commands/profile.h"
 #include "tools/profile/profile_file.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
@@ -10,12 +11,9 @@
 
 #include <fmt/format.h>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 namespace vornak::tool {
 namespace {
-
-constexpr int kVersion = 1;
 
 constexpr const char *kProfileCheckHelp =
     "Report what a profile says in vain: what is left out, read as "
@@ -73,7 +71,6 @@ std::string asText(const std::string &path, const std::vector<Finding> &findings
 
 std::string asJson(const std::string &path, const std::vector<Finding> &findings)
 {
-    using Json = nlohmann::ordered_json;
     Json list = Json::array();
     for (const Finding &finding : findings) {
         const FaultKind &kind = kindOf(finding.fault);
@@ -86,14 +83,10 @@ std::string asJson(const std::string &path, const std::vector<Finding> &findings
                         {"advice", finding.advice}});
     }
     const Counts counts = countSeverities(findings);
-    const Json json = {
-        {"document", "vornak-profile-check"},
-        {"version", kVersion},
-        {"path", printable(path)},
-        {"pathHex", hexBytes(path)},
-        {"findings", std::move(list)},
-        {"summary",
-         {{"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}}}};
+    Json json = documentHead("vornak-profile-check", path);
+    json["findings"] = std::move(list);
+    json["summary"] = {
+        {"errors", counts.errors}, {"warnings", counts.warnings}, {"notes", counts.notes}};
     return json.dump(2) + '\n';
 }
 

@@ -3,6 +3,7 @@
 #include "tools/profile/profile_document.h"
 #include "tools/profile/profile_search.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 namespace vornak::tool {
 namespace {
@@ -65,14 +65,13 @@ std::string asText(const std::vector<Listed> &list)
 
 std::string asJson(const std::vector<Listed> &list)
 {
-    nlohmann::ordered_json json{{"document", "vornak-profile-list"},
-                                {"version", 1},
-                                {"profiles", nlohmann::ordered_json::array()}};
+    Json json = documentHead("vornak-profile-list");
+    json["profiles"] = Json::array();
     for (const Listed &row : list) {
-        nlohmann::ordered_json entry{{"name", printable(row.profile.name)},
-                                     {"device", nullptr},
-                                     {"path", printable(row.profile.path)},
-                                     {"pathHex", hexBytes(row.profile.path)}};
+        Json entry{{"name", printable(row.profile.name)},
+                   {"device", nullptr},
+                   {"path", printable(row.profile.path)},
+                   {"pathHex", hexBytes(row.profile.path)}};
         if (row.error.empty()) entry["device"] = printable(row.device);
         json["profiles"].push_back(std::move(entry));
     }

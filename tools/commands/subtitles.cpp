@@ -4,11 +4,11 @@
 #include "tools/commands/subcommands.h"
 #include "tools/files/media_list.h"
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 #include <iostream>
@@ -16,8 +16,6 @@
 
 namespace vornak::tool {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr const char *kSubtitlesHelp =
     "Lists the subtitle files that belong to a video: those in its folder whose names begin with "
@@ -59,12 +57,13 @@ Json jsonOf(const SubtitleFile &file)
     return {{"file", printable(file.name)},
             {"fileHex", hexBytes(file.name)},
             {"kind", file.kind},
-            {"language", file.language.empty() ? Json() : Json(printable(file.language))}};
+            {"language", textOrNull(file.language)}};
 }
 
 std::string jsonOf(const std::string &video, const SubtitleSearch &found)
 {
-    Json json{{"path", printable(video)}, {"pathHex", hexBytes(video)}, {"error", nullptr}};
+    Json json = pathFields(video);
+    json["error"] = nullptr;
     if (!found.error.empty()) {
         json["error"] = {{"code", found.errorCode}, {"message", found.error}};
         return json.dump();
@@ -103,7 +102,7 @@ void show(const MediaItem &item, const Options &options, Totals &totals)
 
 int runSubtitles(const Options &options)
 {
-    if (options.json) writeOut("{\"document\":\"vornak-subtitles\",\"version\":1,\n\"files\":[\n");
+    if (options.json) writeOut(listHead("vornak-subtitles"));
     MediaList media(options.media, std::cin);
     Totals totals;
     while (const std::optional<MediaItem> item = media.next()) show(*item, options, totals);

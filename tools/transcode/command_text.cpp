@@ -1,18 +1,15 @@
 #include "tools/transcode/command_text.h"
 
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/printable.h"
 #include "tools/terminal/shell_text.h"
 #include "tools/transcode/ffmpeg_line.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <fmt/format.h>
 
 namespace vornak::tool {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string orNone(std::string_view text)
 {
@@ -28,11 +25,6 @@ std::string orNone(const char *text)
 std::string_view withoutBlank(std::string_view limits)
 {
     return limits.substr(std::min(limits.find_first_not_of(' '), limits.size()));
-}
-
-Json orNull(const char *text)
-{
-    return text ? Json(printable(text)) : Json();
 }
 
 Json each(const std::vector<std::string> &words, std::string (*form)(std::string_view))
@@ -55,8 +47,8 @@ Json jsonOf(const LibraryCommand &command, const FileCommand &file)
     return {{"options", printable(command.options)},
             {"limits", {{"dialect", command.dialect}, {"text", printable(command.limits)}}},
             {"tag", printable(command.tag)},
-            {"mime", orNull(command.mime)},
-            {"dlnaProfile", orNull(command.dlnaProfile)},
+            {"mime", textOrNull(command.mime)},
+            {"dlnaProfile", textOrNull(command.dlnaProfile)},
             {"frame", file.decision->isVideo ? Json(command.frame) : Json()},
             {"hardwareAllowed", file.decision->isVideo ? Json(command.hardwareAllowed) : Json()},
             {"pcm", command.pcm ? jsonOf(*command.pcm) : Json()},
@@ -126,10 +118,9 @@ std::string shellTextOf(const FileCommand &file)
 
 std::string jsonOf(const FileCommand &file)
 {
-    Json json = {{"path", printable(file.path)},
-                 {"pathHex", hexBytes(file.path)},
-                 {"outcome", nameOf(file.decision->outcome)},
-                 {"error", nullptr}};
+    Json json = pathFields(file.path);
+    json["outcome"] = nameOf(file.decision->outcome);
+    json["error"] = nullptr;
     if (!file.problem.empty())
         json["error"] = {{"code", "no-container-option"}, {"message", file.problem}};
     json["command"] = file.command ? jsonOf(*file.command, file) : Json();
