@@ -1,8 +1,10 @@
 #include "tools/probe/container_mapping.h"
 
-#include "include/vornak_host.h"
+#include "base/media_ids.h"
 #include "tools/probe/media_file.h"
 #include "tools/probe/media_info.h"
+#include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <array>
@@ -19,72 +21,18 @@ extern "C" {
 namespace vornak::tool {
 namespace {
 
-struct ContainerName {
-    const char *container; // the registry's names
-    const char *subtype;   // null: none
-};
-
-constexpr struct {
-    const char *format; // libavformat's
-    const char *container;
-} s_Containers[] = {
-    {"mp3", "mp3"},
-    {"wav", "wav"},
-    {"flac", "flac"},
-    {"ape", "ape"},
-    {"ogg", "ogg"},
-    {"ac3", "ac3"},
-    {"asf", "asf"},
-    {"asf_o", "asf"},
-    {"mov,mp4,m4a,3gp,3g2,mj2", "mp4"},
-    {"avi", "avi"},
-    {"mpeg", "mpegps"},
-    {"mpegts", "mpegts"},
-    {"matroska,webm", "matroska"},
-    {"flv", "flv"},
-    {"live_flv", "flv"},
-    {"aiff", "aiff"},
-    {"au", "au"},
-    {"aac", "adts"},
-    {"rm", "rm"},
-    {"dts", "dts"},
-    {"dtshd", "dts"},
-    {"eac3", "eac3"},
-    {"truehd", "truehd"},
-    {"wv", "wavpack"},
-    {"dsf", "dsf"},
-    {"iff", "dff"},
-    {"caf", "caf"},
-    {"tta", "tta"},
-    {"mpc", "mpc"},
-    {"mpc8", "mpc"},
-    {"amr", "amr"},
-    {"amrnb", "amr"},
-    {"amrwb", "amr"},
-    {"w64", "w64"},
-    {"loas", "latm"},
-    {"mpegvideo", "mpegvideo"},
-    {"h264", "h264"},
-    {"hevc", "hevc"},
-    {"m4v", "mpeg4video"},
-    {"vc1", "vc1"},
-    {"vc1test", "vc1"},
-    {"ivf", "ivf"},
-    {"dv", "dv"},
-    {"mxf", "mxf"},
-};
-
 // By how a file's major brand begins; the longer one before the shorter.
 constexpr struct {
     const char *brand;
-    const char *subtype;
+    int formatId;
 } s_Brands[] = {
-    {"M4A", "m4a"},   {"M4B", "m4a"}, // audio books
-    {"M4P", "m4a"},                   // protected music
-    {"F4A", "m4a"},   {"F4B", "m4a"},   {"M4V", "m4v"},   {"mp41", "mp41"},
-    {"mp42", "mp42"}, {"MSNV", "msnv"}, {"mjp2", "mjp2"}, {"3g2", "3g2"},
-    {"KDDI", "3g2"},  {"3g", "3gp"}, // 3gp4 to 3gp9, 3gr6, 3gs7, ...
-    {"qt", "qt"},
+    {"M4A", "mp4/m4a"_container},   {"M4B", "mp4/m4a"_container}, // audio books
+    {"M4P", "mp4/m4a"_container},                                 // protected music
+    {"F4A", "mp4/m4a"_container},   {"F4B", "mp4/m4a"_container},   {"M4V", "mp4/m4v"_container},
+    {"mp41", "mp4/mp41"_container}, {"mp42", "mp4/mp42"_container}, {"MSNV", "mp4/msnv"_container},
+    {"mjp2", "mp4/mjp2"_container}, {"3g2", "mp4/3g2"_container},   {"KDDI", "mp4/3g2"_container},
+    {"3g", "mp4/3gp"_container}, // 3gp4 to 3gp9, 3gr6, 3gs7, ...
+    {"qt", "mp4/qt"_container},
 };
 
 /// The major brand; empty: none.
@@ -96,13 +44,13 @@ std::string_view brandOf(const AVFormatContext &context)
 
 /// Brands that have no name of their own are further forms of "isom": iso2, avc1, dash, ...
 /// A file without a brand is QuickTime's, from before there were any.
-const char *subtypeOfMp4(const AVFormatContext &context)
+int formOfMp4(const AVFormatContext &context)
 {
     const std::string_view brand = brandOf(context);
-    if (brand.empty()) return "qt";
+    if (brand.empty()) return "mp4/qt"_container;
     for (const auto &row : s_Brands)
-        if (brand.starts_with(row.brand)) return row.subtype;
-    return "isom";
+        if (brand.starts_with(row.brand)) return row.formatId;
+    return "mp4/isom"_container;
 }
 
 using Bytes = std::span<const std::uint8_t>;
@@ -162,21 +110,22 @@ bool isMpeg1System(const MediaFile &file)
     return start.end() - pack > 4 && (pack[4] & 0xF0) == 0x20;
 }
 
-const char *programStream(const MediaFile &file)
+int programStream(const MediaFile &file)
 {
     const AVFormatContext &context = *file.context();
-    if (holds(context, AV_CODEC_ID_DVD_NAV)) return "mpegps_dvd";
+    if (holds(context, AV_CODEC_ID_DVD_NAV)) return "mpegps_dvd"_container;
     // some muxers write MPEG-1 packs around MPEG-2 video
-    if (isMpeg1System(file) && !holds(context, AV_CODEC_ID_MPEG2VIDEO)) return "mpegps_mpeg1";
-    return "mpegps";
+    if (isMpeg1System(file) && !holds(context, AV_CODEC_ID_MPEG2VIDEO))
+        return "mpegps_mpeg1"_container;
+    return "mpegps"_container;
 }
 
-const char *transportStream(const AVFormatContext &context)
+int transportStream(const AVFormatContext &context)
 {
     std::int64_t packetSize = 0;
     av_opt_get_int(context.priv_data, "ts_packetsize", 0, &packetSize);
-    if (packetSize == 192) return "mpegts_m2ts";
-    return packetSize == 204 ? "mpegts_204" : "mpegts";
+    if (packetSize == 192) return "mpegts_m2ts"_container;
+    return packetSize == 204 ? "mpegts_204"_container : "mpegts"_container;
 }
 
 /// The demuxer of "dff" reads other files of its kind too.
@@ -192,21 +141,24 @@ std::string nameOfUnknown(const AVFormatContext &context)
     return format == "jpeg_pipe" ? "mjpeg" : std::string(format);
 }
 
-/// A null container: none in the registry.
-ContainerName nameContainer(const MediaFile &file)
+int formatIdOf(const MediaFile &file)
 {
     const AVFormatContext &context = *file.context();
-    const std::string_view format = context.iformat->name;
-    const auto *row = std::ranges::find(s_Containers, format,
-                                        [](const auto &r) { return std::string_view(r.format); });
-    if (row == std::end(s_Containers)) return {};
-    const std::string_view name = row->container;
-    if (name == "mp4") return {"mp4", subtypeOfMp4(context)};
-    if (name == "matroska") return {"matroska", isWebm(file) ? "webm" : nullptr};
-    if (name == "mpegps") return {programStream(file), nullptr};
-    if (name == "mpegts") return {transportStream(context), nullptr};
-    if (name == "dff" && !holdsDsd(context)) return {};
-    return {row->container, nullptr};
+    const int container = containerReadBy(context.iformat->name).value_or(kUnknownId);
+    switch (container) {
+    case "mp4"_container:
+        return formOfMp4(context);
+    case "matroska"_container:
+        return isWebm(file) ? "matroska/webm"_container : container;
+    case "mpegps"_container:
+        return programStream(file);
+    case "mpegts"_container:
+        return transportStream(context);
+    case "dff"_container:
+        return holdsDsd(context) ? container : kUnknownId;
+    default:
+        return container;
+    }
 }
 
 } // namespace
@@ -224,12 +176,8 @@ std::string ebmlDocType(Bytes start)
 
 ContainerIdentity identifyContainer(const MediaFile &file)
 {
-    const ContainerName name = nameContainer(file);
-    int id = 0;
-    if (!name.container || ContainerFormatNameToID(name.container, name.subtype, &id) != 0)
-        return {kUnknownId, nameOfUnknown(*file.context())};
-    if (!name.subtype) return {id, name.container};
-    return {id, std::string(name.container) + '/' + name.subtype};
+    const int id = formatIdOf(file);
+    return {id, id == kUnknownId ? nameOfUnknown(*file.context()) : containerText(id)};
 }
 
 int fewestPicturesOfFilm(const AVFormatContext &context)

@@ -3,6 +3,7 @@
 #include "base/media_ids.h"
 #include "include/vornak.h"
 #include "tools/decide/decision.h"
+#include "tools/profile/media_names.h"
 #include "tools/transcode/library_command.h"
 
 #include <algorithm>
@@ -11,52 +12,6 @@
 
 namespace vornak::tool {
 namespace {
-
-struct Extension {
-    int formatId;
-    std::string_view name;
-};
-
-constexpr Extension s_Extensions[] = {
-    // with a subtype, where that has an extension of its own
-    {12 | 1 << 16, "webm"},
-    {8 | 1 << 16, "m4a"},
-    {8 | 2 << 16, "m4v"},
-    {8 | 4 << 16, "mov"},
-    {8 | 8 << 16, "3g2"},
-    {8 | 9 << 16, "3gp"},
-    {8 | 11 << 16, "mov"},
-    // containers
-    {1, "mp3"},
-    {2, "wav"},
-    {3, "flac"},
-    {4, "ape"},
-    {5, "ogg"},
-    {6, "ac3"},
-    {7, "asf"},
-    {8, "mp4"},
-    {9, "avi"},
-    {10, "mpg"},
-    {11, "ts"},
-    {12, "mkv"},
-    {13, "flv"},
-    {14, "aiff"},
-    {15, "au"},
-    {16, "aac"},
-    {17, "mpg"},
-    {18, "ts"},
-    {19, "mpg"},
-    {20, "ts"},
-    {21, "rm"},
-};
-
-std::string_view extensionOf(int formatId)
-{
-    for (const int id : {formatId, formatId & 0xFFFF})
-        for (const Extension &row : s_Extensions)
-            if (row.formatId == id) return row.name;
-    return "out";
-}
 
 using Words = std::vector<std::string>;
 
