@@ -11,79 +11,10 @@
 namespace vornak::tool {
 namespace {
 
-constexpr FaultKind s_Kinds[] = {
-    {Fault::UnknownElement, Severity::Error, "unknown-element"},
-    {Fault::MisplacedElement, Severity::Error, "misplaced-element"},
-    {Fault::RepeatedSection, Severity::Error, "repeated-section"},
-    {Fault::StrayText, Severity::Error, "stray-text"},
-    {Fault::UnknownAttribute, Severity::Error, "unknown-attribute"},
-    {Fault::DuplicateAttribute, Severity::Error, "duplicate-attribute"},
-    {Fault::BareAmpersand, Severity::Warning, "bare-ampersand"},
-    {Fault::MissingName, Severity::Error, "missing-name"},
-    {Fault::UnknownCodec, Severity::Error, "unknown-codec"},
-    {Fault::NarrowName, Severity::Note, "narrow-name"},
-    {Fault::UnknownContainer, Severity::Error, "unknown-container"},
-    {Fault::UnknownSubtype, Severity::Error, "unknown-subtype"},
-    {Fault::UnknownProfile, Severity::Error, "unknown-profile"},
-    {Fault::UnknownException, Severity::Error, "unknown-exception"},
-    {Fault::NameListTooLong, Severity::Error, "name-list-too-long"},
-    {Fault::CodecWithoutContainers, Severity::Error, "codec-without-containers"},
-    {Fault::VideoWithoutAudio, Severity::Error, "video-without-audio"},
-    {Fault::SectionWithoutRules, Severity::Warning, "section-without-rules"},
-    {Fault::DeviceWithoutSections, Severity::Warning, "device-without-sections"},
-    {Fault::TooManyRules, Severity::Error, "too-many-rules"},
-    {Fault::LeadingBlank, Severity::Error, "leading-blank"},
-    {Fault::NumberStops, Severity::Error, "number-stops"},
-    {Fault::SuffixInside, Severity::Error, "suffix-inside"},
-    {Fault::SuffixOnDecimal, Severity::Error, "suffix-on-decimal"},
-    {Fault::NumberOverflow, Severity::Error, "number-overflow"},
-    {Fault::FrequencySnapped, Severity::Warning, "frequency-snapped"},
-    {Fault::EmptyValue, Severity::Warning, "empty-value"},
-    {Fault::NegativeLimit, Severity::Warning, "negative-limit"},
-    {Fault::FlagValue, Severity::Warning, "flag-value"},
-    {Fault::HalfSizePair, Severity::Error, "half-size-pair"},
-    {Fault::ToleranceWithoutSizes, Severity::Warning, "tolerance-without-sizes"},
-    {Fault::WildcardLimits, Severity::Warning, "wildcard-limits"},
-    {Fault::MinAboveMax, Severity::Error, "min-above-max"},
-    {Fault::LevelScale, Severity::Warning, "level-scale"},
-    {Fault::LevelsRunBackwards, Severity::Warning, "levels-run-backwards"},
-    {Fault::ForeignProfile, Severity::Warning, "foreign-profile"},
-    {Fault::CodecKind, Severity::Error, "codec-kind"},
-    {Fault::UnreachableRule, Severity::Warning, "unreachable-rule"},
-    {Fault::NoEffect, Severity::Warning, "no-effect"},
-    {Fault::TargetForbidden, Severity::Warning, "target-forbidden"},
-    {Fault::TargetWildcard, Severity::Error, "target-wildcard"},
-    {Fault::TargetWithoutOption, Severity::Error, "target-without-option"},
-    {Fault::ContainerWithoutOption, Severity::Error, "container-without-option"},
-    {Fault::OptionCodec, Severity::Error, "option-codec"},
-    {Fault::OptionContainer, Severity::Error, "option-container"},
-    {Fault::OptionLimit, Severity::Error, "option-limit"},
-    {Fault::MimeMissing, Severity::Note, "mime-missing"},
-    {Fault::PnMissing, Severity::Note, "pn-missing"},
-};
-
-constexpr bool isInOrder()
-{
-    for (std::size_t i = 0; i < std::size(s_Kinds); ++i)
-        if (s_Kinds[i].fault != static_cast<Fault>(i)) return false;
-    return true;
-}
-static_assert(isInOrder());
-
 constexpr int kMostSuggestions = 200;
 constexpr std::size_t kLongestExcerpt = 60;
 
 } // namespace
-
-std::span<const FaultKind> faultKinds()
-{
-    return s_Kinds;
-}
-
-const FaultKind &kindOf(Fault fault)
-{
-    return s_Kinds[static_cast<std::size_t>(fault)];
-}
 
 const char *severityName(Severity severity)
 {

@@ -4,7 +4,6 @@
 #include "tools/profile/profile_document.h"
 
 #include <cstddef>
-#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,7 +13,6 @@ namespace vornak::tool {
 
 enum class Severity { Error, Warning, Note };
 
-// In the order of the table of kinds.
 enum class Fault {
     // what the loader leaves out or reads as something else
     UnknownElement,
@@ -68,6 +66,7 @@ enum class Fault {
     // what is announced
     MimeMissing,
     PnMissing,
+    End
 };
 
 struct FaultKind {
@@ -76,8 +75,71 @@ struct FaultKind {
     const char *id; ///< stable
 };
 
-std::span<const FaultKind> faultKinds();
-const FaultKind &kindOf(Fault fault);
+inline constexpr FaultKind s_FaultKinds[] = {
+    {Fault::UnknownElement, Severity::Error, "unknown-element"},
+    {Fault::MisplacedElement, Severity::Error, "misplaced-element"},
+    {Fault::RepeatedSection, Severity::Error, "repeated-section"},
+    {Fault::StrayText, Severity::Error, "stray-text"},
+    {Fault::UnknownAttribute, Severity::Error, "unknown-attribute"},
+    {Fault::DuplicateAttribute, Severity::Error, "duplicate-attribute"},
+    {Fault::BareAmpersand, Severity::Warning, "bare-ampersand"},
+    {Fault::MissingName, Severity::Error, "missing-name"},
+    {Fault::UnknownCodec, Severity::Error, "unknown-codec"},
+    {Fault::NarrowName, Severity::Note, "narrow-name"},
+    {Fault::UnknownContainer, Severity::Error, "unknown-container"},
+    {Fault::UnknownSubtype, Severity::Error, "unknown-subtype"},
+    {Fault::UnknownProfile, Severity::Error, "unknown-profile"},
+    {Fault::UnknownException, Severity::Error, "unknown-exception"},
+    {Fault::NameListTooLong, Severity::Error, "name-list-too-long"},
+    {Fault::CodecWithoutContainers, Severity::Error, "codec-without-containers"},
+    {Fault::VideoWithoutAudio, Severity::Error, "video-without-audio"},
+    {Fault::SectionWithoutRules, Severity::Warning, "section-without-rules"},
+    {Fault::DeviceWithoutSections, Severity::Warning, "device-without-sections"},
+    {Fault::TooManyRules, Severity::Error, "too-many-rules"},
+    {Fault::LeadingBlank, Severity::Error, "leading-blank"},
+    {Fault::NumberStops, Severity::Error, "number-stops"},
+    {Fault::SuffixInside, Severity::Error, "suffix-inside"},
+    {Fault::SuffixOnDecimal, Severity::Error, "suffix-on-decimal"},
+    {Fault::NumberOverflow, Severity::Error, "number-overflow"},
+    {Fault::FrequencySnapped, Severity::Warning, "frequency-snapped"},
+    {Fault::EmptyValue, Severity::Warning, "empty-value"},
+    {Fault::NegativeLimit, Severity::Warning, "negative-limit"},
+    {Fault::FlagValue, Severity::Warning, "flag-value"},
+    {Fault::HalfSizePair, Severity::Error, "half-size-pair"},
+    {Fault::ToleranceWithoutSizes, Severity::Warning, "tolerance-without-sizes"},
+    {Fault::WildcardLimits, Severity::Warning, "wildcard-limits"},
+    {Fault::MinAboveMax, Severity::Error, "min-above-max"},
+    {Fault::LevelScale, Severity::Warning, "level-scale"},
+    {Fault::LevelsRunBackwards, Severity::Warning, "levels-run-backwards"},
+    {Fault::ForeignProfile, Severity::Warning, "foreign-profile"},
+    {Fault::CodecKind, Severity::Error, "codec-kind"},
+    {Fault::UnreachableRule, Severity::Warning, "unreachable-rule"},
+    {Fault::NoEffect, Severity::Warning, "no-effect"},
+    {Fault::TargetForbidden, Severity::Warning, "target-forbidden"},
+    {Fault::TargetWildcard, Severity::Error, "target-wildcard"},
+    {Fault::TargetWithoutOption, Severity::Error, "target-without-option"},
+    {Fault::ContainerWithoutOption, Severity::Error, "container-without-option"},
+    {Fault::OptionCodec, Severity::Error, "option-codec"},
+    {Fault::OptionContainer, Severity::Error, "option-container"},
+    {Fault::OptionLimit, Severity::Error, "option-limit"},
+    {Fault::MimeMissing, Severity::Note, "mime-missing"},
+    {Fault::PnMissing, Severity::Note, "pn-missing"},
+};
+
+consteval bool haveKinds()
+{
+    std::size_t row = 0;
+    for (const FaultKind &kind : s_FaultKinds)
+        if (kind.fault != static_cast<Fault>(row++)) return false;
+    return row == static_cast<std::size_t>(Fault::End);
+}
+static_assert(haveKinds(), "each fault has its row, in order");
+
+constexpr const FaultKind &kindOf(Fault fault)
+{
+    return s_FaultKinds[static_cast<std::size_t>(fault)];
+}
+
 const char *severityName(Severity severity);
 
 struct Finding {

@@ -1,37 +1,21 @@
 #include "tools/decide/decision_json.h"
 
+#include "tools/decide/reason_text.h"
 #include "tools/decide/surroundings.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_session.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/printable.h"
 
-#include <nlohmann/json.hpp>
 
 namespace vornak::tool {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-constexpr int kVersion = 1;
-
-Json textOrNull(const char *text)
-{
-    return text ? Json(printable(text)) : Json();
-}
-
-Json textOrNull(const std::string &text)
-{
-    return text.empty() ? Json() : Json(printable(text));
-}
 
 Json rule(const RuleRef &ref, const std::string &name, const ProfileSession &session)
 {
     const int line = session.lineOf(ref.record);
     return {{"position", ref.position}, {"name", name}, {"line", line > 0 ? Json(line) : Json()}};
 }
-
-/// Container entries and codec rules have their names in different places of the registry.
-enum class RuleKind { Codec, Container };
 
 Json rule(const RuleRef &ref, RuleKind kind, const ProfileSession &session)
 {
@@ -46,7 +30,7 @@ Json compared(const Refusal &refusal, int value, int secondValue)
         return profileTexts(value, refusal.codecId);
     case Unit::ExceptionBits:
         return playExceptionTexts(value);
-    case Unit::PictureSize:
+    case Unit::Pixels:
         return {{"width", value}, {"height", secondValue}};
     default:
         return value;
@@ -64,8 +48,9 @@ std::string_view nameOf(Bound bound)
         return "at-most";
     case Bound::AtLeast:
         return "at-least";
+    default:
+        return {};
     }
-    return {};
 }
 
 void addRefusal(const Refusal &refusal, Json &to)
@@ -79,28 +64,20 @@ void addRefusal(const Refusal &refusal, Json &to)
     if (refusal.unit == Unit::BitRate) to["estimated"] = refusal.estimated;
 }
 
-Json reason(const Reason &reason, RuleKind kind, const ProfileSession &session)
+Json reasonOf(const Reason &reason, const ProfileSession &session)
 {
-    Json json{{"code", reason.code}};
-    if (reason.rule.record) json["rule"] = rule(reason.rule, kind, session);
+    Json json{{"code", nameOf(reason)}};
+    if (reason.rule.record) json["rule"] = rule(reason.rule, rowOf(reason.code).kind, session);
     if (reason.refusal) addRefusal(*reason.refusal, json);
     if (reason.exceptions != 0) json["covered"] = playExceptionTexts(reason.exceptions);
     return json;
-}
-
-/// Reasons that concern the container name the audio rule whose entries were looked at.
-RuleKind kindOf(const Reason &reason)
-{
-    return reason.code == "no-entry" || reason.code == "preferred-not-listed" ? RuleKind::Codec
-                                                                              : RuleKind::Container;
 }
 
 Json part(const Part &part, int index, bool isContainer, const ProfileSession &session)
 {
     const RuleKind kind = isContainer ? RuleKind::Container : RuleKind::Codec;
     Json reasons = Json::array();
-    for (const Reason &one : part.reasons)
-        reasons.push_back(reason(one, isContainer ? kindOf(one) : kind, session));
+    for (const Reason &reason : part.reasons) reasons.push_back(reasonOf(reason, session));
     return {{"action", nameOf(part.action)},
             {"index", index},
             {"rule", rule(part.rule, kind, session)},
@@ -236,11 +213,6 @@ Json visits(const Explanation &explanation, const ProfileSession &session)
             {"containerOf", rule(explanation.searchedRule, RuleKind::Codec, session)}};
 }
 
-Json pathFields(const std::string &path)
-{
-    return {{"path", printable(path)}, {"pathHex", hexBytes(path)}};
-}
-
 Json reasons(const ReasonCounts &counts)
 {
     Json list = Json::array();
@@ -268,9 +240,7 @@ std::string jsonHead(std::string_view document, const std::string &profilePath,
                         {"audioTrack", request.audioTrack > 0 ? Json(request.audioTrack) : Json()},
                         {"matchVideo", request.matchVideo},
                         {"playExceptions", playExceptionTexts(request.extraPlayExceptions)}};
-    return "{\"document\":" + Json(document).dump() + ",\"version\":" + std::to_string(kVersion) +
-           ",\n\"profile\":" + profile.dump() + ",\n\"options\":" + asked.dump() +
-           ",\n\"files\":[\n";
+    return listHead(document, {{"profile", std::move(profile)}, {"options", asked}});
 }
 
 std::string jsonOf(const std::string &path, const Decision &decision,

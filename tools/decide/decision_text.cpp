@@ -152,11 +152,9 @@ std::string resultLines(const Decision &decision)
                        announced(decision.mime), announced(decision.dlnaProfile));
 }
 
-enum class Kind { Rule, Entry };
-
-std::string verdictText(const Visit &visit, Kind kind)
+std::string verdictText(const Visit &visit, RuleKind kind)
 {
-    const std::string_view what = kind == Kind::Rule ? "codec" : "container";
+    const std::string_view what = kind == RuleKind::Codec ? "codec" : "container";
     switch (visit.verdict) {
     case Verdict::Takes:
         return "takes it";
@@ -178,14 +176,14 @@ std::string verdictText(const Visit &visit, Kind kind)
 }
 
 /// The visited rules under a heading, a line each.
-std::string visitLines(const std::string &heading, const std::vector<Visit> &visits, Kind kind,
+std::string visitLines(const std::string &heading, const std::vector<Visit> &visits, RuleKind kind,
                        const Decision &decision, const ProfileSession &session)
 {
     std::string text = fmt::format("  {}:{}\n", heading, visits.empty() ? " none" : "");
     for (const Visit &visit : visits) {
         const RuleRef ref{visit.record, visit.position, visit.id};
         const std::string name =
-            kind == Kind::Rule ? ruleText(ref, session) : entryText(ref, session);
+            kind == RuleKind::Codec ? ruleText(ref, session) : entryText(ref, session);
         text += fmt::format("    {}: {}", name, verdictText(visit, kind));
         if (visit.coveredExceptions != 0)
             text += "; " + partlyCoveredText("", visit.coveredExceptions, decision.video.codecFlag);
@@ -271,18 +269,18 @@ std::string visitsText(const Decision &decision, const Explanation &explanation,
 {
     std::string text, where;
     if (decision.isVideo) {
-        text = visitLines("video rules visited", explanation.videoVisits, Kind::Rule, decision,
+        text = visitLines("video rules visited", explanation.videoVisits, RuleKind::Codec, decision,
                           session);
         if (decision.videoRule) where = " in video " + ruleText(explanation.video.rule, session);
     }
     if (!decision.isSilent)
-        text += visitLines("audio rules visited" + where, explanation.audioVisits, Kind::Rule,
+        text += visitLines("audio rules visited" + where, explanation.audioVisits, RuleKind::Codec,
                            decision, session);
     where.clear();
     if (explanation.searchedRule.record)
         where = " in audio " + ruleText(explanation.searchedRule, session);
     return text + visitLines("container entries visited" + where, explanation.entryVisits,
-                             Kind::Entry, decision, session);
+                             RuleKind::Container, decision, session);
 }
 
 std::string textOf(const Totals &totals)

@@ -20,10 +20,10 @@ RuleRef refTo(const Visit &visit)
 }
 
 /// Why a rule keeps the stream.
-std::string_view keepCode(Verdict verdict)
+ReasonCode keepCode(Verdict verdict)
 {
-    if (verdict == Verdict::Unmatched) return "not-matched";
-    return verdict == Verdict::TakesAny ? "any-codec" : "taken";
+    if (verdict == Verdict::Unmatched) return ReasonCode::NotMatched;
+    return verdict == Verdict::TakesAny ? ReasonCode::AnyCodec : ReasonCode::Taken;
 }
 
 /// Why no rule takes the stream: the comparisons of the nearest miss, or that there is none.
@@ -31,11 +31,11 @@ void addMiss(const std::vector<Visit> &visits, std::vector<Reason> &reasons)
 {
     const Visit *miss = nearestMiss(visits);
     if (!miss) {
-        reasons.push_back({.code = "no-rule"});
+        reasons.push_back({.code = ReasonCode::NoRule});
         return;
     }
     for (const Refusal &refusal : miss->refusals)
-        reasons.push_back({.code = refusal.code, .rule = refTo(*miss), .refusal = refusal});
+        reasons.push_back({.code = ReasonCode::Compared, .rule = refTo(*miss), .refusal = refusal});
 }
 
 Part explainVideo(const Decision &decision, const DecisionRequest &request,
@@ -46,14 +46,14 @@ Part explainVideo(const Decision &decision, const DecisionRequest &request,
               {}};
     const Visit *taking = takingVisit(visits);
     if (part.action == Action::Transcode) {
-        if (request.force) part.reasons.push_back({.code = "forced"});
-        if (request.audioTrack > 0) part.reasons.push_back({.code = "audio-track"});
+        if (request.force) part.reasons.push_back({.code = ReasonCode::Forced});
+        if (request.audioTrack > 0) part.reasons.push_back({.code = ReasonCode::AudioTrack});
         if (!taking) addMiss(visits, part.reasons);
     } else if (taking) {
         part.reasons.push_back({.code = keepCode(taking->verdict), .rule = refTo(*taking)});
     }
     if (taking && taking->coveredExceptions != 0)
-        part.reasons.push_back({.code = "play-exceptions-partly-covered",
+        part.reasons.push_back({.code = ReasonCode::ExceptionsPartlyCovered,
                                 .rule = refTo(*taking),
                                 .exceptions = taking->coveredExceptions});
     return part;
@@ -65,7 +65,7 @@ Part explainAudio(const Decision &decision, const DecisionRequest &request,
     Part part{Action::None, refTo(decision.audioRule, decision.audioIndex), {}};
     const Visit *taking = takingVisit(visits);
     if (decision.isSilent) {
-        part.reasons.push_back({.code = "no-audio"});
+        part.reasons.push_back({.code = ReasonCode::NoAudio});
     } else if (!decision.transcodesAudio()) {
         part.action = Action::Keep;
         if (taking)
@@ -73,10 +73,11 @@ Part explainAudio(const Decision &decision, const DecisionRequest &request,
     } else {
         part.action = Action::Transcode;
         if (request.force)
-            part.reasons.push_back({.code = "forced"});
+            part.reasons.push_back({.code = ReasonCode::Forced});
         else if (taking)
-            part.reasons.push_back({.code = decision.transcodesVideo() ? "first-container-forbidden"
-                                                                       : "container-forbidden",
+            part.reasons.push_back({.code = decision.transcodesVideo()
+                                                ? ReasonCode::FirstContainerForbidden
+                                                : ReasonCode::ContainerForbidden,
                                     .rule = refTo(*taking)});
         if (!taking) addMiss(visits, part.reasons);
     }
@@ -103,16 +104,18 @@ Reason containerReason(const Decision &decision, const DecisionRequest &request)
         isTranscoded(decision.videoIndex) || isTranscoded(decision.audioIndex);
     const RuleRef preferred = preferredEntry(decision.audioRule, request.preferFormatId);
     const RuleRef first = refTo(decision.entry, VORNAK_TRANSCODE);
-    if (request.force) return {.code = "forced"};
+    if (request.force) return {.code = ReasonCode::Forced};
     if (isTranscoded(decision.formatIndex)) {
         if (!streamsChange)
-            return {.code = "no-entry", .rule = refTo(decision.audioRule, decision.audioIndex)};
-        return {.code = "not-seekable", .rule = preferred.record ? preferred : first};
+            return {.code = ReasonCode::NoEntry,
+                    .rule = refTo(decision.audioRule, decision.audioIndex)};
+        return {.code = ReasonCode::NotSeekable, .rule = preferred.record ? preferred : first};
     }
     const RuleRef chosen = refTo(decision.entry, decision.formatIndex);
-    if (preferred.record) return {.code = "preferred", .rule = chosen};
-    if (streamsChange) return {.code = "output-of-rule", .rule = chosen};
-    return {.code = containerPart(chosen.id) == kAnyContainer ? "any-container" : "taken",
+    if (preferred.record) return {.code = ReasonCode::Preferred, .rule = chosen};
+    if (streamsChange) return {.code = ReasonCode::OutputOfRule, .rule = chosen};
+    return {.code = containerPart(chosen.id) == kAnyContainer ? ReasonCode::AnyContainer
+                                                              : ReasonCode::EntryTaken,
             .rule = chosen};
 }
 
@@ -124,7 +127,7 @@ Part explainContainer(const Decision &decision, const DecisionRequest &request)
     part.reasons.push_back(containerReason(decision, request));
     if (request.preferFormatId > 0 &&
         !preferredEntry(decision.audioRule, request.preferFormatId).record)
-        part.reasons.push_back({.code = "preferred-not-listed",
+        part.reasons.push_back({.code = ReasonCode::PreferredNotListed,
                                 .rule = refTo(decision.audioRule, decision.audioIndex)});
     return part;
 }

@@ -17,11 +17,36 @@ struct RuleRef {
     int id = 0;
 };
 
-/// One reason. The codes are stable names, listed with what they say in docs/json.md.
+/// In the order of the table in reason_text.cpp, which has their names and texts.
+enum class ReasonCode {
+    // of a stream
+    Taken,
+    AnyCodec,
+    NotMatched,
+    NoAudio,
+    AudioTrack,
+    NoRule,
+    Compared,
+    ContainerForbidden,
+    FirstContainerForbidden,
+    ExceptionsPartlyCovered,
+    // of a stream or the container
+    Forced,
+    // of the container
+    EntryTaken,
+    AnyContainer,
+    Preferred,
+    PreferredNotListed,
+    NoEntry,
+    OutputOfRule,
+    NotSeekable,
+    End
+};
+
 struct Reason {
-    std::string_view code;
+    ReasonCode code;
     RuleRef rule = {};                             ///< whose doing it is; may be none
-    std::optional<Refusal> refusal = std::nullopt; ///< the comparison, if it was one
+    std::optional<Refusal> refusal = std::nullopt; ///< what was Compared
     int exceptions = 0;                            ///< play exceptions that the rule's set covers
 };
 

@@ -55,7 +55,7 @@ MainReason mainReason(const Decision &decision, const Explanation &explanation,
     MainReason result{.outcome = decision.outcome, .part = main.name};
     if (main.part.reasons.empty()) return result;
     const Reason &reason = main.part.reasons.front();
-    result.code = reason.code;
+    result.code = nameOf(reason);
     result.text = main.text(decision, {main.part.action, main.part.rule, {reason}}, session);
     result.ofMany = reason.refusal ? refusalOfMany(*reason.refusal, ruleText(reason.rule, session))
                                    : result.text;

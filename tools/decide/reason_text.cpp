@@ -12,47 +12,6 @@
 namespace vornak::tool {
 namespace {
 
-struct CodeText {
-    std::string_view code;
-    std::string_view text;
-};
-
-constexpr CodeText s_StreamTexts[] = {
-    {"taken", "{rule} takes it"},
-    {"any-codec", "{rule} takes any codec"},
-    {"not-matched", "{rule}, not matched because of --no-match-video"},
-    {"no-audio", "the file has no audio"},
-    {"forced", "forced by --force"},
-    {"audio-track", "--audio-track assigns a track, and then a video is transcoded"},
-    {"no-rule", "no rule for {codec}{where}"},
-    {"container-forbidden",
-     "{rule} takes it, but not in this container, and its first one must not be made "
-     "(NOTRANSCODE)"},
-    {"first-container-forbidden",
-     "{rule} takes it, but its first container, which the output needs, must not be made "
-     "(NOTRANSCODE)"},
-    {"play-exceptions-partly-covered", "{covered}"},
-};
-
-constexpr CodeText s_ContainerTexts[] = {
-    {"taken", "{entry} of audio {audio} takes it"},
-    {"any-container", "{entry} of audio {audio} takes any container"},
-    {"preferred", "{entry} of audio {audio} is preferred by --prefer"},
-    {"preferred-not-listed", "audio {audio} does not list what --prefer names"},
-    {"forced", "forced by --force"},
-    {"no-entry", "{container}, audio {audio} does not list it"},
-    {"output-of-rule", "{entry} is the first of audio {audio}, and a stream is transcoded"},
-    {"not-seekable", "{entry} of audio {audio} can't be sought in (NONSEEKABLE)"},
-};
-
-template <std::size_t Size>
-std::string_view textFor(std::string_view code, const CodeText (&texts)[Size])
-{
-    return std::find_if(std::begin(texts), std::end(texts),
-                        [&](const CodeText &row) { return row.code == code; })
-        ->text;
-}
-
 std::string joined(const std::vector<std::string> &names)
 {
     return names.empty() ? "none" : fmt::format("{}", fmt::join(names, "|"));
@@ -83,10 +42,11 @@ std::string actualText(const Refusal &refusal)
         return bitRateText(refusal.actual, refusal.estimated);
     case Unit::SampleRate:
         return fmt::format("{} Hz", refusal.actual);
-    case Unit::PictureSize:
+    case Unit::Pixels:
         return fmt::format("{}x{} pixels", refusal.actual, refusal.secondActual);
+    default:
+        return {};
     }
-    return {};
 }
 
 std::string_view unitText(Unit unit)
@@ -118,7 +78,7 @@ std::string limitText(const Refusal &refusal)
     if (refusal.bound == Bound::Within)
         return "allows " + joined(profileTexts(refusal.limit, refusal.codecId));
     const std::string_view verb = refusal.bound == Bound::AtMost ? "allows" : "needs";
-    if (refusal.unit != Unit::PictureSize) return fmt::format("{} {}", verb, refusal.limit);
+    if (refusal.unit != Unit::Pixels) return fmt::format("{} {}", verb, refusal.limit);
     if (refusal.tolerance > 0)
         return fmt::format("needs {}x{}, give or take {}", refusal.limit, refusal.secondLimit,
                            refusal.tolerance);
@@ -144,12 +104,12 @@ std::string streamReasons(const Part &part, std::string_view codec, std::string_
 {
     return allReasons(part, [&](const Reason &reason, bool again) {
         const std::string rule = again ? "it" : ruleText(reason.rule, session);
-        if (reason.refusal) return refusalText(*reason.refusal, rule);
-        return fmt::format(fmt::runtime(textFor(reason.code, s_StreamTexts)),
-                           fmt::arg("rule", rule), fmt::arg("codec", codec),
-                           fmt::arg("where", where),
-                           fmt::arg("covered", partlyCoveredText(again ? "" : rule,
-                                                                 reason.exceptions, exceptions)));
+        return fmt::format(
+            fmt::runtime(rowOf(reason.code).text), fmt::arg("rule", rule), fmt::arg("codec", codec),
+            fmt::arg("where", where),
+            fmt::arg("comparison", reason.refusal ? refusalText(*reason.refusal, rule) : ""),
+            fmt::arg("covered",
+                     partlyCoveredText(again ? "" : rule, reason.exceptions, exceptions)));
     });
 }
 
@@ -166,12 +126,9 @@ void appendPart(std::string &text, std::string_view name, const std::string &rea
 
 } // namespace
 
-std::set<std::string_view> reasonCodes()
+std::string_view nameOf(const Reason &reason)
 {
-    std::set<std::string_view> codes = refusalCodes();
-    for (const CodeText &row : s_StreamTexts) codes.insert(row.code);
-    for (const CodeText &row : s_ContainerTexts) codes.insert(row.code);
-    return codes;
+    return reason.refusal ? reason.refusal->code : rowOf(reason.code).name;
 }
 
 std::string ruleText(const RuleRef &rule, const ProfileSession &session)
@@ -215,7 +172,7 @@ std::string containerReasons(const Decision &decision, const Part &part,
     const RuleRef audio = {decision.audioRule, positionOf(decision.audioIndex),
                            decision.audioRule ? decision.audioRule->aCodecId : 0};
     return allReasons(part, [&](const Reason &reason, bool) {
-        return fmt::format(fmt::runtime(textFor(reason.code, s_ContainerTexts)),
+        return fmt::format(fmt::runtime(rowOf(reason.code).text),
                            fmt::arg("entry", entryText(reason.rule, session)),
                            fmt::arg("audio", ruleText(audio, session)),
                            fmt::arg("container", printable(decision.media.containerName)));
@@ -227,16 +184,6 @@ std::string partlyCoveredText(const std::string &rule, int covered, int exceptio
     return fmt::format("{} covers {} of {} only, so it does not count",
                        rule.empty() ? "its PLAY_EXCEPTION" : "PLAY_EXCEPTION of " + rule,
                        joined(playExceptionTexts(covered)), joined(playExceptionTexts(exceptions)));
-}
-
-std::string channelsText(int channels)
-{
-    return fmt::format("{} {}", channels, channels == 1 ? "channel" : "channels");
-}
-
-std::string bitRateText(int bitrate, bool estimated)
-{
-    return fmt::format("{} bit/s{}", bitrate, estimated ? " (estimated)" : "");
 }
 
 std::string reasonsOf(const Decision &decision, const DecisionRequest &request,

@@ -3,7 +3,7 @@
 
 #include "tools/decide/explanation.h"
 
-#include <set>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,8 +11,66 @@ namespace vornak::tool {
 
 class ProfileSession;
 
-/// The codes of all reasons that there are words for.
-std::set<std::string_view> reasonCodes();
+/// Container entries and codec rules have their names in different places of the registry.
+enum class RuleKind { Codec, Container };
+
+struct ReasonRow {
+    ReasonCode code;
+    std::string_view name; ///< stable; listed in docs/json.md
+    RuleKind kind;         ///< of the reason's rule
+    std::string_view text;
+};
+
+inline constexpr ReasonRow s_Reasons[] = {
+    {ReasonCode::Taken, "taken", RuleKind::Codec, "{rule} takes it"},
+    {ReasonCode::AnyCodec, "any-codec", RuleKind::Codec, "{rule} takes any codec"},
+    {ReasonCode::NotMatched, "not-matched", RuleKind::Codec,
+     "{rule}, not matched because of --no-match-video"},
+    {ReasonCode::NoAudio, "no-audio", RuleKind::Codec, "the file has no audio"},
+    {ReasonCode::AudioTrack, "audio-track", RuleKind::Codec,
+     "--audio-track assigns a track, and then a video is transcoded"},
+    {ReasonCode::NoRule, "no-rule", RuleKind::Codec, "no rule for {codec}{where}"},
+    {ReasonCode::Compared, "", RuleKind::Codec, "{comparison}"}, // it has a name of its own
+    {ReasonCode::ContainerForbidden, "container-forbidden", RuleKind::Codec,
+     "{rule} takes it, but not in this container, and its first one must not be made "
+     "(NOTRANSCODE)"},
+    {ReasonCode::FirstContainerForbidden, "first-container-forbidden", RuleKind::Codec,
+     "{rule} takes it, but its first container, which the output needs, must not be made "
+     "(NOTRANSCODE)"},
+    {ReasonCode::ExceptionsPartlyCovered, "play-exceptions-partly-covered", RuleKind::Codec,
+     "{covered}"},
+    {ReasonCode::Forced, "forced", RuleKind::Codec, "forced by --force"},
+    {ReasonCode::EntryTaken, "taken", RuleKind::Container, "{entry} of audio {audio} takes it"},
+    {ReasonCode::AnyContainer, "any-container", RuleKind::Container,
+     "{entry} of audio {audio} takes any container"},
+    {ReasonCode::Preferred, "preferred", RuleKind::Container,
+     "{entry} of audio {audio} is preferred by --prefer"},
+    {ReasonCode::PreferredNotListed, "preferred-not-listed", RuleKind::Codec,
+     "audio {audio} does not list what --prefer names"},
+    {ReasonCode::NoEntry, "no-entry", RuleKind::Codec,
+     "{container}, audio {audio} does not list it"},
+    {ReasonCode::OutputOfRule, "output-of-rule", RuleKind::Container,
+     "{entry} is the first of audio {audio}, and a stream is transcoded"},
+    {ReasonCode::NotSeekable, "not-seekable", RuleKind::Container,
+     "{entry} of audio {audio} can't be sought in (NONSEEKABLE)"},
+};
+
+consteval bool haveRows()
+{
+    std::size_t row = 0;
+    for (const ReasonRow &reason : s_Reasons)
+        if (reason.code != static_cast<ReasonCode>(row++)) return false;
+    return row == static_cast<std::size_t>(ReasonCode::End);
+}
+static_assert(haveRows(), "each code has its row, in order");
+
+constexpr const ReasonRow &rowOf(ReasonCode code)
+{
+    return s_Reasons[static_cast<std::size_t>(code)];
+}
+
+/// The reason's stable name, which is the comparison's if it was one.
+std::string_view nameOf(const Reason &reason);
 
 /// How rules and entries are called: "rule 0 (aac, line 14)", "entry 1 (mp4, line 16)".
 std::string ruleText(const RuleRef &rule, const ProfileSession &session);
@@ -37,9 +95,5 @@ std::string reasonsOf(const Decision &decision, const DecisionRequest &request,
 /// What keeps a rule from excluding play exceptions that its set covers in part.
 /// @param rule  its name; empty: the text before has named it
 std::string partlyCoveredText(const std::string &rule, int covered, int exceptions);
-
-/// What the source has, with its unit.
-std::string channelsText(int channels);
-std::string bitRateText(int bitrate, bool estimated);
 
 } // namespace vornak::tool
