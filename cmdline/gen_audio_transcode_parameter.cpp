@@ -1,26 +1,19 @@
 #include "cmdline/limit_recording.h"
 #include "include/vornak.h"
 
-#include "base/rule_tables.h"
-#include "decision/audio_comparisons.h"
+#include <cstdio>
 
 namespace vornak {
 namespace {
 
-constexpr LimitSlot s_AudioLimits[] = {
-    {kMaxAudioBitrate, kSlotMaxAudioBitrate}, {kMinAudioBitrate, kSlotMinAudioBitrate},
-    {kMaxChannels, kSlotMaxChannels},         {kMinChannels, kSlotMinChannels},
-    {kMaxSampleRate, kSlotMaxSampleRate},     {kMinSampleRate, kSlotMinSampleRate},
-};
-
 void recordAudioLimits(const AudioRule &rule, const AudioSource &source,
                        TRANSCODE_CONSTRAINT_ST &set)
 {
-    for (const LimitSlot &limit : s_AudioLimits) {
-        const AudioComparison &row = s_AudioComparisons[limit.row];
-        if (recordLimit(row, rule, source, limit.slot, set))
-            std::fprintf(stderr, "param = %s, %s = %d\n", set.value[limit.slot], row.field,
-                         rule.*row.limit);
+    for (const auto &limit : s_AudioLimits) {
+        const AudioProperty &property = *limit.comparison.first;
+        if (recordLimit(limit, rule, source, set))
+            std::fprintf(stderr, "param = %s, %s = %d\n", set.value[limit.slot], property.name,
+                         property.in(rule));
     }
 }
 
@@ -38,8 +31,7 @@ int genAudioTranscodeParameter(int audioIndex, const TRANSCODE_AUDIO_MAPPING_ST 
     const AudioSource source = {srcProperty[0], srcProperty[1], srcProperty[2],
                                 srcProperty[3], srcProperty[4], srcProperty[5]};
     std::fprintf(stderr, "src codecId = %d, config codecId = %d\n", source.codecId, rule->aCodecId);
-    noteProfileAndLevel(s_AudioComparisons[kAudioProfile], s_AudioComparisons[kAudioLevel], *rule,
-                        source, "genAudioTranscodeParameter");
+    noteProfileAndLevel<s_AudioComparisons>(*rule, source, "genAudioTranscodeParameter");
     recordAudioLimits(*rule, source, *set);
     return 0;
 }

@@ -1,5 +1,8 @@
-#include "cmdline/option_formatters.h"
+#include "cmdline/limit_slots.h"
 #include "include/vornak.h"
+
+#include "base/fixed_text.h"
+#include "base/heap.h"
 
 #include <bit>
 #include <cstring>
@@ -7,11 +10,41 @@
 namespace vornak {
 namespace {
 
-constexpr std::uint64_t kFormattedMarks = markOf(kFormattedSlots) - 1;
+constexpr int kSecondDialect = 1; // TRANSCODE_CONSTRAINT_ST::mode; any other is the first
+constexpr std::uint64_t kFormattedMarks = markOf(kSlots) - 1;
 
 std::string_view valueOf(const TRANSCODE_CONSTRAINT_ST &set, int slot)
 {
     return {set.value[slot], strnlen(set.value[slot], sizeof set.value[slot])};
+}
+
+/// Appends a picture size, "1280x720", in the form that its option takes.
+int appendSize(std::string_view value, Form form, FixedText &fragment)
+{
+    const HeapText size(strndup(value.data(), value.size()));
+    if (!size) return VORNAK_CMD_NO_MEMORY;
+    char *x = std::strchr(size.get(), 'x');
+    if (!x) return VORNAK_CMD_BAD_INPUT;
+    *x = '\0';
+    const char *const width = size.get(), *const height = x + 1;
+    if (form == Form::Scale)
+        fragment.appendCut(width, ":", height);
+    else
+        fragment.appendCut(height, "p");
+    return VORNAK_CMD_OK;
+}
+
+/// Writes the option of a slot, cut where the fragment ends.
+int formatSlot(int slot, int mode, std::string_view value, FixedText &fragment)
+{
+    if (value.empty()) return VORNAK_CMD_BAD_INPUT;
+    const auto &row = s_SlotOptions[slot];
+    const Option &option = mode == kSecondDialect ? row.second : row.first;
+    if (option.form == Form::Nothing) return VORNAK_CMD_OK;
+    fragment.appendCut(option.text);
+    if (option.form != Form::Value) return appendSize(value, option.form, fragment);
+    fragment.appendCut(value);
+    return VORNAK_CMD_OK;
 }
 
 int renderMarkedSlots(const TRANSCODE_CONSTRAINT_ST &set, FixedText &cmd)

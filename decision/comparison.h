@@ -1,34 +1,14 @@
-// The comparisons between a rule and a source, as data. The matching takes its yes or no from
-// a row, the tool the reason that it shows, and the options the limit that they record.
+// How a rule and a source are compared. The matching takes its yes or no from a row of
+// base/rule_facts.h, the tool the reason that it shows, and the options the limit that they record.
 #pragma once
+
+#include "base/rule_facts.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <utility>
 
 namespace vornak {
-
-enum class Bound {
-    NotWithin, ///< a source whose bits all lie in the rule's set is refused
-    Within,    ///< every bit of the source must lie in the rule's set
-    AtMost,
-    AtLeast,
-};
-
-/// One comparison. A rule's limit of 0 or less is none. Picture sizes compare two values at
-/// once, and only where the rule limits both.
-template <class Rule, class Source>
-struct Comparison {
-    Bound bound;
-    const char *field; ///< the rule's field
-    int Rule::*limit;
-    int Source::*value;
-    const char *secondField = nullptr;
-    int Rule::*secondLimit = nullptr;
-    int Source::*secondValue = nullptr;
-    int Rule::*tolerance = nullptr; ///< above 0: the values must lie this close to the limits
-};
 
 constexpr bool allWithin(int bits, int set)
 {
@@ -46,8 +26,11 @@ constexpr bool allWithin(int bits, int set)
         return value <= limit;
     case Bound::AtLeast:
         return value >= limit;
+    case Bound::None:
+    case Bound::Close:
+        break;
     }
-    return false;
+    return true;
 }
 
 /// Whether two values differ by at most `tolerance`, which is above 0. Unsigned, since the
@@ -64,8 +47,8 @@ template <class Rule, class Source>
 [[gnu::always_inline]] constexpr bool isLimited(const Comparison<Rule, Source> &row,
                                                 const Rule &rule)
 {
-    if (row.bound == Bound::NotWithin) return true;
-    return rule.*row.limit > 0 && (!row.secondLimit || rule.*row.secondLimit > 0);
+    if (row.first->bound == Bound::NotWithin) return true;
+    return row.first->in(rule) > 0 && (!row.second || row.second->in(rule) > 0);
 }
 
 /// Whether the source is on the right side of the rule's limit.
@@ -74,12 +57,14 @@ template <class Rule, class Source>
                                             const Source &source)
 {
     if (!isLimited(row, rule)) return true;
-    if (!row.secondLimit) return keepsBound(row.bound, source.*row.value, rule.*row.limit);
-    if (const int tolerance = rule.*row.tolerance; tolerance > 0)
-        return isClose(source.*row.value, rule.*row.limit, tolerance) &&
-               isClose(source.*row.secondValue, rule.*row.secondLimit, tolerance);
-    return keepsBound(row.bound, source.*row.value, rule.*row.limit) &&
-           keepsBound(row.bound, source.*row.secondValue, rule.*row.secondLimit);
+    const auto keeps = [&](const Property<Rule, Source> &property) {
+        return keepsBound(property.bound, property.in(source), property.in(rule));
+    };
+    if (!row.second) return keeps(*row.first);
+    const int tolerance = row.closeness->in(rule);
+    if (tolerance <= 0) return keeps(*row.first) && keeps(*row.second);
+    return isClose(row.first->in(source), row.first->in(rule), tolerance) &&
+           isClose(row.second->in(source), row.second->in(rule), tolerance);
 }
 
 /// Position of the first row of `Table` that refuses the source, or -1. The rows are expanded
@@ -101,7 +86,7 @@ template <const auto &Table, class Rule, class Source, class Before>
         };
         static_cast<void>((passes.template operator()<Row>() && ...));
     }
-    (std::make_index_sequence<std::size(Table)>{});
+    (std::make_index_sequence<Table.size()>{});
     return refusal;
 }
 

@@ -3,6 +3,7 @@
 #include "base/debug_line.h"
 #include "base/media_ids.h"
 #include "base/rule_tables.h"
+#include "decision/comparison.h"
 #include "decision/find_format.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ bool matches(const AudioRule &rule, const AudioSource &source, int index)
     if (rule.aCodecId != source.codecId) return false;
     if (g_debug_level == 0) return findRefusal<s_AudioComparisons>(rule, source) < 0;
     return findRefusal<s_AudioComparisons>(rule, source, [&](const AudioComparison &row) {
-               VORNAK_DEBUG_RULE(index, row.field, rule.*row.limit);
+               VORNAK_DEBUG_RULE(index, row.first->name, row.first->in(rule));
            }) < 0;
 }
 

@@ -1,7 +1,7 @@
 // The audio step of a decision.
 #pragma once
 
-#include "decision/audio_comparisons.h"
+#include "base/rule_facts.h"
 #include "decision/request.h"
 
 namespace vornak {

@@ -2,6 +2,7 @@
 
 #include "base/debug_line.h"
 #include "base/rule_tables.h"
+#include "decision/comparison.h"
 #include "decision/find_music.h"
 
 namespace vornak {
@@ -13,7 +14,7 @@ bool matches(const VideoRule &rule, const VideoSource &source, int index)
     if (rule.vCodecId != source.codecId) return false;
     const int refusal = findRefusal<s_VideoComparisons>(rule, source);
     if (refusal < 0) return true;
-    if (refusal == kPlayException)
+    if (s_VideoComparisons[static_cast<std::size_t>(refusal)].first->bound == Bound::NotWithin)
         VORNAK_DEBUG("FindVideoTranscode",
                      "srcVCodecFlag=%d match play exception, so we still need to transcode it, "
                      "i=%d",

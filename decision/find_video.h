@@ -1,12 +1,10 @@
 // The whole decision for a video file.
 #pragma once
 
+#include "base/rule_facts.h"
 #include "decision/request.h"
-#include "decision/video_comparisons.h"
 
 namespace vornak {
-
-struct AudioSource;
 
 /// What a video file's decision is asked beyond the request that its audio shares.
 struct VideoRequest {

@@ -2,7 +2,6 @@
 
 #include "base/debug_line.h"
 #include "base/rule_tables.h"
-#include "decision/audio_comparisons.h"
 #include "decision/container_agreement.h"
 
 int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,

@@ -1,40 +1,40 @@
 #include "profile/name_list.h"
 
-#include <cstddef>
 #include <cstdio>
-#include <cstring>
 
 namespace vornak {
-namespace {
 
-constexpr std::size_t kListSize = 1024; // bytes of a list without its blanks
-constexpr char kSeparator[] = "|";
-
-void copyWithoutBlanks(const char *text, char (&list)[kListSize])
+const char *NameList::next()
 {
-    std::size_t length = 0;
-    for (; *text != '\0'; ++text) {
-        if (*text == ' ') continue;
-        if (length == kListSize - 1) break;
-        list[length++] = *text;
-    }
-    list[length] = '\0';
-    if (*text == '\0' || *text == *kSeparator) return;
-    // the list goes on within a name: that one is left out
-    char *lastSeparator = std::strrchr(list, *kSeparator);
-    *(lastSeparator ? lastSeparator : list) = '\0';
+    while (*rest_ != '\0' && !isCut_)
+        if (takeName() && name_[0] != '\0') return name_;
+    return nullptr;
 }
 
-} // namespace
+/// Takes what stands before the next bar, perhaps nothing. False: the list is cut within it.
+bool NameList::takeName()
+{
+    const char *const begin = rest_;
+    std::size_t length = 0;
+    for (; *rest_ != '\0' && *rest_ != '|'; ++rest_) {
+        if (*rest_ == ' ') continue;
+        isCut_ = seen_++ == kLongest;
+        if (isCut_) return false;
+        name_[length++] = *rest_;
+    }
+    name_[length] = '\0';
+    written_ = {begin, static_cast<std::size_t>(rest_ - begin)};
+    if (*rest_ == '\0') return true;
+    isCut_ = seen_++ == kLongest;
+    ++rest_;
+    return true;
+}
 
 int parseNameList(const char *text, int (*lookup)(const char *name, int *bit), const char *kind)
 {
-    char list[kListSize];
-    copyWithoutBlanks(text, list);
+    NameList names(text);
     int bits = 0;
-    char *rest;
-    for (const char *name = strtok_r(list, kSeparator, &rest); name;
-         name = strtok_r(nullptr, kSeparator, &rest)) {
+    while (const char *name = names.next()) {
         int bit = 0;
         if (lookup(name, &bit) == 0)
             bits |= bit;

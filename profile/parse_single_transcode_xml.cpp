@@ -1,9 +1,8 @@
 #include "include/vornak.h"
 
-#include "profile/codec_rules.h"
 #include "profile/profile_release.h"
 #include "profile/read_rules.h"
-#include "profile/video_rules.h"
+#include "profile/rule_kinds.h"
 
 #include <cstdlib>
 #include <cxxabi.h>
@@ -23,13 +22,13 @@ ProfileOwner allocateProfile()
 void loadMusic(TRANSCODE_DEVICE_PROFILE_ST &profile, const XMLNode &device)
 {
     const XMLNode section = device.getChildNode("MUSIC", 0);
-    if (!section.isEmpty()) parseCodecRules(&profile.pAudioTable, section);
+    if (!section.isEmpty()) readAudioRules(section, profile.pAudioTable);
 }
 
 void loadVideo(TRANSCODE_DEVICE_PROFILE_ST &profile, const XMLNode &device)
 {
     const XMLNode section = device.getChildNode("VIDEO", 0);
-    if (!section.isEmpty()) parseVideoRules(&profile.pVideoTable, section);
+    if (!section.isEmpty()) readVideoRules(section, profile.pVideoTable);
 }
 
 /// The document's DEVICE, or the empty node.
@@ -54,7 +53,7 @@ try {
     if (device.isEmpty()) return nullptr;
 
     ProfileOwner profile = allocateProfile();
-    const char *name = readAttribute(device, "NAME", Taken::NonEmpty);
+    const char *name = readNonEmpty(device, "NAME");
     if (!name) return nullptr;
     profile->deviceName = copyText(name);
     profile->mediaFlags = mediaFlags;

@@ -1,26 +1,24 @@
 // How a table of rules is read from the elements below one parent; the same for all records.
 #pragma once
 
-#include "base/rule_tables.h"
+#include "base/rule_facts.h"
 #include "include/vornak_host.h"
+#include "profile/attribute_value.h"
+#include "profile/name_list.h"
+#include "profile/sample_rates.h"
 
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <span>
+#include <utility>
 
 namespace vornak {
 
-enum class Taken {
-    NonEmpty, ///< an empty value counts as none
-    Present,  ///< an empty value is one
-};
-
-/// The value of an attribute, or null when it has none.
-inline const char *readAttribute(const XMLNode &element, const char *name, Taken taken)
+/// The value of an attribute, or null when it has none or an empty one.
+inline const char *readNonEmpty(const XMLNode &element, const char *name)
 {
-    if (taken == Taken::Present) return element.getAttribute(name);
     const char *value = element.getAttribute(name, 0);
     return value && *value != '\0' ? value : nullptr;
 }
@@ -33,27 +31,57 @@ inline char *copyText(const char *text)
     return copy;
 }
 
-/// An attribute of a rule's element.
-template <class Rule>
-struct Attribute {
-    const char *name;
-    Taken taken;
-    void (*store)(Rule &rule, const char *value);
-};
+/// The number that a value stands for. @param profiles  what a report calls a name in PROFILE
+[[gnu::always_inline]] inline int parseValue(Unit unit, const char *value, const char *profiles)
+{
+    switch (unit) {
+    case Unit::ProfileBits:
+        return parseNameList(value, ProfileNameToID, profiles);
+    case Unit::ExceptionBits:
+        return parseNameList(value, PlayExceptionNameToID, "video PLAY_EXCEPTION");
+    case Unit::SampleRate:
+        return snapSampleRate(readNumber(unit, value).value);
+    default:
+        return readNumber(unit, value).value;
+    }
+}
 
-/// Stores a value in a field of the rule.
-template <auto field, auto convert>
-constexpr auto into = [](auto &rule, const char *value) { rule.*field = convert(value); };
+template <class Rule, class Source>
+[[gnu::always_inline]] inline void readProperty(const Property<Rule, Source> &property,
+                                                const char *profiles, const XMLNode &element,
+                                                Rule &slot)
+{
+    const char *value = mayBeEmpty(property.unit) ? element.getAttribute(property.attribute)
+                                                  : readNonEmpty(element, property.attribute);
+    if (!value) return;
+    if (property.unit == Unit::Text)
+        slot.*property.field.text = copyText(value);
+    else
+        slot.*property.field.number = parseValue(property.unit, value, profiles);
+}
+
+/// Reads properties in their order. They are expanded where they stand, so that each costs what
+/// code written by hand would.
+template <const auto &Order, class Rule>
+void readProperties(const XMLNode &element, const char *profiles, Rule &slot)
+{
+    [&]<std::size_t... Row>(std::index_sequence<Row...>)
+    {
+        (readProperty(*Order[Row], profiles, element, slot), ...);
+    }
+    (std::make_index_sequence<Order.size()>{});
+}
 
 /// What sets one record kind apart.
 template <class Rule>
 struct RuleKind {
     const char *element;
+    const char *profiles; ///< what a report calls a name in PROFILE
     /// Asks the registry for the id; false: it has none.
     bool (*identify)(Rule &rule, const XMLNode &element, const char *name);
-    std::span<const Attribute<Rule>> attributes; // in the order in which they are read
+    void (*readProperties)(const XMLNode &element, const char *profiles, Rule &slot);
     /// Reads the tables inside the rule; false drops the rule.
-    bool (*readInner)(Rule &rule, const XMLNode &element);
+    bool (*readInner)(const XMLNode &element, Rule &rule);
 };
 
 template <class Rule>
@@ -70,17 +98,14 @@ Rule *allocateTable(int count)
 template <class Rule>
 bool readRule(const XMLNode &element, const RuleKind<Rule> &kind, Rule &slot)
 {
-    const char *name = readAttribute(element, "NAME", Taken::NonEmpty);
+    const char *name = readNonEmpty(element, "NAME");
     if (!name) return false;
     if (!kind.identify(slot, element, name) || idOf(slot) == kEndOfTable) {
         idOf(slot) = kEndOfTable;
         return false;
     }
-    for (const Attribute<Rule> &attribute : kind.attributes) {
-        if (const char *value = readAttribute(element, attribute.name, attribute.taken))
-            attribute.store(slot, value);
-    }
-    if (kind.readInner(slot, element)) return true;
+    kind.readProperties(element, kind.profiles, slot);
+    if (kind.readInner(element, slot)) return true;
     std::free(slot.option);
     slot = Rule{};
     idOf(slot) = kEndOfTable;

@@ -1,8 +1,10 @@
 // Limits that do nothing, turn everything away, or are written in another scale.
 #include "tools/check/checks.h"
-#include "tools/check/number_scan.h"
 
-#include "include/vornak_host.h"
+#include "base/media_ids.h"
+#include "cmdline/limit_slots.h"
+#include "profile/attribute_value.h"
+#include "tools/profile/id_names.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,27 +24,18 @@ constexpr int s_H264Levels[] = {9,  10, 11, 12, 13, 20, 21, 22, 30, 31,
 constexpr int s_HevcLevels[] = {30, 60, 63, 90, 93, 120, 123, 150, 153, 156, 180, 183, 186};
 
 constexpr struct LevelScale {
-    const char *codec;
+    int codecId;
     int factor; // of the level as people write it, such as 4.1
     std::span<const int> levels;
 } s_LevelScales[] = {
-    {"h264", 10, s_H264Levels},
-    {"hevc", 30, s_HevcLevels},
+    {"h264"_codec, 10, s_H264Levels},
+    {"hevc"_codec, 30, s_HevcLevels},
 };
 
-bool isCodec(pugi::xml_node element, const char *name)
-{
-    int known = 0;
-    return CodecNameToID(name, &known) == 0 && codecOf(element) == known;
-}
-
-/// The number that the loader reads from an attribute other than a frequency; 0 without one.
+/// The number that the loader reads from an attribute, sample rates as written; 0 without one.
 int numberIn(pugi::xml_node element, const char *name)
 {
-    const std::string_view text = element.attribute(name).value();
-    const bool suffixes = findAttribute(name)->reading == Reading::Suffixed;
-    const std::size_t start = suffixes ? 0 : text.find_first_not_of(" \t\n\v\f\r");
-    return start < text.size() ? scanNumber(text, start, suffixes).value : 0;
+    return readNumber(findAttribute(name)->unit, element.attribute(name).value()).value;
 }
 
 /// "write 41 for level 4.1", if that is what the text means.
@@ -53,7 +46,8 @@ std::string levelAdvice(const LevelScale &scale, const char *text)
     const auto coded = std::lround(std::clamp(level, 0.0, 99.0) * scale.factor);
     if (std::ranges::find(scale.levels, coded) != scale.levels.end())
         return fmt::format("write {} for level {:.1f}", coded, level);
-    return fmt::format("the levels of {} are {}", scale.codec, fmt::join(scale.levels, ", "));
+    return fmt::format("the levels of {} are {}", codecText(scale.codecId),
+                       fmt::join(scale.levels, ", "));
 }
 
 void checkLevel(pugi::xml_node element, Report &report)
@@ -61,24 +55,24 @@ void checkLevel(pugi::xml_node element, Report &report)
     const pugi::xml_attribute attribute = element.attribute("LEVEL");
     const int level = numberIn(element, "LEVEL");
     if (level <= 0) return;
-    if (isCodec(element, "mpeg2video"))
+    if (codecOf(element) == "mpeg2video"_codec)
         return report.add(Fault::LevelsRunBackwards, element, attribute,
                           fmt::format("{}: the levels of MPEG-2 run backwards (low 10, main 8, "
                                       "high 1440 6, high 4), so this takes the higher ones too",
                                       shown(attribute)),
                           "limit the size in its place");
     for (const LevelScale &scale : s_LevelScales)
-        if (isCodec(element, scale.codec) &&
+        if (codecOf(element) == scale.codecId &&
             std::ranges::find(scale.levels, level) == scale.levels.end())
             report.add(Fault::LevelScale, element, attribute,
                        fmt::format("{} is read as {}, which is no level of {}", shown(attribute),
-                                   level, scale.codec),
+                                   level, codecText(scale.codecId)),
                        levelAdvice(scale, attribute.value()));
 }
 
 void checkWildcard(pugi::xml_node element, unsigned elements, Report &report)
 {
-    if (codecOf(element) != 0) return;
+    if (codecOf(element) != kAnyCodec) return;
     std::vector<const char *> ignored;
     for (const AttributeRow &row : attributeRows())
         if (row.isLimit && (row.elements & elements) != 0 && element.attribute(row.name))
@@ -129,7 +123,7 @@ void checkSnapped(int limit, const char *name, pugi::xml_node element, Report &r
 {
     const pugi::xml_attribute attribute = element.attribute(name);
     if (!attribute) return;
-    const int read = scanNumber(attribute.value(), 0, true).value;
+    const int read = numberIn(element, name);
     if (read == limit) return;
     report.add(Fault::FrequencySnapped, element, attribute,
                fmt::format("{} is read as {} and becomes {} Hz, the nearest standard rate",
@@ -143,6 +137,20 @@ void checkWritten(pugi::xml_node element, const char *minName, const char *maxNa
 {
     checkOrder(numberIn(element, minName), numberIn(element, maxName), tolerance, minName, maxName,
                element, report);
+}
+
+/// The order of the limits of one property. Sizes and sample rates have checks of their own.
+void checkPairs(const auto &limits, pugi::xml_node element, Report &report)
+{
+    for (const auto &[least, leastSlot] : limits) {
+        const Unit unit = least.first->unit;
+        if (least.first->bound != Bound::AtLeast || unit == Unit::Pixels ||
+            unit == Unit::SampleRate)
+            continue;
+        for (const auto &[most, mostSlot] : limits)
+            if (most.first->bound == Bound::AtMost && most.first->bounded == least.first->bounded)
+                checkWritten(element, least.first->attribute, most.first->attribute, 0, report);
+    }
 }
 
 void checkSizes(pugi::xml_node element, Report &report)
@@ -168,10 +176,9 @@ void checkLimits(const ElementPlace &place, Report &report)
     if ((place.row.element & (kVcodec | kAcodec)) == 0) return;
     checkWildcard(place.element, place.row.element, report);
     checkLevel(place.element, report);
-    checkWritten(place.element, "MINBITRATE", "MAXBITRATE", 0, report);
-    if (place.row.element == kVcodec) checkSizes(place.element, report);
-    if (place.row.element == kAcodec)
-        checkWritten(place.element, "MINCHANNELS", "MAXCHANNELS", 0, report);
+    if (place.row.element == kAcodec) return checkPairs(s_AudioLimits, place.element, report);
+    checkPairs(s_VideoLimits, place.element, report);
+    checkSizes(place.element, report);
 }
 
 void checkFrequencies(const Place &place, Report &report)

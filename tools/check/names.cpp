@@ -1,9 +1,9 @@
 // Names that the registry doesn't know, or that don't go together.
-#include "tools/check/bar_list.h"
 #include "tools/check/checks.h"
 
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
+#include "profile/name_list.h"
 #include "tools/profile/id_names.h"
 
 #include <algorithm>
@@ -15,7 +15,6 @@
 namespace vornak::tool {
 namespace {
 
-constexpr std::size_t kNameListCapacity = 1023;           // characters that the loader looks at
 constexpr std::string_view kOtherSeparators = ",;/ \t\n"; // that people write in place of a bar
 
 constexpr std::string_view kJoints = "-_. "; // between the two parts of a name
@@ -71,6 +70,18 @@ void checkNarrowName(const ElementPlace &place, pugi::xml_attribute name, int co
                fmt::format("{} is read as {} and nothing else", shown(name), codecText(codec)),
                fmt::format("{} need rules of their own; write NAME=\"{}\" if this one is meant",
                            row->others, codecText(codec)));
+}
+
+/// The entries of a list that bars separate, without empty ones.
+std::vector<std::string> splitAtBars(std::string_view list)
+{
+    std::vector<std::string> entries;
+    while (!list.empty()) {
+        const std::string_view entry = list.substr(0, list.find('|'));
+        if (!entry.empty()) entries.emplace_back(entry);
+        list.remove_prefix(std::min(list.size(), entry.size() + 1));
+    }
+    return entries;
 }
 
 /// `NAME="aac" PROFILE="lc"` for a name that is made of both, "aac-lc" or "lc aac"; else empty.
@@ -134,29 +145,16 @@ void checkContainerName(const ElementPlace &place, pugi::xml_attribute name, Rep
                report.suggest(subtype.value(), known, oneOf(known, "leave SUBTYPE out")));
 }
 
-/// The part of a list that the loader sees; blanks don't count.
-std::string_view seenPart(std::string_view list)
-{
-    std::size_t room = kNameListCapacity;
-    for (std::size_t i = 0; i < list.size(); ++i)
-        if (list[i] != ' ' && room-- == 0) return list.substr(0, i);
-    return list;
-}
-
 struct ListedName {
     std::string written;
-    std::string name; ///< as the loader looks it up: without blanks
+    std::string name; ///< as the loader looks it up
 };
 
-/// The names of a list as the loader splits it; of a list that is too long, those that it sees.
-std::vector<ListedName> splitNames(std::string_view list)
+/// The names of a list that the loader sees.
+std::vector<ListedName> namesIn(NameList &list)
 {
     std::vector<ListedName> names;
-    for (std::string &written : splitAtBars(seenPart(list))) {
-        std::string name = written;
-        std::erase(name, ' ');
-        if (!name.empty()) names.push_back({std::move(written), std::move(name)});
-    }
+    while (const char *name = list.next()) names.push_back({std::string(list.written()), name});
     return names;
 }
 
@@ -185,14 +183,14 @@ std::string barAdvice(std::string written, const ListKind &kind)
 void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKind &kind,
                const std::vector<std::string> &known, Report &report)
 {
-    const std::string_view value = list.value();
-    if (seenPart(value).size() < value.size())
+    NameList reading(list.value());
+    const std::vector<ListedName> names = namesIn(reading);
+    if (reading.isCut())
         report.add(Fault::NameListTooLong, place.element, list,
                    fmt::format("{} is longer than {} characters without its blanks: what lies "
                                "beyond is ignored",
-                               shown(list), kNameListCapacity),
+                               shown(list), NameList::kLongest),
                    "shorten it");
-    const std::vector<ListedName> names = splitNames(value);
     const auto isKnown = [&](const ListedName &listed) {
         int bit = 0;
         return kind.lookup(listed.name.c_str(), &bit) == 0;
@@ -217,10 +215,11 @@ constexpr ListKind kExceptions = {Fault::UnknownException, PlayExceptionNameToID
 void checkProfilesFit(const ElementPlace &place, pugi::xml_attribute list, int codecId,
                       const std::vector<std::string> &known, Report &report)
 {
-    int bit = 0;
-    for (const auto &[written, name] : splitNames(list.value())) {
-        if (ProfileNameToID(name.c_str(), &bit) != 0) continue; // said already
-        if (codecHasProfile(codecId, name.c_str())) continue;
+    NameList names(list.value());
+    while (const char *name = names.next()) {
+        int bit = 0;
+        if (ProfileNameToID(name, &bit) != 0) continue; // said already
+        if (codecHasProfile(codecId, name)) continue;
         report.add(Fault::ForeignProfile, place.element, list,
                    fmt::format("{} has no profile \"{}\"",
                                excerpt(place.element.attribute("NAME").value()), excerpt(name)),

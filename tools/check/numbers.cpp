@@ -1,6 +1,7 @@
 // Numbers that the loader reads as other numbers than those written.
 #include "tools/check/checks.h"
-#include "tools/check/number_scan.h"
+
+#include "profile/attribute_value.h"
 
 #include <algorithm>
 #include <cctype>
@@ -17,14 +18,30 @@ bool isSpace(char c)
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-struct Number {
+/// A number as it is written, and what the loader makes of it.
+struct WrittenNumber {
     const ElementPlace &place;
     pugi::xml_attribute attribute;
     const AttributeRow &row;
-    std::string_view text;
-    bool suffixes;
-    NumberScan scan;
+    Number made;
+    std::string_view read, rest; ///< the parts of the text
+
+    bool hasDigits() const { return read.find_first_of("0123456789") != read.npos; }
+    bool hasSuffixInside() const { return read.find_first_of("KkMm") < read.size() - 1; }
 };
+
+WrittenNumber readAttribute(const ElementPlace &place, pugi::xml_attribute attribute,
+                            const AttributeRow &row)
+{
+    const std::string_view text = attribute.value();
+    const Number made = readNumber(row.unit, attribute.value());
+    auto read = static_cast<std::size_t>(made.end - attribute.value());
+    if (read == 0 && !takesSuffixes(row.unit)) { // no number, but perhaps blanks and a sign
+        read = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
+        if (read < text.size() && (text[read] == '-' || text[read] == '+')) ++read;
+    }
+    return {place, attribute, row, made, text.substr(0, read), text.substr(read)};
+}
 
 constexpr std::string_view s_Units[] = {"Hz",     "bps", "bit", "bits", "bit/s",
                                         "bits/s", "b/s", "px",  "ch",   "channels"};
@@ -44,73 +61,74 @@ bool isUnit(std::string_view text)
     });
 }
 
-std::string stopAdvice(const Number &number)
+std::string stopAdvice(const WrittenNumber &number)
 {
-    const std::string_view rest = number.text.substr(number.scan.stop);
-    if (number.scan.hasDigits && std::ranges::all_of(rest, isSpace))
+    const std::string_view rest = number.rest;
+    if (number.hasDigits() && std::ranges::all_of(rest, isSpace))
         return "remove the blank after it";
-    if (number.scan.hasDigits && isUnit(rest))
+    if (number.hasDigits() && isUnit(rest))
         return fmt::format("leave out \"{}\", which follows the number", excerpt(rest));
-    return number.suffixes ? "write a whole number; K is 1000, M is 1000000"
-                           : "write a whole number";
+    return takesSuffixes(number.row.unit) ? "write a whole number; K is 1000, M is 1000000"
+                                          : "write a whole number";
 }
 
-void reportStop(const Number &number, Report &report)
+void reportStop(const WrittenNumber &number, Report &report)
 {
-    const char c = number.text[number.scan.stop];
+    const char c = number.rest.front();
     const std::string read =
-        number.scan.hasDigits ? fmt::format("and gives {}", number.scan.value) : "and gives 0";
-    if (!number.suffixes && suffixFactor(c) != 0)
+        number.hasDigits() ? fmt::format("and gives {}", number.made.value) : "and gives 0";
+    if (!takesSuffixes(number.row.unit) && suffixFactor(c) != 0)
         return report.add(Fault::SuffixOnDecimal, number.place.element, number.attribute,
                           fmt::format("{} ends at '{}' {}: this attribute takes no K or M",
                                       shown(number.attribute), c, read),
                           "write the number out");
     report.add(Fault::NumberStops, number.place.element, number.attribute,
                fmt::format("{} ends at '{}' {}", shown(number.attribute),
-                           excerpt(number.text.substr(number.scan.stop, 1)), read),
+                           excerpt(number.rest.substr(0, 1)), read),
                stopAdvice(number));
 }
 
-void reportOverflow(const Number &number, Report &report)
+void reportOverflow(const WrittenNumber &number, Report &report)
 {
-    const std::string read = number.suffixes ? fmt::format("wraps around to {}", number.scan.value)
-                                             : std::string("is cut");
+    const std::string read = takesSuffixes(number.row.unit)
+                                 ? fmt::format("wraps around to {}", number.made.value)
+                                 : std::string("is cut");
     report.add(Fault::NumberOverflow, number.place.element, number.attribute,
                fmt::format("{} does not fit into 32 bits and {}", shown(number.attribute), read),
                fmt::format("the largest number is {}", std::numeric_limits<std::int32_t>::max()));
 }
 
-void reportMeaning(const Number &number, Report &report)
+void reportMeaning(const WrittenNumber &number, Report &report)
 {
-    const int value = number.scan.value;
-    if (value < 0 && number.row.isLimit && number.row.reading != Reading::Frequency)
+    const int value = number.made.value;
+    if (value < 0 && number.row.isLimit && number.row.unit != Unit::SampleRate)
         report.add(Fault::NegativeLimit, number.place.element, number.attribute,
                    fmt::format("{} sets no limit", shown(number.attribute)), "remove it");
-    if (number.row.reading == Reading::Flag && value != 0 && value != 1)
+    if (number.row.unit == Unit::Flag && value != 0 && value != 1)
         report.add(Fault::FlagValue, number.place.element, number.attribute,
                    fmt::format("{} has no effect", shown(number.attribute)), "write 1 or 0");
 }
 
-void checkNumber(const Number &number, Report &report)
+void checkNumber(const WrittenNumber &number, Report &report)
 {
-    if (number.suffixes && isSpace(number.text.front()))
+    if (takesSuffixes(number.row.unit) && isSpace(*number.attribute.value()))
         return report.add(
             Fault::LeadingBlank, number.place.element, number.attribute,
             fmt::format("{} begins with a blank and gives 0", shown(number.attribute)),
             "remove the blank");
-    if (number.scan.stop < number.text.size()) reportStop(number, report);
-    if (number.scan.suffixInside)
+    if (!number.rest.empty()) reportStop(number, report);
+    if (number.hasSuffixInside())
         report.add(Fault::SuffixInside, number.place.element, number.attribute,
                    fmt::format("{} is read as {}: a K or M multiplies all before it",
-                               shown(number.attribute), number.scan.value),
+                               shown(number.attribute), number.made.value),
                    "write the number out");
-    if (number.scan.overflows) return reportOverflow(number, report);
+    if (number.made.overflows) return reportOverflow(number, report);
     reportMeaning(number, report);
 }
 
-bool isNumber(Reading reading)
+bool isNumber(Unit unit)
 {
-    return reading >= Reading::Decimal;
+    return unit != Unit::Text && unit != Unit::ProfileBits && unit != Unit::ExceptionBits;
 }
 
 } // namespace
@@ -118,21 +136,15 @@ bool isNumber(Reading reading)
 void checkNumbers(const ElementPlace &place, Report &report)
 {
     for (const AttributeRow &row : attributeRows()) {
-        if ((row.elements & place.row.element) == 0 || row.reading == Reading::Name) continue;
         const pugi::xml_attribute attribute = place.element.attribute(row.name);
-        if (!attribute) continue;
-        const std::string_view text = attribute.value();
-        if (text.empty()) {
+        if ((row.elements & place.row.element) == 0 || !attribute ||
+            row.name == std::string_view("NAME"))
+            continue;
+        if (*attribute.value() == '\0')
             report.add(Fault::EmptyValue, place.element, attribute,
                        fmt::format("{} is empty", row.name), "give it a value, or remove it");
-        } else if (isNumber(row.reading)) {
-            const bool suffixes =
-                row.reading == Reading::Suffixed || row.reading == Reading::Frequency;
-            std::size_t start = 0;
-            while (!suffixes && start < text.size() && isSpace(text[start])) ++start;
-            checkNumber({place, attribute, row, text, suffixes, scanNumber(text, start, suffixes)},
-                        report);
-        }
+        else if (isNumber(row.unit))
+            checkNumber(readAttribute(place, attribute, row), report);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "tools/check/option_words.h"
 
+#include "base/media_ids.h"
 #include "include/vornak_host.h"
 
 #include <algorithm>
@@ -13,90 +14,35 @@ namespace {
 // Encoders whose names say neither the codec nor begin with it.
 constexpr struct {
     std::string_view encoder;
-    const char *codec;
+    int codecId;
 } s_Encoders[] = {
-    {"libx264", "h264"},
-    {"libx264rgb", "h264"},
-    {"libopenh264", "h264"},
-    {"libx265", "hevc"},
-    {"libkvazaar", "hevc"},
-    {"libxvid", "mpeg4"},
-    {"libvpx", "vp8"},
-    {"libvpx-vp9", "vp9"},
-    {"libaom-av1", "av1"},
-    {"librav1e", "av1"},
-    {"libsvtav1", "av1"},
-    {"libtheora", "theora"},
-    {"msmpeg4", "msmpeg4v3"},
-    {"libmp3lame", "mp3"},
-    {"libshine", "mp3"},
-    {"libtwolame", "mp2"},
-    {"libfdk_aac", "aac"},
-    {"libfaac", "aac"},
-    {"libvo_aacenc", "aac"},
-    {"libvorbis", "vorbis"},
-    {"libopus", "opus"},
-    {"libspeex", "speex"},
-    {"libwavpack", "wavpack"},
-    {"dca", "dts"},
-    {"libopencore_amrnb", "amr_nb"},
-    {"libvo_amrwbenc", "amr_wb"},
-    {"libgsm", "gsm"},
-};
-
-constexpr MuxerRow s_Muxers[] = {
-    // muxer, container, subtypes
-    {"3g2", "mp4", "3g2"},
-    {"3gp", "mp4", "3gp"},
-    {"ac3", "ac3", ""},
-    {"adts", "adts", ""},
-    {"aiff", "aiff", ""},
-    {"amr", "amr", ""},
-    {"asf", "asf", ""},
-    {"asf_stream", "asf", ""},
-    {"au", "au", ""},
-    {"avi", "avi", ""},
-    {"caf", "caf", ""},
-    {"dts", "dts", ""},
-    {"dv", "dv", ""},
-    {"dvd", "mpegps", ""},
-    {"eac3", "eac3", ""},
-    {"flac", "flac", ""},
-    {"flv", "flv", ""},
-    {"h264", "h264", ""},
-    {"hevc", "hevc", ""},
-    {"ipod", "mp4", "m4a|m4v"},
-    {"ivf", "ivf", ""},
-    {"latm", "latm", ""},
-    {"m4v", "mpeg4video", ""},
-    {"matroska", "matroska", ""},
-    {"mkvtimestamp_v2", "matroska", ""}, // the appliance's name for Matroska
-    {"mov", "mp4", "qt"},
-    {"mp2", "mp3", ""},
-    {"mp3", "mp3", ""},
-    {"mp4", "mp4", "isom"},
-    {"mpeg", "mpegps", ""},
-    {"mpeg1video", "mpegvideo", ""},
-    {"mpeg2video", "mpegvideo", ""},
-    {"mpegts", "mpegts", ""},
-    {"mxf", "mxf", ""},
-    {"oga", "ogg", ""},
-    {"ogg", "ogg", ""},
-    {"ogv", "ogg", ""},
-    {"opus", "ogg", ""},
-    {"psp", "mp4", "msnv"},
-    {"rm", "rm", ""},
-    {"spx", "ogg", ""},
-    {"svcd", "mpegps", ""},
-    {"truehd", "truehd", ""},
-    {"tta", "tta", ""},
-    {"vc1", "vc1", ""},
-    {"vcd", "mpegps", ""},
-    {"vob", "mpegps", ""},
-    {"w64", "w64", ""},
-    {"wav", "wav", ""},
-    {"webm", "matroska", "webm"},
-    {"wv", "wavpack", ""},
+    {"libx264", "h264"_codec},
+    {"libx264rgb", "h264"_codec},
+    {"libopenh264", "h264"_codec},
+    {"libx265", "hevc"_codec},
+    {"libkvazaar", "hevc"_codec},
+    {"libxvid", "mpeg4"_codec},
+    {"libvpx", "vp8"_codec},
+    {"libvpx-vp9", "vp9"_codec},
+    {"libaom-av1", "av1"_codec},
+    {"librav1e", "av1"_codec},
+    {"libsvtav1", "av1"_codec},
+    {"libtheora", "theora"_codec},
+    {"msmpeg4", "msmpeg4v3"_codec},
+    {"libmp3lame", "mp3"_codec},
+    {"libshine", "mp3"_codec},
+    {"libtwolame", "mp2"_codec},
+    {"libfdk_aac", "aac"_codec},
+    {"libfaac", "aac"_codec},
+    {"libvo_aacenc", "aac"_codec},
+    {"libvorbis", "vorbis"_codec},
+    {"libopus", "opus"_codec},
+    {"libspeex", "speex"_codec},
+    {"libwavpack", "wavpack"_codec},
+    {"dca", "dts"_codec},
+    {"libopencore_amrnb", "amr_nb"_codec},
+    {"libvo_amrwbenc", "amr_wb"_codec},
+    {"libgsm", "gsm"_codec},
 };
 
 constexpr std::string_view kBlanks = " \t\r\n";
@@ -145,15 +91,9 @@ std::optional<double> optionNumber(std::string_view word)
 std::optional<int> encodedCodec(std::string_view encoder)
 {
     for (const auto &row : s_Encoders)
-        if (row.encoder == encoder) return codecNamed(row.codec);
+        if (row.encoder == encoder) return row.codecId;
     if (const std::optional<int> id = codecNamed(std::string(encoder))) return id;
     return codecNamed(std::string(encoder.substr(0, encoder.find('_'))));
-}
-
-const MuxerRow *findMuxer(std::string_view muxer)
-{
-    const auto *const row = std::ranges::find(s_Muxers, muxer, &MuxerRow::muxer);
-    return row == std::end(s_Muxers) ? nullptr : row;
 }
 
 } // namespace vornak::tool

@@ -22,14 +22,4 @@ std::optional<double> optionNumber(std::string_view word);
 /// The registry's id of what an encoder makes ("libx264", "h264_vaapi"); nothing when unknown.
 std::optional<int> encodedCodec(std::string_view encoder);
 
-/// What a muxer writes: a container, and the subtypes that its files may have.
-struct MuxerRow {
-    const char *muxer;
-    const char *container;
-    const char *subtypes; ///< separated by "|"; empty: none
-};
-
-/// The row of a muxer, or null.
-const MuxerRow *findMuxer(std::string_view muxer);
-
 } // namespace vornak::tool

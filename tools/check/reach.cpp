@@ -1,9 +1,8 @@
 // Rules that no source gets to: an earlier one takes all that they would take.
 #include "tools/check/checks.h"
 
-#include "decision/audio_comparisons.h"
+#include "decision/comparison.h"
 #include "decision/container_agreement.h"
-#include "decision/video_comparisons.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -33,31 +32,31 @@ struct Range {
 };
 
 template <const auto &Table, class Rule, class Source>
-Range acceptedRange(const Rule &rule, int Source::*property)
+Range acceptedRange(const Rule &rule, int Source::*bounded)
 {
     Range range;
     for (const auto &row : Table) {
         if (!isLimited(row, rule)) continue;
-        const int tolerance = row.tolerance ? rule.*row.tolerance : 0;
-        if (row.value == property) range.narrow(row.bound, rule.*row.limit, tolerance);
-        if (row.secondValue && row.secondValue == property)
-            range.narrow(row.bound, rule.*row.secondLimit, tolerance);
+        const int tolerance = row.closeness ? row.closeness->in(rule) : 0;
+        for (const auto *part : {row.first, row.second})
+            if (part && part->bounded == bounded)
+                range.narrow(part->bound, part->in(rule), tolerance);
     }
     return range;
 }
 
 /// Whether `rule` takes every source that `other` takes, as far as this comparison goes.
-template <const auto &Table, class Rule, class Row>
-bool coversIn(const Row &row, const Rule &rule, const Rule &other)
+template <const auto &Table, class Rule, class Source>
+bool coversIn(const Comparison<Rule, Source> &row, const Rule &rule, const Rule &other)
 {
-    const auto covers = [&](auto property) {
-        return acceptedRange<Table>(rule, property).contains(acceptedRange<Table>(other, property));
+    const auto covers = [&](int Source::*bounded) {
+        return acceptedRange<Table>(rule, bounded).contains(acceptedRange<Table>(other, bounded));
     };
-    if (row.bound == Bound::NotWithin) return allWithin(rule.*row.limit, other.*row.limit);
-    if (row.bound == Bound::Within)
-        return !isLimited(row, rule) ||
-               (isLimited(row, other) && allWithin(other.*row.limit, rule.*row.limit));
-    return covers(row.value) && (!row.secondValue || covers(row.secondValue));
+    const int bits = row.first->in(rule), otherBits = row.first->in(other);
+    if (row.first->bound == Bound::NotWithin) return allWithin(bits, otherBits);
+    if (row.first->bound == Bound::Within)
+        return !isLimited(row, rule) || (isLimited(row, other) && allWithin(otherBits, bits));
+    return covers(row.first->bounded) && (!row.second || covers(row.second->bounded));
 }
 
 template <const auto &Table, class Rule>

@@ -15,32 +15,34 @@ constexpr ElementRow s_Elements[] = {
     {"FORMAT", kFormat, kAcodec},
 };
 
-constexpr AttributeRow s_Attributes[] = {
-    // name            where                          reading             limit
-    {"NAME", kDevice | kVcodec | kAcodec | kFormat, Reading::Name, false},
-    {"PROFILE", kVcodec | kAcodec, Reading::Profiles, true},
-    {"LEVEL", kVcodec | kAcodec, Reading::Decimal, true},
-    {"MAXWIDTH", kVcodec, Reading::Suffixed, true},
-    {"MAXHEIGHT", kVcodec, Reading::Suffixed, true},
-    {"MINWIDTH", kVcodec, Reading::Suffixed, true},
-    {"MINHEIGHT", kVcodec, Reading::Suffixed, true},
-    {"TOLERANCE", kVcodec, Reading::Suffixed, true},
-    {"MAXCHANNELS", kAcodec, Reading::Decimal, true},
-    {"MINCHANNELS", kAcodec, Reading::Decimal, true},
-    {"MAXFREQUENCY", kAcodec, Reading::Frequency, true},
-    {"MINFREQUENCY", kAcodec, Reading::Frequency, true},
-    {"MAXBITRATE", kVcodec | kAcodec, Reading::Suffixed, true},
-    {"MINBITRATE", kVcodec | kAcodec, Reading::Suffixed, true},
-    {"PLAY_EXCEPTION", kVcodec, Reading::Exceptions, true},
-    {"OPTION", kVcodec | kAcodec | kFormat, Reading::Text, false},
-    {"NOTRANSCODE", kVcodec | kAcodec | kFormat, Reading::Flag, false},
-    {"VATRANSCODE", kVcodec, Reading::Suffixed, false},
-    {"FRAME", kVcodec, Reading::Suffixed, false},
-    {"SUBTYPE", kFormat, Reading::Subtype, false},
-    {"MIME", kFormat, Reading::Text, false},
-    {"PN", kFormat, Reading::Text, false},
-    {"NONSEEKABLE", kFormat, Reading::Flag, false},
-};
+/// Adds the attributes of a record's properties to those of all. One that is new comes before the
+/// next one that isn't, so that each record's stay in their order.
+void addAttributes(unsigned element, const auto &properties, std::vector<AttributeRow> &all)
+{
+    auto place = all.end();
+    for (auto property = properties.rbegin(); property != properties.rend(); ++property) {
+        const auto known =
+            std::ranges::find(all, std::string_view(property->attribute), &AttributeRow::name);
+        const bool isLimit = property->bound != Bound::None;
+        place = known != all.end()
+                    ? known
+                    : all.insert(place, {property->attribute, 0, property->unit, isLimit});
+        place->elements |= element;
+    }
+}
+
+std::vector<AttributeRow> allAttributes()
+{
+    std::vector<AttributeRow> all;
+    addAttributes(kVcodec, s_VideoProperties, all);
+    addAttributes(kAcodec, s_AudioProperties, all);
+    addAttributes(kFormat, s_ContainerProperties, all);
+    // the two that an id is made of
+    all.insert(all.begin(), {"NAME", kDevice | kVcodec | kAcodec | kFormat, Unit::Text, false});
+    all.insert(std::ranges::find(all, std::string_view("MIME"), &AttributeRow::name),
+               {"SUBTYPE", kFormat, Unit::Text, false});
+    return all;
+}
 
 template <class Row>
 const Row *findRow(std::span<const Row> rows, std::string_view name)
@@ -59,7 +61,8 @@ std::span<const ElementRow> elementRows()
 
 std::span<const AttributeRow> attributeRows()
 {
-    return s_Attributes;
+    static const std::vector<AttributeRow> s_attributes = allAttributes();
+    return s_attributes;
 }
 
 const ElementRow *findElement(std::string_view name)
@@ -91,7 +94,7 @@ std::vector<std::string> childNames(unsigned element)
 std::vector<std::string> attributeNames(unsigned element)
 {
     std::vector<std::string> names;
-    for (const AttributeRow &row : s_Attributes)
+    for (const AttributeRow &row : attributeRows())
         if ((row.elements & element) != 0) names.emplace_back(row.name);
     return names;
 }

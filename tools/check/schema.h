@@ -1,5 +1,7 @@
-// The elements and attributes that a profile has, and how the loader reads each.
+// The elements and attributes that a profile has, and what the library knows of each.
 #pragma once
+
+#include "base/rule_facts.h"
 
 #include <span>
 #include <string>
@@ -19,18 +21,6 @@ enum ElementSet : unsigned {
     kFormat = 64,
 };
 
-enum class Reading {
-    Name,       ///< what the element is for
-    Subtype,    ///< looked up together with NAME
-    Profiles,   ///< a list of profile names
-    Exceptions, ///< a list of play exceptions
-    Text,       ///< kept as it is
-    Decimal,    ///< a plain number
-    Flag,       ///< a plain number of which only 1 has an effect
-    Suffixed,   ///< a number with K and M
-    Frequency,  ///< the same, moved to a standard sample rate
-};
-
 struct ElementRow {
     const char *name;
     unsigned element;
@@ -40,7 +30,7 @@ struct ElementRow {
 struct AttributeRow {
     const char *name;
     unsigned elements;
-    Reading reading;
+    Unit unit;    ///< of the property; that of a name that stands for an id is Text
     bool isLimit; ///< it turns sources away, and a wildcard ignores it
 };
 

@@ -1,11 +1,12 @@
 // Whether what is transcoded into is described, and makes what the player takes.
-#include "tools/check/bar_list.h"
 #include "tools/check/checks.h"
 
+#include "cmdline/limit_slots.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 #include "tools/check/option_words.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <cmath>
@@ -96,28 +97,6 @@ void checkTarget(const Target &target, Report &report)
                    fmt::format("add OPTION=\"{} ...\"", target.codecOption));
 }
 
-/// An option whose value a limit of the same rule turns away.
-template <class Rule>
-struct LimitRow {
-    std::string_view option;
-    const char *attribute;
-    int Rule::*limit;
-    bool isMaximum;
-};
-
-constexpr LimitRow<VideoRule> s_VideoLimits[] = {
-    {"-b:v", "MAXBITRATE", &VideoRule::maxBitrate, true},
-    {"-b:v", "MINBITRATE", &VideoRule::minBitrate, false},
-};
-constexpr LimitRow<AudioRule> s_AudioLimits[] = {
-    {"-b:a", "MAXBITRATE", &AudioRule::maxBitrate, true},
-    {"-b:a", "MINBITRATE", &AudioRule::minBitrate, false},
-    {"-ac", "MAXCHANNELS", &AudioRule::maxChannels, true},
-    {"-ac", "MINCHANNELS", &AudioRule::minChannels, false},
-    {"-ar", "MAXFREQUENCY", &AudioRule::maxSampleRate, true},
-    {"-ar", "MINFREQUENCY", &AudioRule::minSampleRate, false},
-};
-
 void reportLimit(pugi::xml_node element, std::string_view option, std::string_view value,
                  const char *attribute, Report &report)
 {
@@ -127,17 +106,26 @@ void reportLimit(pugi::xml_node element, std::string_view option, std::string_vi
                "a transcoded file would be transcoded again: change one of the two");
 }
 
-template <class Rule>
-void checkOptionLimits(std::span<const LimitRow<Rule>> rows, const Rule &rule,
-                       pugi::xml_node element, Report &report)
+/// The name of an option whose text has a blank on either side.
+std::string_view nameOf(const Option &option)
 {
-    for (const LimitRow<Rule> &row : rows) {
-        const int limit = rule.*row.limit;
-        const auto value = optionValue(textOf(rule.option), row.option);
+    return std::string_view(option.text).substr(1, std::string_view(option.text).size() - 2);
+}
+
+/// Reports options whose values a limit of the same rule turns away.
+template <class Rule>
+void checkOptionLimits(const auto &limits, const Rule &rule, pugi::xml_node element, Report &report)
+{
+    for (const auto &[comparison, slot] : limits) {
+        const auto &property = *comparison.first;
+        const Option &option = s_SlotOptions[slot].first;
+        if (option.form != Form::Value) continue;
+        const int limit = property.in(rule);
+        const auto value = optionValue(textOf(rule.option), nameOf(option));
         const auto number = value ? optionNumber(*value) : std::nullopt;
         if (!number || limit <= 0) continue;
-        if (row.isMaximum ? *number > limit : *number < limit)
-            reportLimit(element, row.option, *value, row.attribute, report);
+        if (property.bound == Bound::AtMost ? *number > limit : *number < limit)
+            reportLimit(element, nameOf(option), *value, property.attribute, report);
     }
 }
 
@@ -159,11 +147,9 @@ void checkOptionLevel(const VideoRule &rule, pugi::xml_node element, Report &rep
     const auto value = optionValue(textOf(rule.option), s_LevelOptions);
     const auto level = value ? optionNumber(*value) : std::nullopt;
     if (!level || rule.vLevel <= 0) return;
-    int h264 = 0;
-    int hevc = 0;
-    if (CodecNameToID("h264", &h264) != 0 || CodecNameToID("hevc", &hevc) != 0) return;
-    if (rule.vCodecId != h264 && rule.vCodecId != hevc) return;
-    const double coded = *level < 10 ? *level * (rule.vCodecId == h264 ? 10 : 30) : *level;
+    if (rule.vCodecId != "h264"_codec && rule.vCodecId != "hevc"_codec) return;
+    const int factor = rule.vCodecId == "h264"_codec ? 10 : 30;
+    const double coded = *level < 10 ? *level * factor : *level;
     if (std::lround(coded) > rule.vLevel) reportLimit(element, "-level", *value, "LEVEL", report);
 }
 
@@ -175,26 +161,15 @@ void checkForbidden(int noTranscode, pugi::xml_node element, const char *effect,
                    "remove it, unless files that don't fit are to be refused");
 }
 
-/// Whether a muxer writes one of the subtypes that lead to the id.
-bool writesSubtype(const MuxerRow &row, int formatId)
-{
-    return std::ranges::any_of(splitAtBars(row.subtypes), [&](const std::string &name) {
-        int id = 0;
-        return ContainerFormatNameToID(row.container, name.c_str(), &id) == 0 && id == formatId;
-    });
-}
-
 void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &report)
 {
     const auto muxer = optionValue(textOf(entry.option), "-f");
-    const MuxerRow *row = muxer ? findMuxer(*muxer) : nullptr;
-    int made = 0;
-    if (!row || ContainerFormatNameToID(row->container, nullptr, &made) != 0) return;
-    if (entry.formatId == kAnyContainer) return;
+    const auto made = muxer ? containerWrittenBy(*muxer) : std::nullopt;
+    if (!made || entry.formatId == kAnyContainer) return;
     const bool subtypeIsSet = optionValue(textOf(entry.option), "-brand").has_value();
     const bool needsSubtype = subtypePart(entry.formatId) != 0 && !subtypeIsSet;
-    if (made == containerPart(entry.formatId) &&
-        (!needsSubtype || writesSubtype(*row, entry.formatId)))
+    if (*made == containerPart(entry.formatId) &&
+        (!needsSubtype || writesSubtype(*muxer, entry.formatId)))
         return;
     report.add(
         Fault::OptionContainer, element, element.attribute("OPTION"),
@@ -225,33 +200,29 @@ void checkFirstContainer(const Place &place, Report &report)
 }
 
 /// The containers for which DLNA names profiles, with the codec that they hold.
-constexpr struct NamedByDlna {
-    const char *container, *codec, *example;
+constexpr struct {
+    int containerId, codecId;
+    const char *example;
 } s_NamedByDlna[] = {
-    {"mp3", "mp3", "MP3"},
-    {"adts", "aac", "AAC_ADTS"},
-    {"mp4", "aac", "AAC_ISO"},
-    {"ac3", "ac3", "AC3"},
-    {"asf", "wmav2", "WMABASE"},
-    {"mpegps", "mpeg1video", "MPEG1"},
-    {"mpegps", "mpeg2video", "MPEG_PS_PAL"},
-    {"mpegts", "mpeg2video", "MPEG_TS_SD_EU_ISO"},
-    {"mpegts", "h264", "AVC_TS_MP_HD_AC3_ISO"},
-    {"mp4", "h264", "AVC_MP4_MP_SD_AAC_MULT5"},
-    {"mp4", "mpeg4", "MPEG4_P2_MP4_ASP_AAC"},
-    {"asf", "wmv3", "WMVMED_FULL"},
-    {"asf", "vc1", "VC1_ASF_AP_L1_WMA"},
+    {"mp3"_container, "mp3"_codec, "MP3"},
+    {"adts"_container, "aac"_codec, "AAC_ADTS"},
+    {"mp4"_container, "aac"_codec, "AAC_ISO"},
+    {"ac3"_container, "ac3"_codec, "AC3"},
+    {"asf"_container, "wmav2"_codec, "WMABASE"},
+    {"mpegps"_container, "mpeg1video"_codec, "MPEG1"},
+    {"mpegps"_container, "mpeg2video"_codec, "MPEG_PS_PAL"},
+    {"mpegts"_container, "mpeg2video"_codec, "MPEG_TS_SD_EU_ISO"},
+    {"mpegts"_container, "h264"_codec, "AVC_TS_MP_HD_AC3_ISO"},
+    {"mp4"_container, "h264"_codec, "AVC_MP4_MP_SD_AAC_MULT5"},
+    {"mp4"_container, "mpeg4"_codec, "MPEG4_P2_MP4_ASP_AAC"},
+    {"asf"_container, "wmv3"_codec, "WMVMED_FULL"},
+    {"asf"_container, "vc1"_codec, "VC1_ASF_AP_L1_WMA"},
 };
 
 const char *dlnaExample(int containerId, int codecId)
 {
-    for (const NamedByDlna &row : s_NamedByDlna) {
-        int container = 0;
-        int codec = 0;
-        if (ContainerFormatNameToID(row.container, nullptr, &container) == 0 &&
-            CodecNameToID(row.codec, &codec) == 0 && container == containerId && codec == codecId)
-            return row.example;
-    }
+    for (const auto &row : s_NamedByDlna)
+        if (row.containerId == containerId && row.codecId == codecId) return row.example;
     return nullptr;
 }
 
@@ -266,7 +237,7 @@ void checkVideoTarget(const Place &place, Report &report)
                 report);
     if (place.video.position != 0) return;
     checkForbidden(rule.noTranscode, element, "refuses every file that needs transcoding", report);
-    checkOptionLimits<VideoRule>(s_VideoLimits, rule, element, report);
+    checkOptionLimits(s_VideoLimits, rule, element, report);
     checkOptionLevel(rule, element, report);
     for (const std::string_view option : {"-profile:v", "-vprofile"})
         if (const auto value = optionValue(textOf(rule.option), option))
@@ -283,8 +254,7 @@ void checkAudioTarget(const Place &place, Report &report)
     if (rule.noTranscode != 0)
         reportNoEffect(element, "NOTRANSCODE", "no decision looks at it",
                        "write it at the VCODEC, or at the first FORMAT", report);
-    if (place.audio.position == 0)
-        checkOptionLimits<AudioRule>(s_AudioLimits, rule, element, report);
+    if (place.audio.position == 0) checkOptionLimits(s_AudioLimits, rule, element, report);
 }
 
 void checkContainerTarget(const Place &place, Report &report)

@@ -1,11 +1,8 @@
 // One file, one profile: what the library decides.
 #pragma once
 
-#include "base/rule_tables.h"
+#include "base/rule_facts.h"
 #include "tools/probe/media_info.h"
-
-#include "decision/audio_comparisons.h"
-#include "decision/video_comparisons.h"
 
 #include <string>
 #include <string_view>

@@ -64,10 +64,11 @@ std::string_view unitText(Unit unit)
         return "bit rate";
     case Unit::SampleRate:
         return "sample rate";
-    case Unit::PictureSize:
+    case Unit::Pixels:
         return "picture size";
+    default:
+        return {};
     }
-    return {};
 }
 
 /// The rule's side.

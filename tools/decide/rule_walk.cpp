@@ -1,5 +1,6 @@
 #include "tools/decide/rule_walk.h"
 
+#include "decision/comparison.h"
 #include "decision/container_agreement.h"
 
 #include <algorithm>
@@ -8,68 +9,59 @@
 namespace vornak::tool {
 namespace {
 
-/// What the library's comparisons don't say of themselves. In the order of their tables.
-struct RowNames {
-    std::string_view code;
-    Unit unit;
-};
-constexpr RowNames s_VideoRows[] = {
-    {"play-exception", Unit::ExceptionBits},
-    {"profile", Unit::ProfileBits},
-    {"level", Unit::Level},
-    {"max-size", Unit::PictureSize},
-    {"min-size", Unit::PictureSize},
-    {"max-bitrate", Unit::BitRate},
-    {"min-bitrate", Unit::BitRate},
-};
-constexpr RowNames s_AudioRows[] = {
-    {"profile", Unit::ProfileBits},        {"level", Unit::Level},
-    {"max-channels", Unit::Channels},      {"min-channels", Unit::Channels},
-    {"max-bitrate", Unit::BitRate},        {"min-bitrate", Unit::BitRate},
-    {"max-sample-rate", Unit::SampleRate}, {"min-sample-rate", Unit::SampleRate},
-};
-static_assert(std::size(s_VideoRows) == kVideoRows && std::size(s_AudioRows) == kAudioRows);
+constexpr std::string_view codeOf(std::string_view attribute)
+{
+    for (const auto &row : s_RefusalCodes)
+        if (row.attribute == attribute) return row.code;
+    return {};
+}
+
+consteval bool haveCodes(const auto &comparisons)
+{
+    return std::ranges::none_of(
+        comparisons, [](const auto &row) { return codeOf(row.first->attribute).empty(); });
+}
+static_assert(haveCodes(s_VideoComparisons) && haveCodes(s_AudioComparisons));
 
 template <class Rule, class Source>
-Refusal refusalBy(const Comparison<Rule, Source> &row, const RowNames &names, const Rule &rule,
-                  const Source &source)
+Refusal refusalBy(const Comparison<Rule, Source> &row, const Rule &rule, const Source &source)
 {
-    Refusal refusal{.code = names.code,
-                    .field = row.field,
-                    .bound = row.bound,
-                    .unit = names.unit,
-                    .limit = rule.*row.limit,
-                    .actual = source.*row.value,
+    Refusal refusal{.code = codeOf(row.first->attribute),
+                    .field = row.first->name,
+                    .bound = row.first->bound,
+                    .unit = row.first->unit,
+                    .limit = row.first->in(rule),
+                    .actual = row.first->in(source),
                     .codecId = source.codecId};
-    if (row.secondLimit) {
-        refusal.secondField = row.secondField;
-        refusal.secondLimit = rule.*row.secondLimit;
-        refusal.secondActual = source.*row.secondValue;
-        refusal.tolerance = rule.*row.tolerance;
+    if (row.second) {
+        refusal.secondField = row.second->name;
+        refusal.secondLimit = row.second->in(rule);
+        refusal.secondActual = row.second->in(source);
+        refusal.tolerance = row.closeness->in(rule);
     }
     return refusal;
 }
 
 /// Everything that refuses the source, the comparison that the library ends at first.
-template <const auto &Table, const auto &Names, class Rule, class Source>
+template <const auto &Table, class Rule, class Source>
 std::vector<Refusal> refusalsBy(const Rule &rule, const Source &source)
 {
     std::vector<Refusal> refusals;
     const int first = findRefusal<Table>(rule, source);
     for (auto row = static_cast<std::size_t>(first); first >= 0 && row < std::size(Table); ++row)
         if (!holds(Table[row], rule, source))
-            refusals.push_back(refusalBy(Table[row], Names[row], rule, source));
+            refusals.push_back(refusalBy(Table[row], rule, source));
     return refusals;
 }
 
-template <const auto &Table, const auto &Names, class Rule, class Source>
+template <const auto &Table, class Rule, class Source>
 Visit visit(const Rule &rule, const Source &source)
 {
     Visit visit{.record = &rule, .id = idOf(rule)};
     if (visit.id == kAnyCodec) {
         visit.verdict = Verdict::TakesAny;
     } else if (visit.id == source.codecId) {
-        visit.refusals = refusalsBy<Table, Names>(rule, source);
+        visit.refusals = refusalsBy<Table>(rule, source);
         visit.verdict = visit.refusals.empty() ? Verdict::Takes : Verdict::Refuses;
     }
     return visit;
@@ -107,7 +99,7 @@ std::vector<Visit> walkVideoRules(const VideoRule *table, const VideoSource &sou
     std::vector<Visit> visits = walk(table, [&](const VideoRule &rule) {
         if (!matchVideo)
             return Visit{.record = &rule, .id = rule.vCodecId, .verdict = Verdict::Unmatched};
-        Visit one = visit<s_VideoComparisons, s_VideoRows>(rule, source);
+        Visit one = visit<s_VideoComparisons>(rule, source);
         const int covered = source.codecFlag & rule.playException;
         if (one.id == source.codecId && covered != source.codecFlag)
             one.coveredExceptions = covered;
@@ -119,9 +111,8 @@ std::vector<Visit> walkVideoRules(const VideoRule *table, const VideoSource &sou
 
 std::vector<Visit> walkAudioRules(const AudioRule *table, const AudioSource &source)
 {
-    std::vector<Visit> visits = walk(table, [&](const AudioRule &rule) {
-        return visit<s_AudioComparisons, s_AudioRows>(rule, source);
-    });
+    std::vector<Visit> visits =
+        walk(table, [&](const AudioRule &rule) { return visit<s_AudioComparisons>(rule, source); });
     markNearestMiss(visits);
     return visits;
 }
@@ -135,14 +126,6 @@ std::vector<Visit> walkEntries(const ContainerEntry *table, int formatId)
             containerPart(entry.formatId) == kAnyContainer ? Verdict::TakesAny : Verdict::Takes;
         return visit;
     });
-}
-
-std::set<std::string_view> refusalCodes()
-{
-    std::set<std::string_view> codes;
-    for (const RowNames &row : s_VideoRows) codes.insert(row.code);
-    for (const RowNames &row : s_AudioRows) codes.insert(row.code);
-    return codes;
 }
 
 const Visit *takingVisit(const std::vector<Visit> &visits)

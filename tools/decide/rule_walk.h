@@ -1,19 +1,30 @@
 // The rules that a source passes, one by one, with what each of them says to it.
 #pragma once
 
-#include "base/rule_tables.h"
+#include "base/rule_facts.h"
 
-#include "decision/audio_comparisons.h"
-#include "decision/video_comparisons.h"
-
-#include <set>
 #include <string_view>
 #include <vector>
 
 namespace vornak::tool {
 
-/// What the two sides of a comparison are.
-enum class Unit { ProfileBits, ExceptionBits, Level, Channels, BitRate, SampleRate, PictureSize };
+/// What refusals are called; the library has no names for its comparisons.
+inline constexpr struct {
+    std::string_view attribute; ///< that is compared first
+    std::string_view code;
+} s_RefusalCodes[] = {
+    {"PLAY_EXCEPTION", "play-exception"},
+    {"PROFILE", "profile"},
+    {"LEVEL", "level"},
+    {"MAXWIDTH", "max-size"},
+    {"MINWIDTH", "min-size"},
+    {"MAXBITRATE", "max-bitrate"},
+    {"MINBITRATE", "min-bitrate"},
+    {"MAXCHANNELS", "max-channels"},
+    {"MINCHANNELS", "min-channels"},
+    {"MAXFREQUENCY", "max-sample-rate"},
+    {"MINFREQUENCY", "min-sample-rate"},
+};
 
 /// A comparison that refuses a source.
 struct Refusal {
@@ -59,9 +70,6 @@ std::vector<Visit> walkAudioRules(const AudioRule *table, const AudioSource &sou
 
 /// The visited entries, up to the one that takes the container.
 std::vector<Visit> walkEntries(const ContainerEntry *table, int formatId);
-
-/// The codes of all comparisons.
-std::set<std::string_view> refusalCodes();
 
 /// The one that takes the source, or null.
 const Visit *takingVisit(const std::vector<Visit> &visits);

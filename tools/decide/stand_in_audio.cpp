@@ -2,35 +2,43 @@
 
 #include "tools/probe/media_info.h"
 
+#include <iterator>
 #include <limits>
 #include <optional>
 
 namespace vornak::tool {
 namespace {
 
-constexpr int kMost = std::numeric_limits<int>::max();
+constexpr int AudioSource::*s_Dimensions[] = {&AudioSource::profileId, &AudioSource::level,
+                                              &AudioSource::channels, &AudioSource::bitrate,
+                                              &AudioSource::sampleRate};
+constexpr unsigned kCorners = 1U << std::size(s_Dimensions);
 
-int endOf(int min, int max, bool high)
+/// The least or the most of a property that the rule takes.
+int endOf(const AudioRule &rule, int AudioSource::*dimension, bool high)
 {
-    if (high) return max > 0 ? max : kMost;
-    return min > 0 ? min : 0;
+    const bool isSet = dimension == &AudioSource::profileId;
+    int end = high && !isSet ? std::numeric_limits<int>::max() : 0;
+    for (const AudioProperty &property : s_AudioProperties) {
+        const bool isEnd = high != (property.bound == Bound::AtLeast);
+        if (property.bounded == dimension && isEnd && property.in(rule) > 0)
+            end = property.in(rule);
+    }
+    return end;
 }
 
 /// A corner of the space of properties that the rule takes. Earlier rules of the same codec may
 /// take some of them, and narrower ones leave the corners free.
 AudioSource cornerOf(const AudioRule &rule, unsigned corner)
 {
-    const auto high = [corner](unsigned dimension) { return (corner >> dimension & 1U) != 0; };
-    return {
-        .codecId = rule.aCodecId == kAnyCodec ? kUnknownId : rule.aCodecId,
-        .profileId = high(0) ? rule.aProfileId : 0,
-        .level = endOf(0, rule.aLevel, high(1)),
-        .channels = endOf(rule.minChannels, rule.maxChannels, high(2)),
-        .bitrate = endOf(rule.minBitrate, rule.maxBitrate, high(3)),
-        .sampleRate = endOf(rule.minSampleRate, rule.maxSampleRate, high(4)),
-    };
+    AudioSource audio{};
+    audio.codecId = rule.aCodecId == kAnyCodec ? kUnknownId : rule.aCodecId;
+    for (int AudioSource::*const dimension : s_Dimensions) {
+        audio.*dimension = endOf(rule, dimension, (corner & 1U) != 0);
+        corner >>= 1U;
+    }
+    return audio;
 }
-constexpr unsigned kCorners = 1U << 5U;
 
 /// Audio that the library gives to the rule at `position`, in the file's own container.
 std::optional<AudioSource> audioKeptBy(const AudioRule *table, int position, int formatId)

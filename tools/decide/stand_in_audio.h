@@ -1,9 +1,7 @@
 // Audio for a video that has none: the library decides about videos with audio only.
 #pragma once
 
-#include "base/rule_tables.h"
-
-#include "decision/audio_comparisons.h"
+#include "base/rule_facts.h"
 
 namespace vornak::tool {
 

@@ -84,4 +84,14 @@ std::vector<std::string> knownPlayExceptions()
     return namesOf(playExceptionNames());
 }
 
+std::string channelsText(int channels)
+{
+    return fmt::format("{} {}", channels, channels == 1 ? "channel" : "channels");
+}
+
+std::string bitRateText(int bitrate, bool estimated)
+{
+    return fmt::format("{} bit/s{}", bitrate, estimated ? " (estimated)" : "");
+}
+
 } // namespace vornak::tool

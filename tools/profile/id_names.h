@@ -1,4 +1,4 @@
-// The registry's names of ids and bits, for people.
+// Ids and bits by the registry's names, and numbers with their units, for people.
 #pragma once
 
 #include <string>
@@ -22,5 +22,9 @@ std::vector<std::string> playExceptionTexts(int bits);
 std::vector<std::string> knownContainers();
 std::vector<std::string> knownSubtypes(int containerId);
 std::vector<std::string> knownPlayExceptions();
+
+/// Numbers with their units.
+std::string channelsText(int channels);
+std::string bitRateText(int bitrate, bool estimated);
 
 } // namespace vornak::tool

@@ -11,6 +11,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <iconv.h>
+#include <memory>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -45,54 +47,41 @@ std::optional<std::string> readFile(const std::string &path)
 
 constexpr struct {
     pugi::xml_encoding encoding;
-    unsigned unit; // bytes of one unit
-    bool bigEndian;
+    const char *name;
+    std::size_t unit; ///< bytes of one unit
 } s_Encodings[] = {
-    {pugi::encoding_latin1, 1, false},  {pugi::encoding_utf16_le, 2, false},
-    {pugi::encoding_utf16_be, 2, true}, {pugi::encoding_utf32_le, 4, false},
-    {pugi::encoding_utf32_be, 4, true},
+    {pugi::encoding_latin1, "ISO-8859-1", 1}, {pugi::encoding_utf16_le, "UTF-16LE", 2},
+    {pugi::encoding_utf16_be, "UTF-16BE", 2}, {pugi::encoding_utf32_le, "UTF-32LE", 4},
+    {pugi::encoding_utf32_be, "UTF-32BE", 4},
 };
 
-void appendUtf8(std::string &text, std::uint32_t code)
-{
-    constexpr struct {
-        std::uint32_t below;
-        unsigned char lead;
-        unsigned continuations;
-    } s_Lengths[] = {{0x80, 0, 0}, {0x800, 0xC0, 1}, {0x10000, 0xE0, 2}, {0x110000, 0xF0, 3}};
-    for (const auto &row : s_Lengths) {
-        if (code >= row.below) continue;
-        text += static_cast<char>(row.lead | code >> (6 * row.continuations));
-        for (unsigned rest = row.continuations; rest-- > 0;)
-            text += static_cast<char>(0x80 | (code >> (6 * rest) & 0x3F));
-        return;
-    }
-}
+struct CloseConverter {
+    void operator()(iconv_t converter) const noexcept { iconv_close(converter); }
+};
 
-/// The text in UTF-8. The parser's own conversion would keep the text to which its offsets
-/// refer to itself.
-std::string toUtf8(std::string_view text, pugi::xml_encoding encoding)
+/// The text in UTF-8, without what is no character. The parser's own conversion would keep the text
+/// to which its offsets refer to itself.
+std::string toUtf8(const std::string &text, pugi::xml_encoding encoding)
 {
     const auto *const row = std::ranges::find(
         s_Encodings, encoding, [](const auto &candidate) { return candidate.encoding; });
-    if (row == std::end(s_Encodings)) return std::string(text);
+    if (row == std::end(s_Encodings)) return text;
+    const iconv_t opened = iconv_open("UTF-8", row->name);
+    if (reinterpret_cast<std::intptr_t>(opened) == -1) return text;
+    const std::unique_ptr<void, CloseConverter> converter(opened);
+
     std::string out;
-    std::uint32_t high = 0; // the first half of a surrogate pair
-    for (; text.size() >= row->unit; text.remove_prefix(row->unit)) {
-        std::uint32_t code = 0;
-        for (unsigned i = 0; i < row->unit; ++i) {
-            const unsigned index = row->bigEndian ? i : row->unit - 1 - i;
-            code = code << 8U | static_cast<unsigned char>(text[index]);
-        }
-        if (code >= 0xD800 && code < 0xDC00) {
-            high = code;
-        } else if (code >= 0xDC00 && code < 0xE000) {
-            if (high != 0) appendUtf8(out, 0x10000 + ((high & 0x3FF) << 10U | (code & 0x3FF)));
-            high = 0;
-        } else {
-            appendUtf8(out, code);
-            high = 0;
-        }
+    char block[65536];
+    char *from = const_cast<char *>(text.data()); // which iconv() only reads
+    for (std::size_t left = text.size(); left > 0;) {
+        char *to = block;
+        std::size_t room = sizeof block;
+        const bool stops = iconv(converter.get(), &from, &left, &to, &room) == std::size_t(-1);
+        out.append(block, sizeof block - room);
+        if (!stops || errno == E2BIG) continue;
+        const std::size_t skipped = std::min(left, row->unit);
+        from += skipped;
+        left -= skipped;
     }
     return out;
 }
