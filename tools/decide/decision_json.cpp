@@ -7,7 +7,6 @@
 #include "tools/terminal/json_document.h"
 #include "tools/terminal/printable.h"
 
-
 namespace vornak::tool {
 namespace {
 
