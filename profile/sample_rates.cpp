@@ -1,24 +1,17 @@
 #include "profile/sample_rates.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace vornak {
-namespace {
-
-constexpr int s_StandardSampleRates[] = { // Hz, ascending; 0 ends the table
-    8000,  11025, 16000, 22050,  32000,  44056,  44100,   47250,   48000, 50000,
-    50400, 88200, 96000, 176400, 192000, 352800, 2822400, 5644800, 0};
-
-} // namespace
 
 int snapSampleRate(int rate)
 {
-    const int *standard = s_StandardSampleRates;
-    if (rate <= *standard) return *standard;
-    while (*++standard != 0) {
-        if (rate > *standard) continue;
-        const int below = standard[-1];
-        return rate - below < *standard - rate ? below : *standard;
-    }
-    return standard[-1];
+    const int *const above = std::ranges::lower_bound(s_StandardSampleRates, rate);
+    if (above == std::begin(s_StandardSampleRates)) return *above;
+    const int below = above[-1];
+    if (above == std::end(s_StandardSampleRates)) return below;
+    return rate - below < *above - rate ? below : *above;
 }
 
 } // namespace vornak

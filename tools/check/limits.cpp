@@ -1,9 +1,9 @@
 // Limits that do nothing, turn everything away, or are written in another scale.
 #include "tools/check/checks.h"
 
-#include "base/media_ids.h"
 #include "cmdline/limit_slots.h"
 #include "profile/attribute_value.h"
+#include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
 
 #include <algorithm>
@@ -11,26 +11,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fmt/format.h>
-#include <span>
 #include <string>
 #include <vector>
 
 namespace vornak::tool {
 namespace {
-
-// Levels as the streams code them.
-constexpr int s_H264Levels[] = {9,  10, 11, 12, 13, 20, 21, 22, 30, 31,
-                                32, 40, 41, 42, 50, 51, 52, 60, 61, 62};
-constexpr int s_HevcLevels[] = {30, 60, 63, 90, 93, 120, 123, 150, 153, 156, 180, 183, 186};
-
-constexpr struct LevelScale {
-    int codecId;
-    int factor; // of the level as people write it, such as 4.1
-    std::span<const int> levels;
-} s_LevelScales[] = {
-    {"h264"_codec, 10, s_H264Levels},
-    {"hevc"_codec, 30, s_HevcLevels},
-};
 
 /// The number that the loader reads from an attribute, sample rates as written; 0 without one.
 int numberIn(pugi::xml_node element, const char *name)
@@ -61,13 +46,12 @@ void checkLevel(pugi::xml_node element, Report &report)
                                       "high 1440 6, high 4), so this takes the higher ones too",
                                       shown(attribute)),
                           "limit the size in its place");
-    for (const LevelScale &scale : s_LevelScales)
-        if (codecOf(element) == scale.codecId &&
-            std::ranges::find(scale.levels, level) == scale.levels.end())
-            report.add(Fault::LevelScale, element, attribute,
-                       fmt::format("{} is read as {}, which is no level of {}", shown(attribute),
-                                   level, codecText(scale.codecId)),
-                       levelAdvice(scale, attribute.value()));
+    const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
+    if (!scale || std::ranges::find(scale->levels, level) != scale->levels.end()) return;
+    report.add(Fault::LevelScale, element, attribute,
+               fmt::format("{} is read as {}, which is no level of {}", shown(attribute), level,
+                           codecText(scale->codecId)),
+               levelAdvice(*scale, attribute.value()));
 }
 
 void checkWildcard(pugi::xml_node element, unsigned elements, Report &report)

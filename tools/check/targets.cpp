@@ -5,6 +5,7 @@
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 #include "tools/check/option_words.h"
+#include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/media_names.h"
 
@@ -147,9 +148,9 @@ void checkOptionLevel(const VideoRule &rule, pugi::xml_node element, Report &rep
     const auto value = optionValue(textOf(rule.option), s_LevelOptions);
     const auto level = value ? optionNumber(*value) : std::nullopt;
     if (!level || rule.vLevel <= 0) return;
-    if (rule.vCodecId != "h264"_codec && rule.vCodecId != "hevc"_codec) return;
-    const int factor = rule.vCodecId == "h264"_codec ? 10 : 30;
-    const double coded = *level < 10 ? *level * factor : *level;
+    const LevelScale *scale = levelScaleOf(rule.vCodecId);
+    if (!scale) return;
+    const double coded = *level < 10 ? *level * scale->factor : *level;
     if (std::lround(coded) > rule.vLevel) reportLimit(element, "-level", *value, "LEVEL", report);
 }
 

@@ -48,7 +48,8 @@ std::vector<int> allContainers()
         if (row.id == 0) continue;
         if (row.id != "mp4"_container) formats.push_back(row.id);
         for (const SubtypeName &subtype : s_SubtypeNames)
-            if (subtype.containerId == row.id) formats.push_back(row.id | subtype.number << 16);
+            if (subtype.containerId == row.id)
+                formats.push_back(formatIdOf(row.id, subtype.number));
     }
     return formats;
 }

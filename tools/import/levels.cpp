@@ -1,17 +1,13 @@
 #include "tools/import/levels.h"
 
-#include "base/media_ids.h"
 #include "tools/import/names.h"
+#include "tools/profile/coded_levels.h"
 
 #include <algorithm>
 #include <charconv>
 
 namespace vornak::tool {
 namespace {
-
-constexpr int s_H264Levels[] = {9,  10, 11, 12, 13, 20, 21, 22, 30, 31,
-                                32, 40, 41, 42, 50, 51, 52, 60, 61, 62};
-constexpr int s_HevcLevels[] = {30, 60, 63, 90, 93, 120, 123, 150, 153, 156, 180, 183, 186};
 
 /// A number with at most one digit behind a point, in tenths: 41 for "4.1", 40 for "4".
 std::optional<int> tenths(const std::string &text)
@@ -29,9 +25,8 @@ std::optional<int> tenths(const std::string &text)
 
 std::span<const int> knownLevels(int codec)
 {
-    if (codec == "h264"_codec) return s_H264Levels;
-    if (codec == "hevc"_codec) return s_HevcLevels;
-    return {};
+    const LevelScale *scale = levelScaleOf(codec);
+    return scale ? scale->levels : std::span<const int>();
 }
 
 std::optional<int> codedLevel(int codec, const std::string &level)
@@ -39,15 +34,15 @@ std::optional<int> codedLevel(int codec, const std::string &level)
     if (codec == "h264"_codec && lowerCase(level) == "1b") return 9;
     const std::optional<int> written = tenths(level);
     if (!written) return std::nullopt;
-    const std::span<const int> known = knownLevels(codec);
-    if (known.empty()) {
+    const LevelScale *scale = levelScaleOf(codec);
+    if (!scale) {
         // AV1 counts from 2.0, four to each whole level
         if (codec == "av1"_codec && *written >= 20 && *written % 10 < 4)
             return (*written / 10 - 2) * 4 + *written % 10;
         return *written % 10 == 0 ? std::optional(*written / 10) : std::nullopt;
     }
-    const int coded = codec == "hevc"_codec ? *written * 3 : *written;
-    const bool isKnown = std::ranges::find(known, coded) != known.end();
+    const int coded = *written * scale->factor / 10;
+    const bool isKnown = std::ranges::find(scale->levels, coded) != scale->levels.end();
     return isKnown ? std::optional(coded) : std::nullopt;
 }
 
