@@ -46,14 +46,4 @@ std::optional<int> codedLevel(int codec, const std::string &level)
     return isKnown ? std::optional(coded) : std::nullopt;
 }
 
-std::optional<int> levelLimit(int codec, int level)
-{
-    const std::span<const int> known = knownLevels(codec);
-    if (known.empty()) return level > 0 ? std::optional(level) : std::nullopt;
-    if (level >= known.back()) return 0;
-    const auto above = std::ranges::upper_bound(known, level);
-    if (above == known.begin()) return std::nullopt;
-    return above[-1];
-}
-
 } // namespace vornak::tool

@@ -13,8 +13,4 @@ std::span<const int> knownLevels(int codec);
 /// What a stream says for a level such as "4.1"; nothing: the codec has no such level.
 std::optional<int> codedLevel(int codec, const std::string &level);
 
-/// The highest known level up to one that the rules can say: 0 where that is no limit, nothing
-/// where it lies below all levels. Of codecs without known levels the level itself.
-std::optional<int> levelLimit(int codec, int level);
-
 } // namespace vornak::tool
