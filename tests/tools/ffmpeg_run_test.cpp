@@ -1,3 +1,4 @@
+#include "tools/terminal/held_signals.h"
 #include "tools/transcode/ffmpeg_report.h"
 #include "tools/transcode/ffmpeg_run.h"
 
@@ -11,13 +12,20 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-tool::FfmpegEnd runScript(const std::string &script)
+struct Ran {
+    tool::FfmpegEnd end;
+    std::vector<std::string> messages;
+};
+
+Ran runScript(const std::string &script)
 {
-    tool::FfmpegProgress progress(10);
-    return tool::runFfmpeg({"sh", "-c", script}, progress);
+    const tool::HeldSignals signals;
+    tool::FfmpegReport report(10, "", "");
+    const tool::FfmpegEnd end = tool::runFfmpeg({.command = {"sh", "-c", script}}, signals, report);
+    return {end, {report.messages().begin(), report.messages().end()}};
 }
 
-TEST(FfmpegProgress, ShowsShareSpeedAndTimeLeft)
+TEST(FfmpegReport, ShowsShareSpeedAndTimeLeft)
 {
     const struct {
         double duration;
@@ -38,11 +46,60 @@ TEST(FfmpegProgress, ShowsShareSpeedAndTimeLeft)
         {0, {"out_time_us=3725000000", "speed=1e+03x"}, "1:02:05  1000x", -1},
     };
     for (const auto &c : cases) {
-        tool::FfmpegProgress progress(c.duration);
-        for (const char *line : c.lines) progress.takeLine(line);
-        EXPECT_EQ(progress.text(), c.text);
-        EXPECT_DOUBLE_EQ(progress.fraction(), c.fraction);
+        tool::FfmpegReport report(c.duration, "", "");
+        for (const char *line : c.lines) report.takeProgress(line);
+        EXPECT_EQ(report.text(), c.text);
+        EXPECT_DOUBLE_EQ(report.fraction(), c.fraction);
     }
+}
+
+TEST(FfmpegReport, KnowsWhatMessagesMean)
+{
+    constexpr bool kWrite = true, kRead = true, kNo = false;
+    const struct {
+        const char *message;
+        bool couldNotWrite, sourceEnded;
+    } cases[] = {
+        {"av_interleaved_write_frame(): Broken pipe", kWrite, kNo},
+        {"Error writing trailer of file:/out: Input/output error", kWrite, kNo},
+        {"Error closing file file:/out: Invalid argument", kWrite, kNo},
+        {"[out#0/mpegts @ 0x5] Error closing file: Input/output error", kWrite, kNo},
+        {"[out#0/mp4 @ 0x5] Error submitting a packet to the muxer: Broken pipe", kWrite, kNo},
+        {"[vost#0:0/libx264 @ 0x5] Error muxing a packet", kWrite, kNo},
+        {"[out#0/mp4 @ 0x5] Task finished with error code: -28 (No space left on device)", kWrite,
+         kNo},
+        {"file:/out: Disk quota exceeded", kWrite, kNo},
+        {"cp: error writing '/out': File too large", kWrite, kNo},
+        {"[mp4 @ 0x5] Unable to re-open file:/out for shifting data: Read-only file system", kWrite,
+         kNo},
+        {"file:/out: Input/output error", kWrite, kNo},
+        {"file:film.mkv: Input/output error", kNo, kRead},
+        {"[in#0/matroska,webm @ 0x5] Error during demuxing: Input/output error", kNo, kRead},
+        {"[matroska,webm @ 0x5] File ended prematurely at pos. 9 (0x9)", kNo, kRead},
+        {"[mov,mp4,m4a,3gp,3g2,mj2 @ 0x5] stream 1, offset 0x9: partial file", kNo, kRead},
+        {"[h264 @ 0x5] error while decoding MB 27 14", kNo, kNo},
+    };
+    for (const auto &c : cases) {
+        tool::FfmpegReport report(10, "file:/out", "out.ts");
+        report.takeMessage(c.message);
+        EXPECT_EQ(report.couldNotWrite(), c.couldNotWrite) << c.message;
+        EXPECT_EQ(report.sourceEnded(), c.sourceEnded) << c.message;
+        EXPECT_EQ(report.damagedPlaces() > 0, !c.couldNotWrite && !c.sourceEnded) << c.message;
+        EXPECT_EQ(report.messages().back().find("file:/out"), std::string::npos);
+    }
+}
+
+TEST(FfmpegReport, CountsDamagedPlaces)
+{
+    tool::FfmpegReport report(10, "file:/out", "out.ts");
+    EXPECT_EQ(report.damagedPlaces(), 0U);
+    for (const char *message :
+         {"[h264 @ 0x1] cbp too large (67) at 3 4", "[h264 @ 0x1] error while decoding MB 3 4",
+          "[h264 @ 0x2] error while decoding MB 17 0", // a second place
+          "[aac @ 0x3] invalid band type", "Error while decoding stream #0:1: Invalid data",
+          "[aac @ 0x3] invalid band type"})
+        report.takeMessage(message);
+    EXPECT_EQ(report.damagedPlaces(), 3U);
 }
 
 TEST(FfmpegRun, ReportsItsEnd)
@@ -50,13 +107,13 @@ TEST(FfmpegRun, ReportsItsEnd)
     const struct {
         const char *script;
         int status;
-        std::vector<std::string> lastLines;
+        std::vector<std::string> messages;
     } cases[] = {
         {"exit 0", 0, {}},
         {"echo one >&2; printf 'two\\rthree' >&2; exit 7", 7, {"one", "two", "three"}},
         {"kill -9 $$", 137, {}},
         {"printf '\\033[31m\\n\\n' >&2", 0, {"\\x1b[31m"}},
-        {"i=0; while [ $i -lt 30000 ]; do i=$((i+1)); echo out_time_us=$i; echo $i >&2; done",
+        {"i=0; while [ $i -lt 30000 ]; do i=$((i+1)); echo out_time_us=$i >&3; echo $i >&2; done",
          0,
          {"29991", "29992", "29993", "29994", "29995", "29996", "29997", "29998", "29999",
           "30000"}},
@@ -64,18 +121,19 @@ TEST(FfmpegRun, ReportsItsEnd)
         {"cat", 0, {}},              // nothing to read
     };
     for (const auto &c : cases) {
-        const auto end = runScript(c.script);
+        const auto [end, messages] = runScript(c.script);
         EXPECT_EQ(end.status, c.status) << c.script;
-        EXPECT_EQ(end.lastLines, c.lastLines) << c.script;
+        EXPECT_EQ(messages, c.messages) << c.script;
         EXPECT_EQ(end.interruption, 0);
     }
 }
 
 TEST(FfmpegRun, ThatIsNotThereIsAnError)
 {
-    tool::FfmpegProgress progress(0);
+    const tool::HeldSignals signals;
+    tool::FfmpegReport report(0, "", "");
     try {
-        tool::runFfmpeg({"/nowhere/ffmpeg"}, progress);
+        tool::runFfmpeg({.command = {"/nowhere/ffmpeg"}}, signals, report);
         FAIL();
     } catch (const std::runtime_error &error) {
         EXPECT_STREQ(error.what(), "can't run /nowhere/ffmpeg: No such file or directory "
@@ -87,23 +145,26 @@ TEST(FfmpegRun, ThatIsNotThereIsAnError)
 TEST(FfmpegRun, EndsWhenTheToolIsInterrupted)
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const auto end = runScript("trap 'echo ending >&2; exit 255' TERM; kill -" +
-                                   std::to_string(signal) + " $PPID; while :; do sleep 0.05; done");
+        const auto [end, messages] =
+            runScript("trap 'echo ending >&2; exit 255' TERM; kill -" + std::to_string(signal) +
+                      " $PPID; while :; do sleep 0.05; done");
         EXPECT_EQ(end.interruption, signal);
         EXPECT_EQ(end.status, 255);
-        EXPECT_EQ(end.lastLines, std::vector<std::string>{"ending"});
+        EXPECT_EQ(messages, std::vector<std::string>{"ending"});
     }
 }
 
 TEST(FfmpegRun, IsKilledWhenItDoesNotEnd)
 {
     const auto start = Clock::now();
-    auto end = runScript("trap '' TERM; kill -INT $PPID; while :; do echo x >&2; sleep 0.1; done");
+    auto end =
+        runScript("trap '' TERM; kill -INT $PPID; while :; do echo x >&2; sleep 0.1; done").end;
     EXPECT_EQ(end.status, 128 + SIGKILL);
     EXPECT_EQ(end.interruption, SIGINT);
     EXPECT_GT(Clock::now() - start, std::chrono::milliseconds(1900));
 
-    end = runScript("trap '' TERM; kill -INT $PPID; sleep 0.5; kill -TERM $PPID; exec sleep 60");
+    end =
+        runScript("trap '' TERM; kill -INT $PPID; sleep 0.5; kill -TERM $PPID; exec sleep 60").end;
     EXPECT_EQ(end.status, 128 + SIGKILL);
     EXPECT_EQ(end.interruption, SIGINT);
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(30));
@@ -113,7 +174,7 @@ TEST(FfmpegRun, LeavesTheSignalsAsTheyWere)
 {
     sigset_t before, after;
     sigprocmask(SIG_SETMASK, nullptr, &before);
-    const auto end = runScript("kill -INT $PPID; exit 4");
+    const auto end = runScript("kill -INT $PPID; exit 4").end;
     EXPECT_EQ(end.interruption, SIGINT);
     sigprocmask(SIG_SETMASK, nullptr, &after);
     for (int signal = 1; signal < NSIG; ++signal)

@@ -1,12 +1,13 @@
 #include "tools/commands/profile_output.h"
 
+#include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
+#include "tools/transcode/output_place.h"
 #include "tools/transcode/work_file.h"
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <stdexcept>
@@ -25,15 +26,15 @@ void addOutputOptions(CLI::App &command, ProfileOutput &output)
 void writeProfile(const std::string &text, const ProfileOutput &output)
 {
     if (output.path.empty()) return writeOut(text);
-    const std::string place = outputPlace(output.path, output.replace);
-    const std::filesystem::path folder = std::filesystem::path(place).parent_path();
-    WorkFile work(folder.empty() ? "." : folder.string());
+    const OutputPlace place(output.path, output.replace);
+    const HeldSignals signals; // until nothing of the work is left
+    const WorkFile work(place.folder());
     std::ofstream file(work.path(), std::ios::binary);
     file << text;
     file.close();
     if (!file)
         throw std::runtime_error(fmt::format("{}: can't be written whole", printable(output.path)));
-    work.moveTo(place, output.replace);
+    work.moveTo(place);
 }
 
 } // namespace vornak::tool

@@ -71,8 +71,9 @@ private:
 constexpr int kNothing = -1; ///< a descriptor on which nothing comes and where all is lost
 
 /**
- * Runs `command`, the program first, which is looked up in PATH. No signal is held for it; those
- * that the tool's caller has it ignore stay so.
+ * Runs `command`, the program first, which is looked up in PATH; for root, only in those of its
+ * folders that root alone fills. No signal is held for it; those that the tool's caller has it
+ * ignore stay so.
  * @param descriptors  what becomes its descriptors 0, 1, 2 and so on
  * Throws std::system_error, "can't run PROGRAM: REASON", with the reason as its code.
  */

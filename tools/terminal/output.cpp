@@ -39,10 +39,11 @@ int writeAll(int descriptor, std::string_view text)
     return 0;
 }
 
-bool isFile(int descriptor)
+/// The file's kind, as in its mode; 0: unknown.
+mode_t kindOf(int descriptor)
 {
     struct stat status = {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    return fstat(descriptor, &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
 /// What clears the status line, if there is one, for a text that takes its place.
@@ -65,13 +66,19 @@ bool isColoured()
 // Threads may still be at work, so the process ends here and now.
 void writeOut(std::string_view text)
 {
-    if (!isFile(s_Output)) setStatusLine({}); // what reads it may show it on the same terminal
+    // what reads it may show it on the same terminal
+    if (kindOf(s_Output) != S_IFREG) setStatusLine({});
     const int error = writeAll(s_Output, text);
-    if (error == 0) return;
+    if (error == 0 || (error == EIO && kindOf(s_Output) == S_IFCHR)) return; // a lost terminal
     if (error != EPIPE) complain("standard output: " + std::generic_category().message(error));
     std::signal(SIGPIPE, s_OnBrokenPipe);
     if (error == EPIPE) std::raise(SIGPIPE);
     _exit(error == EPIPE ? 128 + SIGPIPE : kIncomplete); // also where that is ignored
+}
+
+int standardOutput()
+{
+    return s_Output;
 }
 
 std::mutex &standardErrorMutex()

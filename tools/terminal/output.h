@@ -7,9 +7,12 @@
 
 namespace vornak::tool {
 
-/// Writes `text` to standard output. A reader that has gone ends the tool quietly; what else goes
-/// wrong ends it with a line on standard error.
+/// Writes `text` to standard output. A terminal that has gone is no error; a reader that has ends
+/// the tool quietly, and what else goes wrong ends it with a line on standard error.
 void writeOut(std::string_view text);
+
+/// The descriptor of standard output, for who has to hand it on.
+int standardOutput();
 
 /// Writes "vornak: MESSAGE" and a line end to standard error, where a reader or a terminal that has
 /// gone is no error. Texts from outside come printable().

@@ -2,14 +2,13 @@
 
 #include "tools/terminal/child.h"
 #include "tools/terminal/held_signals.h"
-#include "tools/terminal/printable.h"
 #include "tools/transcode/ffmpeg_report.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <deque>
+#include <cstdlib>
 #include <fcntl.h>
 #include <iterator>
 #include <poll.h>
@@ -20,7 +19,6 @@
 namespace vornak::tool {
 namespace {
 
-constexpr std::size_t kLinesKept = 10; ///< of standard error
 constexpr std::size_t kLineSize = 1000;
 constexpr std::chrono::seconds kGrace{2}; ///< to end by itself; its output is lost anyway
 
@@ -62,25 +60,27 @@ private:
     std::string line_;
 };
 
-Child start(const std::vector<std::string> &command, int out, int err)
+Child start(const FfmpegRun &run, int messages, int progress)
 try {
-    const int descriptors[] = {kNothing, out, err};
-    return startProgram(command, descriptors, Orphan::GoesOn);
+    if (geteuid() == 0) unsetenv("FFREPORT"); // a name that ffmpeg overwrites; whose is unknown
+    const int descriptors[] = {kNothing, run.standardOutput, messages, progress, run.folder};
+    return startProgram(run.command, descriptors, Orphan::IsKilled);
 } catch (const std::system_error &error) {
     throw std::runtime_error(std::string(error.what()) + " (--ffmpeg names another program)");
 }
 
-/// One run: the child, what it says, and what the user says meanwhile.
-class Run {
+/// A run at work: the child, what it says, and what the user says meanwhile.
+class Watch {
 public:
-    Run(const std::vector<std::string> &command, FfmpegProgress &progress)
-        : progress_(progress), child_(start(command, out_.writeEnd(), err_.writeEnd()))
+    Watch(const FfmpegRun &run, const HeldSignals &signals, FfmpegReport &report)
+        : signals_(signals), report_(report),
+          child_(start(run, messages_.writeEnd(), progress_.writeEnd()))
     {
-        out_.closeWriteEnd();
-        err_.closeWriteEnd();
+        messages_.closeWriteEnd();
+        progress_.closeWriteEnd();
     }
 
-    FfmpegEnd watch()
+    FfmpegEnd untilItEnds()
     {
         while (!child_.hasEnded()) {
             wait();
@@ -89,9 +89,7 @@ public:
         }
         takeSignals();
         drain(true);
-        end_.status = child_.status();
-        end_.lastLines.assign(lines_.begin(), lines_.end());
-        return end_;
+        return {child_.status(), child_.signal(), interruption_};
     }
 
 private:
@@ -100,10 +98,10 @@ private:
     void wait()
     {
         pollfd watched[] = {{signals_.descriptor(), POLLIN, 0},
-                            {out_.readEnd(), POLLIN, 0},
-                            {err_.readEnd(), POLLIN, 0}};
+                            {messages_.readEnd(), POLLIN, 0},
+                            {progress_.readEnd(), POLLIN, 0}};
         int timeout = -1;
-        if (end_.interruption != 0) {
+        if (interruption_ != 0) {
             const auto left =
                 std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
             timeout = std::max(static_cast<int>(left.count()), 0);
@@ -115,39 +113,34 @@ private:
     void takeSignals()
     {
         while (const int signal = signals_.takeInterruption()) {
-            const bool again = end_.interruption != 0;
+            const bool again = interruption_ != 0;
             child_.send(again ? SIGKILL : SIGTERM);
             if (again) continue;
-            end_.interruption = signal;
+            interruption_ = signal;
             deadline_ = Clock::now() + kGrace;
         }
     }
 
     void drain(bool last)
     {
-        out_.drain(last, [this](const std::string &line) { progress_.takeLine(line); });
-        err_.drain(last, [this](const std::string &line) {
-            if (lines_.size() == kLinesKept) lines_.pop_front();
-            lines_.push_back(printable(line));
-        });
+        messages_.drain(last, [this](const std::string &line) { report_.takeMessage(line); });
+        progress_.drain(last, [this](const std::string &line) { report_.takeProgress(line); });
     }
 
-    FfmpegProgress &progress_;
-    HeldSignals signals_;
-    LinePipe out_, err_;
+    const HeldSignals &signals_;
+    FfmpegReport &report_;
+    LinePipe messages_, progress_;
     Child child_;
-    std::deque<std::string> lines_;
-    FfmpegEnd end_;
+    int interruption_ = 0;
     Clock::time_point deadline_{};
 };
 
 } // namespace
 
-FfmpegEnd runFfmpeg(const std::vector<std::string> &command, FfmpegProgress &progress)
+FfmpegEnd runFfmpeg(const FfmpegRun &run, const HeldSignals &signals, FfmpegReport &report)
 {
-    Run run(command, progress);
-    FfmpegEnd end = run.watch();
-    progress.hide();
+    const FfmpegEnd end = Watch(run, signals, report).untilItEnds();
+    report.hide();
     return end;
 }
 

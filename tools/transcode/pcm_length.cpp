@@ -1,13 +1,17 @@
 #include "tools/transcode/pcm_length.h"
 
 #include "tools/terminal/exit_status.h"
+#include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 #include "tools/transcode/library_command.h"
 #include "tools/transcode/make_output.h"
 #include "tools/transcode/work_file.h"
 
+#include "base/descriptor.h"
+
 #include <array>
+#include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
@@ -74,20 +78,42 @@ std::string textOf(const std::string &path, const PcmEstimate &pcm)
                        pcm.bytes, pcm.seconds, pcm.headerBytes, pcm.frames);
 }
 
-/// Compares the estimate with a file that ffmpeg made.
-int compare(const PcmEstimate &pcm, const std::string &output)
+struct PcmSize {
+    std::int64_t bytes = 0, header = 0;
+};
+
+int compare(const PcmEstimate &pcm, const PcmSize &made)
 {
-    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(output));
-    const std::int64_t header = headerBytesOf(output);
-    const bool agrees = bytes == pcm.bytes;
-    writeOut(fmt::format("produced: {} bytes, {} of them the header: {}\n", bytes, header,
+    const bool agrees = made.bytes == pcm.bytes;
+    writeOut(fmt::format("produced: {} bytes, {} of them the header: {}\n", made.bytes, made.header,
                          agrees ? "the sizes agree" : "the sizes differ"));
     if (agrees) return kDone;
-    if (header != pcm.headerBytes)
-        writeOut(fmt::format("  header: {:+} bytes\n", header - pcm.headerBytes));
-    if (const std::int64_t samples = (bytes - header) - (pcm.bytes - pcm.headerBytes); samples != 0)
+    const std::int64_t header = made.header - pcm.headerBytes;
+    if (header != 0) writeOut(fmt::format("  header: {:+} bytes\n", header));
+    if (const std::int64_t samples = made.bytes - pcm.bytes - header; samples != 0)
         writeOut(fmt::format("  samples: {:+} bytes\n", samples));
     return kIncomplete;
+}
+
+/// Makes the file, measures it and throws it away.
+int measure(const DecidedFile &file, const LibraryCommand &command, const std::string &ffmpeg,
+            PcmSize &size)
+{
+    const std::string around = std::filesystem::temp_directory_path();
+    const Descriptor folder(open(around.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const HeldSignals signals; // until nothing of the work is left
+    const WorkFile work(folder.get());
+    const Making making{.file = file,
+                        .command = &command,
+                        .program = ffmpeg,
+                        .work = &work,
+                        .output = "output in " + around};
+    const int status = makeOutput(making, signals);
+    if (status != kDone) return status;
+    size = {static_cast<std::int64_t>(std::filesystem::file_size(work.path())),
+            headerBytesOf(work.path())};
+    const int signal = signals.takeInterruption();
+    return signal == 0 ? kDone : sayInterrupted(making, signal);
 }
 
 } // namespace
@@ -107,9 +133,14 @@ int verifyLength(const DecidedFile &file, const std::string &ffmpeg)
     if (const auto *problem = std::get_if<std::string>(&made))
         return complainOf(file.path, *problem);
     const auto &command = std::get<LibraryCommand>(made);
-    WorkFile work(std::filesystem::temp_directory_path());
-    const int status = makeOutput(ffmpeg, file, command, work.path());
-    return status == kDone ? compare(*command.pcm, work.path()) : status;
+    PcmSize size;
+    try {
+        const int status = measure(file, command, ffmpeg, size);
+        return status == kDone ? compare(*command.pcm, size) : status;
+    } catch (const WriteError &error) {
+        complain(error.what());
+        return kIncomplete;
+    }
 }
 
 } // namespace vornak::tool

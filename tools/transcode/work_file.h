@@ -1,31 +1,53 @@
-// A file in the making, in a private folder of its own until it is complete.
+// A file in the making, in a private folder of its own until it is whole.
 #pragma once
 
+#include "base/descriptor.h"
+
+#include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace vornak::tool {
 
+class OutputPlace;
+
+/// What keeps a file from being written; a line for the user.
+struct WriteError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/**
+ * The private folder is reached by its descriptor and never by its name again, which somebody
+ * else may have given to another. It is locked as long as the file is in the making; what a killed
+ * run has left unlocked is removed by the next in the same place. Throws WriteError.
+ */
 class WorkFile {
 public:
-    /// Makes the folder beside where the file is to be. Throws a line for the user.
-    explicit WorkFile(const std::string &folder);
-    ~WorkFile(); ///< removes both
+    static constexpr std::string_view kName = "output"; ///< in the private folder
+
+    /// @param folder  where the private one is made: an open folder
+    explicit WorkFile(int folder);
+    ~WorkFile(); ///< removes all that is left
     WorkFile(const WorkFile &) = delete;
     WorkFile &operator=(const WorkFile &) = delete;
 
-    /// The name to write to; there is no such file yet.
-    const std::string &path() const { return path_; }
+    /// The private folder, to hand on to whoever writes the file.
+    int folder() const { return private_.get(); }
 
-    /// Moves the file to its place, in the folder that the private one lies in. Throws a line for
-    /// the user. @param replace  whatever is there
-    void moveTo(const std::string &target, bool replace);
+    /// The file's name for this process.
+    std::string path() const;
+
+    /// Whether anything has been written.
+    bool isEmpty() const;
+
+    /// Moves the file to its place, in the folder that the private one lies in. It is on the disk
+    /// before its name is, and so is the name at the end.
+    void moveTo(const OutputPlace &place) const;
 
 private:
-    std::string folder_, path_;
+    int around_;
+    std::string name_; ///< of the private folder
+    Descriptor private_;
 };
-
-/// Where an output goes: throws a line for the user if something is there already that may not be
-/// replaced, or can't be. A link is followed to the file behind it.
-std::string outputPlace(const std::string &path, bool replace);
 
 } // namespace vornak::tool
