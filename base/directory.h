@@ -19,7 +19,9 @@ public:
     /// One that lies in `parent`, whose path may be too long for the system.
     Directory(const Directory &parent, const char *name)
     {
-        const int opened = openat(parent.descriptor(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        int opened = -1;
+        do opened = openat(parent.descriptor(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        while (opened < 0 && errno == EINTR);
         stream_ = opened < 0 ? nullptr : fdopendir(opened);
         if (!stream_ && opened >= 0) close(opened);
     }

@@ -49,8 +49,9 @@ TEST_F(RunVornak, EndsInOneLineWhereNothingCanBeWrittenAndSilentlyWhereNobodyRea
     for (const std::string arguments :
          {"--help", "--version", "decide --help", "profile show --help", "decide -p p.xml a.wav",
           "decide -p p.xml --json a.wav", "command -p p.xml a.wav", "profile check p.xml",
-          "profile show p.xml", "subtitles a.wav", "disc disc", "elements --list", "appliance",
-          "cached --tags a b a.wav", "transcode -p p.xml a.wav --copy -o c.wav"}) {
+          "profile show p.xml", "profile list", "profile new --name a --music mp3 --container mp3",
+          "subtitles a.wav", "disc disc", "elements --list", "appliance", "cached --tags a b a.wav",
+          "transcode -p p.xml a.wav --copy -o c.wav"}) {
         SCOPED_TRACE(arguments);
         const ProcessResult full = shell("vornak " + arguments + " >/dev/full");
         EXPECT_EQ(full.status, 1);

@@ -26,7 +26,7 @@ std::string aboutFile(const std::string &path, std::string_view why);
 int complainOf(const std::string &path, std::string_view why);
 
 /// Draws the terminal's status line on standard error, or clears it if `text` is empty. All that
-/// is written to the terminal afterwards takes its place. From one thread.
+/// is written to the terminal afterwards takes its place. From one thread at a time.
 void setStatusLine(std::string_view text);
 
 /// Held by whoever writes to standard error, and by whoever diverts it while threads are at work.
