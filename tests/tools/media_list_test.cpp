@@ -128,8 +128,7 @@ TEST(MediaList, NamesAFolderThatCannotBeReadToItsEnd)
 TEST(MediaList, WalksBelowWhatThePathsOfTheSystemReach)
 {
     const TempDir dir;
-    const DeepFolder deep(dir.path());
-    for (const char *name : {"deep.mp4", "lower/deeper.mp4"}) deep.write(name, "found");
+    for (const char *name : {"deep.mp4", "lower/deeper.mp4"}) writeDeep(dir.path(), name, "found");
     std::istringstream none;
     MediaList list({{dir / ""}}, none);
     for (const char *name : {"/deep.mp4", "/lower/deeper.mp4"}) {

@@ -73,6 +73,7 @@ TEST_F(RunVornak, ReadsListsAndProfilesOnStandardInput)
         int status;
         std::string out, err; // parts of them
     } cases[] = {
+        {"decide -p p.xml --play-exception hdr a.wav b.wav", "", 0, kTwoKept, ""},
         {"decide -p p.xml -", "a.wav\nb.wav\n", 0, kTwoKept, ""},
         {"decide -p p.xml -", "a.wav\r\nb.wav\r\n", 0, kTwoKept, ""},
         {"decide -p p.xml -0 -", "a.wav\0b.wav\0"s, 0, kTwoKept, ""},
@@ -97,20 +98,9 @@ TEST_F(RunVornak, ReadsListsAndProfilesOnStandardInput)
     }
 }
 
-TEST_F(RunVornak, LeavesTheFilesBehindAnOptionThatMayBeRepeated)
-{
-    for (const char *arguments :
-         {"decide -p p.xml --play-exception interlaced a.wav b.wav",
-          "decide -p p.xml --play-exception interlaced --play-exception 10bit a.wav b.wav",
-          "decide -p p.xml a.wav --play-exception=interlaced b.wav"}) {
-        const ProcessResult result = shell(std::string("vornak ") + arguments);
-        EXPECT_THAT(result.out, HasSubstr(kTwoKept)) << result.err;
-    }
-}
-
 TEST_F(RunVornak, ReachesFilesBelowWhatAPathReaches)
 {
-    DeepFolder(dir_.path()).write("deep.wav", smallWav());
+    writeDeep(dir_.path(), "deep.wav", smallWav());
     EXPECT_THAT(shell("vornak decide -p p.xml ddd*").out, HasSubstr(kOneKept));
     EXPECT_THAT(shell("vornak subtitles ddd*").err,
                 HasSubstr("its folder's path is longer than 1023 characters\n"));

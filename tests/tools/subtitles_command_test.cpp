@@ -78,12 +78,5 @@ TEST(SubtitlesCommand, ComplainsBetweenTheLinesOfTheJson)
                 testing::HasSubstr("\nvornak: /dev/null: neither a file nor a folder\n{"));
 }
 
-TEST(SubtitlesCommand, IsRefusedWithoutMedia)
-{
-    const ProcessResult result = subtitles({});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "vornak: MEDIA is required (try: vornak subtitles --help)\n");
-}
-
 } // namespace
 } // namespace vornak::test

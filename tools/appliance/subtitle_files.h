@@ -12,6 +12,8 @@ struct SubtitleFile {
     std::string name;      ///< in the video's folder, as it is
     std::string_view kind; ///< "srt" or "vtt"
     std::string language;  ///< as the name tags it; empty: not at all
+
+    bool operator==(const SubtitleFile &) const = default;
 };
 
 struct SubtitleSearch {
