@@ -4,6 +4,7 @@
 #include "tests/support/leak_check.h"
 #include "tests/support/private_tmp.h"
 #include "tests/support/process.h"
+#include "tests/support/process_tree.h"
 #include "tests/support/temp_dir.h"
 
 #include <csignal>
@@ -200,9 +201,9 @@ TEST_F(DiscCommand, SaysThatMountingNeedsRoot)
     EXPECT_EQ(disc({"unmount-all"}).status, 0);
 }
 
-/// Runs the tool in a process group of its own and sends that a signal once `file` is there.
-/// Returns the signal that ended the tool, or 0.
-int endedBySignal(int signal, const std::string &file)
+/// Runs the tool in a process group of its own, and once `file` is there sends the signal to that
+/// group or to all that the tool has started. Returns the signal that ended the tool, or 0.
+int endedBySignal(int signal, bool toAll, const std::string &file)
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -214,6 +215,7 @@ int endedBySignal(int signal, const std::string &file)
     int status = 0;
     while (!fs::exists(file) && waitpid(child, &status, WNOHANG) == 0)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (toAll) sendToAll(child, signal);
     kill(-child, signal);
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {}
     return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
@@ -224,7 +226,9 @@ TEST_F(DiscCommand, UnmountsBeforeASignalEndsIt)
     const struct {
         const char *command;
         int signal;
-    } cases[] = {{"mount", SIGINT}, {"mount", SIGTERM}, {"umount", SIGINT}, {"umount", SIGHUP}};
+        bool toAll;
+    } cases[] = {{"mount", SIGINT, false},  {"mount", SIGTERM, false}, {"umount", SIGINT, false},
+                 {"umount", SIGHUP, false}, {"umount", SIGTERM, true}, {"rmdir", SIGUSR1, true}};
     const std::string path = std::getenv("PATH");
     for (const auto &c : cases) {
         const TempDir temp;
@@ -233,7 +237,7 @@ TEST_F(DiscCommand, UnmountsBeforeASignalEndsIt)
                                   "PATH=${PATH#*:} exec \"${0##*/}\" \"$@\"\n");
         fs::permissions(slow, fs::perms::owner_all);
         setenv("PATH", ((temp / "") + ":" + path).c_str(), 1);
-        EXPECT_EQ(endedBySignal(c.signal, slow + ".started"), c.signal) << c.command;
+        EXPECT_EQ(endedBySignal(c.signal, c.toAll, slow + ".started"), c.signal) << c.command;
         setenv("PATH", path.c_str(), 1);
         EXPECT_EQ(fs::file_size("/tmp/printed"), 0U);
         EXPECT_EQ(run({"sh", "-c", "ls -d /tmp/Trans_mount_*"}).out, "") << c.command;

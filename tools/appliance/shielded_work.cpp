@@ -4,10 +4,25 @@
 #include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
 
+#include <csignal>
 #include <stdexcept>
 #include <unistd.h>
 
 namespace vornak::tool {
+
+namespace {
+
+/// The shell that mounts ends the hold on signals for itself and what it runs, but lets those be
+/// that were ignored when it started. Whoever stops a service sends them to all of its processes.
+void ignoreHeldSignals()
+{
+    sigset_t held;
+    sigprocmask(SIG_BLOCK, nullptr, &held);
+    for (int signal = 1; signal < NSIG; ++signal)
+        if (sigismember(&held, signal) == 1) std::signal(signal, SIG_IGN);
+}
+
+} // namespace
 
 // The library mounts and unmounts with commands of the shell. Ctrl-C would reach them, too, and
 // end a mount half-way or the unmounting, so the work has a process group that isn't the
@@ -19,6 +34,7 @@ std::string runShielded(const std::function<std::string()> &work)
     Child worker(
         [&] {
             setpgid(0, 0);
+            ignoreHeldSignals();
             result.closeReadEnd();
             if (dup2(result.writeEnd(), STDOUT_FILENO) < 0) return 1;
             writeOut(work());
