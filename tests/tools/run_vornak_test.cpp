@@ -109,5 +109,14 @@ TEST_F(RunVornak, ReachesFilesBelowWhatAPathReaches)
                              ": File name too long\n");
 }
 
+TEST_F(RunVornak, TakesNoLibraryFromTheWorkingDirectory)
+{
+    const ProcessResult result =
+        shell("for library in $(ldd \"$tool\" | sed -n 's/^[[:space:]]*\\(lib[^ ]*\\) .*/\\1/p'); "
+              "do echo trap >$library; done; ls | grep -c '\\.so' && vornak --version");
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
+}
+
 } // namespace
 } // namespace vornak::test
