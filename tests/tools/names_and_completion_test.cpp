@@ -43,10 +43,11 @@ TEST_F(ProfileNames, AreLookedForFromTheUsersFoldersOn)
         const char *command, *out, *err;
     } cases[] = {
         {"vornak profile show mine | head -n 1", "Mine\n", ""},
-        {"vornak profile show phone-file | head -n 1", "File\n", ""}, // a file comes first
-        {"cp phone-file mine; vornak profile show mine | head -n 1", "File\n", ""},
-        {"rm mine; mkdir mine; vornak profile show mine", "", "vornak: mine: it is a directory\n"},
-        {"rmdir mine; vornak profile show ./mine", "",
+        {"vornak profile show phone-file | head -n 1", "File\n", ""},
+        {"cp phone-file mine; vornak profile show mine | head -n 1", "Mine\n", ""}, // perhaps a
+        {"vornak profile show ./mine | head -n 1", "File\n", ""},                   // stranger's
+        {"mkdir folder; vornak profile show folder", "", "vornak: folder: it is a directory\n"},
+        {"rm mine; vornak profile show ./mine", "",
          "vornak: ./mine: can't read it: No such file or directory\n"},
         {"vornak profile check minr", "",
          "vornak: minr: neither a file nor a profile's name; did you mean mine? "

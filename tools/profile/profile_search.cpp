@@ -61,13 +61,15 @@ std::vector<NamedProfile> namedProfiles()
 
 std::string findProfile(const std::string &pathOrName)
 {
-    std::error_code ignored;
     if (pathOrName == "-" || pathOrName.find('/') != std::string::npos ||
-        pathOrName.ends_with(kExtension) || fs::exists(pathOrName, ignored))
+        pathOrName.ends_with(kExtension))
         return pathOrName;
     const std::vector<NamedProfile> profiles = namedProfiles();
     const auto found = std::ranges::find(profiles, pathOrName, &NamedProfile::name);
     if (found != profiles.end()) return found->path;
+    // Only now: whoever else may write to the working directory doesn't choose what a name means.
+    std::error_code ignored;
+    if (fs::exists(pathOrName, ignored)) return pathOrName;
     std::vector<std::string> names;
     for (const NamedProfile &profile : profiles) names.push_back(profile.name);
     throw std::runtime_error(

@@ -17,9 +17,9 @@ std::vector<std::string> profileFolders();
 /// All that can be found by name, in the order of the names; of one name the first folder's.
 std::vector<NamedProfile> namedProfiles();
 
-/// The path that an argument stands for: its own where it holds a "/", ends in ".xml", is "-"
-/// or is there, else that of the profile of this name. Throws std::runtime_error where there is
-/// none, with a line for the user.
+/// The path that an argument stands for: its own where it holds a "/", ends in ".xml" or is "-",
+/// else that of the profile of this name, else its own where that is there. Throws
+/// std::runtime_error where there is none, with a line for the user.
 std::string findProfile(const std::string &pathOrName);
 
 } // namespace vornak::tool
