@@ -51,5 +51,23 @@ TEST(StockOptions, SpeakAStockVocabulary)
                   c.arguments);
 }
 
+TEST(OutputName, HasTheContainersExtension)
+{
+    const std::pair<int, const char *> cases[] = {
+        {kMatroska, "mkv"},
+        {kMatroska | 12 << 16, "webm"},
+        {kMatroska | 99 << 16, "mkv"},
+        {kMp4, "mp4"},
+        {kMp4 | 1 << 16, "m4a"},
+        {kMp4 | 11 << 16, "mov"},
+        {64, "dts"},
+        {87, "mxf"},
+        {1000, "out"},
+    };
+    for (const auto &[formatId, extension] : cases)
+        EXPECT_EQ(tool::outputName("a/film.avi", formatId),
+                  std::string("a/film.avi.transcoded.") + extension);
+}
+
 } // namespace
 } // namespace vornak::test

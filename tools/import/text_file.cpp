@@ -3,7 +3,6 @@
 #include "base/descriptor.h"
 #include "tools/terminal/printable.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -52,12 +51,6 @@ std::string readTextFile(const std::string &path)
                 path, 0,
                 fmt::format("it is larger than {} MB: no profile is", kLargest / 1'000'000));
     }
-}
-
-int lineAt(std::string_view text, std::size_t offset)
-{
-    const std::string_view before = text.substr(0, std::min(offset, text.size()));
-    return 1 + static_cast<int>(std::ranges::count(before, '\n'));
 }
 
 } // namespace vornak::tool

@@ -1,7 +1,6 @@
 // A file of text that was written by others, read whole and with its lines.
 #pragma once
 
-#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -17,8 +16,5 @@ public:
 /// The content; throws ImportError for what can't be read, is no regular file, or is larger than
 /// any profile.
 std::string readTextFile(const std::string &path);
-
-/// The line of a place in a text, from 1.
-int lineAt(std::string_view text, std::size_t offset);
 
 } // namespace vornak::tool
