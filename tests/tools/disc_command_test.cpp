@@ -157,6 +157,9 @@ TEST_F(DiscCommand, SaysWhatIsWrong)
         {{"--mount-point", "root", "no.iso"},
          1,
          "no.iso: root: the mount point is made, so it must not exist yet"},
+        {{"--mount-point", "none/x", "no.iso"},
+         1,
+         "no.iso: can't be mounted: ./none/x/ can't be made: No such file or directory"},
         {{"--mount-point", "x", "root"},
          1,
          "root: a folder is read as it is, without --root and --mount-point"},
@@ -164,7 +167,7 @@ TEST_F(DiscCommand, SaysWhatIsWrong)
          1,
          "no.iso: with --root, paths begin with / and are inside it"},
         {{"--root", "none", "/no.iso"}, 1, "/no.iso: none: No such file or directory"},
-        {{"--root", ".", "/no.iso"},
+        {{"--root", ".", "--mount-point", "/x", "/no.iso"},
          1,
          "/no.iso: can't be mounted: no image of a file system that the kernel knows, or no loop "
          "device is free"},

@@ -2,6 +2,8 @@
 
 #include "include/vornak.h"
 
+#include <cerrno>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vornak::tool {
@@ -55,7 +57,9 @@ bool MountedImage::unmount()
 void MountedImage::clearUp()
 {
     mounted_ = true;
-    if (!unmount() && !mountPoint_.empty()) rmdir(folder().c_str());
+    if (unmount() || mountPoint_.empty()) return;
+    if (mkdir(folder().c_str(), 0777) != 0 && errno != EEXIST) placeError_ = errno;
+    rmdir(folder().c_str());
 }
 
 } // namespace vornak::tool

@@ -22,6 +22,9 @@ public:
 
     bool isMounted() const { return mounted_; }
 
+    /// The errno that keeps the directory from being made, if nothing is mounted for that; or 0.
+    int placeError() const { return placeError_; }
+
     /// The root of the disc, ending in "/", as this process sees it.
     std::string folder() const { return root_ + mountPoint_; }
 
@@ -34,6 +37,7 @@ private:
 
     std::string root_, mountPoint_;
     bool mounted_ = false;
+    int placeError_ = 0;
 };
 
 } // namespace vornak::tool

@@ -91,10 +91,14 @@ std::optional<DiscError> whyNotMounted(const Options &options)
     return {};
 }
 
-DiscError mountFailure()
+DiscError mountFailure(const MountedImage &image)
 {
     if (geteuid() != 0)
         return {"not-mounted", "can't be mounted: that needs root (or give the folder of a disc)"};
+    if (const int error = image.placeError())
+        return {"not-mounted",
+                fmt::format("can't be mounted: {} can't be made: {}", printable(image.folder()),
+                            std::generic_category().message(error))};
     return {"not-mounted", "can't be mounted: no image of a file system that the kernel knows, "
                            "or no loop device is free"};
 }
@@ -103,7 +107,7 @@ DiscResult readImage(const Options &options)
 {
     if (const std::optional<DiscError> error = whyNotMounted(options)) return *error;
     MountedImage image(options.path, options.place);
-    if (!image.isMounted()) return mountFailure();
+    if (!image.isMounted()) return mountFailure(image);
     DiscResult result = readDisc(image.folder());
     const std::string folder = image.folder();
     if (!image.unmount())
