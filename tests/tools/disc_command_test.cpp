@@ -247,6 +247,19 @@ TEST_F(DiscCommand, UnmountsBeforeASignalEndsIt)
     }
 }
 
+TEST_F(DiscCommand, RunsNoCommandOfAStranger)
+{
+    const TempDir strangers;
+    for (const char *command : {"mount", "umount", "rmdir"})
+        fs::permissions(strangers.write(command, "#!/bin/sh\ntouch \"$0.ran\"\n"),
+                        fs::perms::owner_all);
+    ASSERT_EQ(chown(strangers.path().c_str(), 65534, 65534), 0);
+    const ProcessResult result = run({"env", "PATH=" + strangers / "" + ":.:" + std::getenv("PATH"),
+                                      VORNAK_CLI, "disc", "/tmp/dvd.iso"});
+    EXPECT_EQ(result.out + result.err, titleOf("/tmp/dvd.iso"));
+    EXPECT_EQ(run({"ls", strangers.path()}).out, "mount\nrmdir\numount\n");
+}
+
 TEST_F(DiscCommand, SweepsUpWhatWasLeft)
 {
     mountLeftover("/tmp/Trans_mount_1");

@@ -5,6 +5,7 @@
 #include "tools/terminal/output.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -35,6 +36,7 @@ std::string runShielded(const std::function<std::string()> &work)
         [&] {
             setpgid(0, 0);
             ignoreHeldSignals();
+            if (geteuid() == 0) setenv("PATH", pathForRoot().c_str(), 1);
             result.closeReadEnd();
             if (dup2(result.writeEnd(), STDOUT_FILENO) < 0) return 1;
             writeOut(work());

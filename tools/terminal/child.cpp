@@ -68,19 +68,12 @@ void releaseSignals()
     std::signal(SIGPIPE, SIG_DFL); // which the tool ignores
 }
 
-/// Where root finds a program. PATH may be somebody else's (su and sudo keep it, or may), so it
-/// counts only as far as it names folders that nobody but root fills.
 std::string findForRoot(const std::string &name)
 {
-    const char *const path = std::getenv("PATH");
-    std::istringstream folders(path ? path : "");
+    std::istringstream folders(pathForRoot());
     for (std::string folder; std::getline(folders, folder, ':');) {
-        struct stat info = {};
-        std::string program = folder;
-        program.append("/").append(name);
-        if (folder.starts_with('/') && stat(folder.c_str(), &info) == 0 && info.st_uid == 0 &&
-            (info.st_mode & S_IWOTH) == 0 && access(program.c_str(), X_OK) == 0)
-            return program;
+        const std::string program = folder.append("/").append(name);
+        if (access(program.c_str(), X_OK) == 0) return program;
     }
     return {};
 }
@@ -91,6 +84,21 @@ std::string findProgram(const std::string &name)
 }
 
 } // namespace
+
+std::string pathForRoot()
+{
+    const char *const path = std::getenv("PATH");
+    std::istringstream folders(path ? path : "");
+    std::string trusted;
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        struct stat info = {};
+        if (!folder.starts_with('/') || stat(folder.c_str(), &info) != 0) continue;
+        if (info.st_uid != 0 || (info.st_mode & S_IWOTH) != 0) continue;
+        if (!trusted.empty()) trusted += ':';
+        trusted += folder;
+    }
+    return trusted.empty() ? "/usr/bin:/bin" : trusted; // an empty one is the working directory
+}
 
 Pipe::Pipe()
 {

@@ -68,12 +68,15 @@ private:
     int end_ = 0; ///< as from waitpid()
 };
 
+/// PATH as far as it names folders that nobody but root fills. It may be somebody else's: su and
+/// sudo keep it, or may.
+std::string pathForRoot();
+
 constexpr int kNothing = -1; ///< a descriptor on which nothing comes and where all is lost
 
 /**
- * Runs `command`, the program first, which is looked up in PATH; for root, only in those of its
- * folders that root alone fills. No signal is held for it; those that the tool's caller has it
- * ignore stay so.
+ * Runs `command`, the program first, which is looked up in PATH, for root in pathForRoot(). No
+ * signal is held for it; those that the tool's caller has it ignore stay so.
  * @param descriptors  what becomes its descriptors 0, 1, 2 and so on
  * Throws std::system_error, "can't run PROGRAM: REASON", with the reason as its code.
  */
