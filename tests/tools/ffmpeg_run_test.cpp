@@ -128,19 +128,6 @@ TEST(FfmpegRun, ReportsItsEnd)
     }
 }
 
-TEST(FfmpegRun, ThatIsNotThereIsAnError)
-{
-    const tool::HeldSignals signals;
-    tool::FfmpegReport report(0, "", "");
-    try {
-        tool::runFfmpeg({.command = {"/nowhere/ffmpeg"}}, signals, report);
-        FAIL();
-    } catch (const std::runtime_error &error) {
-        EXPECT_STREQ(error.what(), "can't run /nowhere/ffmpeg: No such file or directory "
-                                   "(--ffmpeg names another program)");
-    }
-}
-
 // The scripts send the tool its signals; $PPID is the tool.
 TEST(FfmpegRun, EndsWhenTheToolIsInterrupted)
 {

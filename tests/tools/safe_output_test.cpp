@@ -36,10 +36,6 @@ done
 sed 's/OPTION="-c:v/OPTION="-t 0.5 -c:v/' limits.xml >short.xml
 )sh");
         ASSERT_EQ(shown.status, 0) << shown.err;
-        s_Dir->write("pcm.xml", R"(<DEVICE NAME="Pcm"><MUSIC>
-<ACODEC NAME="pcm_s16le" OPTION="-c:a pcm_s16le -ar 44100 -ac 2">
-<FORMAT NAME="wav" OPTION="-f wav -fflags +bitexact -map_metadata -1"/></ACODEC>
-</MUSIC></DEVICE>)");
         program("nothing", "exit 0");
         program("killed", "kill -KILL $$");
         program("cuts-output", "ffmpeg \"$@\"; for out; do :; done; out=${out#file:}\n"
@@ -48,6 +44,9 @@ sed 's/OPTION="-c:v/OPTION="-t 0.5 -c:v/' limits.xml >short.xml
         program("cant-read", "ffmpeg \"$@\"; echo file:film.mkv: Input/output error >&2");
         program("cant-write", "ffmpeg \"$@\"; echo 'av_interleaved_write_frame(): x' >&2");
         program("quiet", "exec ffmpeg -v quiet \"$@\"");
+        program("interrupts", "kill -$S $PPID; exec ffmpeg -re \"$@\"");
+        std::filesystem::create_directory(*s_Dir / "copying");
+        program("copying/cp", "kill -TERM $PPID; exec sleep 60");
         program("slow", "echo $$ >pid; exec ffmpeg -re \"$@\"");
     }
 
@@ -94,9 +93,17 @@ TEST_F(SafeOutput, IsWholeOrIsNotMade)
         {"t film.mkv --ffmpeg ./cant-write --accept-damaged", 1, kNone,
          "vornak: ./cant-write: av_interleaved_write_frame(): x\n"
          "vornak: out: could not be written whole, so it is not made\n"},
-        {"t film.mkv --ffmpeg ./nothing", 1, kNone, "film.mkv: ./nothing wrote no output\n"},
+        {"t film.mkv --ffmpeg ./nothing", 1, kNone,
+         "vornak: out: was not written by ./nothing, so it is not made\n"},
         {"t film.mkv --ffmpeg ./killed", 1, kNone, "film.mkv: ./killed was ended by SIGKILL\n"},
         {"t song.mp3", 3, kNone, "song.mp3: needs no transcoding"},
+        // interrupted
+        {"S=INT t film.mkv --ffmpeg ./interrupts", 130, kNone,
+         "film.mkv: interrupted, no output is left\n"},
+        {"S=XCPU t film.mkv --ffmpeg ./interrupts", 128 + SIGXCPU, kNone,
+         "film.mkv: interrupted, "},
+        {"PATH=$PWD/copying:$PATH; t song.mp3 --copy", 143, kNone,
+         "song.mp3: interrupted, no output is left\n"},
         // standard output
         {"s film.mkv | cat >made && ffprobe -v error made; rm made", 0, kNone,
          "vornak: standard output: made from film.mkv (video)\n"},

@@ -35,12 +35,22 @@ constexpr const char *kLimits = R"(<DEVICE NAME="Limits">
 </DEVICE>
 )";
 
+constexpr const char *kPcm = R"(<DEVICE NAME="Pcm">
+  <MUSIC>
+    <ACODEC NAME="pcm_s16le" OPTION="-c:a pcm_s16le -ar 44100 -ac 2">
+      <FORMAT NAME="wav" OPTION="-f wav -fflags +bitexact -map_metadata -1"/>
+    </ACODEC>
+  </MUSIC>
+</DEVICE>
+)";
+
 class TranscodeClips : public testing::Test {
 protected:
     static void SetUpTestSuite()
     {
         s_Dir = new TempDir;
         s_Dir->write("limits.xml", kLimits);
+        s_Dir->write("pcm.xml", kPcm);
         make("film.mkv", "testsrc2=s=320x240:r=25", "c=5.1:s=48000",
              "-c:v mpeg4 -b:v 2M -c:a flac -t 2");
         make("song.flac", "", "c=stereo:s=44100", "-t 3");

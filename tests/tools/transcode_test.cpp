@@ -1,7 +1,7 @@
 // vornak transcode and vornak length, with real clips, a real ffmpeg and some that fail.
 #include "tests/tools/transcode_clips.h"
 
-#include <csignal>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 namespace vornak::test {
@@ -32,15 +32,6 @@ constexpr const char *kForbids = R"(<DEVICE NAME="Forbids">
   </MUSIC>
 </DEVICE>
 )";
-constexpr const char *kPcm = R"(<DEVICE NAME="Pcm">
-  <MUSIC>
-    <ACODEC NAME="pcm_s16le" OPTION="-c:a %c -ar 44100 -ac 2">
-      <FORMAT NAME="wav" OPTION="%f"/>
-    </ACODEC>
-  </MUSIC>
-</DEVICE>
-)";
-
 class Transcode : public TranscodeClips {
 protected:
     static void SetUpTestSuite()
@@ -49,12 +40,11 @@ protected:
         s_Dir->write("wrong.xml", kWrong);
         s_Dir->write("forbids.xml", kForbids);
         const auto pcm = [](const char *name, const char *codec, const char *container) {
-            std::string profile = kPcm;
-            profile.replace(profile.find("%c"), 2, codec);
-            profile.replace(profile.find("%f"), 2, container);
-            s_Dir->write(name, profile);
+            s_Dir->write(name, fmt::format(R"(<DEVICE NAME="Pcm"><MUSIC>
+<ACODEC NAME="pcm_s16le" OPTION="-c:a {} -ar 44100 -ac 2"><FORMAT NAME="wav" OPTION="{}"/></ACODEC>
+</MUSIC></DEVICE>)",
+                                           codec, container));
         };
-        pcm("pcm.xml", "pcm_s16le", "-f wav -fflags +bitexact -map_metadata -1");
         pcm("pcm-plain.xml", "pcm_s16le", "-f wav");
         pcm("pcm-bext.xml", "pcm_s16le", "-f wav -write_bext 1");
         pcm("pcm-raw.xml", "pcm_s16le", "-f s16le");
@@ -194,7 +184,8 @@ TEST_F(Transcode, ShowsHowFfmpegFails)
     result =
         vornak({"transcode", "-p", "limits.xml", "film.mkv", "-o", "fails", "--ffmpeg", "/gone"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("can't run /gone"));
+    EXPECT_EQ(result.err, "vornak: can't run /gone: No such file or directory (--ffmpeg names "
+                          "another program)\n");
     EXPECT_FALSE(names().contains("fails"));
 }
 
@@ -223,28 +214,7 @@ TEST_F(Transcode, WorksOnAnyName)
     }
 }
 
-// ffmpeg works at the speed of playing here, so that there is time to interrupt it.
-TEST_F(Transcode, LeavesNothingWhenInterrupted)
-{
-    const std::string slow = program("slow", "echo $$ >pid; exec ffmpeg -re \"$@\"");
-    const auto before = names();
-    for (const int signal : {SIGINT, SIGTERM}) {
-        // A shell's background job would ignore SIGINT.
-        const auto result =
-            run({"sh", "-c",
-                 "cd \"$1\"; env --default-signal=INT \"$2\" transcode -p limits.xml "
-                 "film.mkv -o slow-out --ffmpeg \"$3\" & "
-                 "until [ -s pid ] && [ -e .vornak-*/output ]; do sleep 0.05; done; "
-                 "kill -$4 $!; wait $!",
-                 "sh", s_Dir->path(), VORNAK_CLI, slow, std::to_string(signal)});
-        EXPECT_EQ(result.status, 128 + signal);
-        EXPECT_EQ(result.err, "vornak: film.mkv: interrupted, no output is left\n");
-        EXPECT_NE(kill(std::stoi(contentOf("pid")), 0), 0);
-        std::filesystem::remove(*s_Dir / "pid");
-        EXPECT_EQ(names(), before);
-    }
-}
-
+// ffmpeg works at the speed of playing here, so that there is something to draw.
 TEST_F(Transcode, ShowsItsProgressOnATerminal)
 {
     const std::string slow = program("slow", "exec ffmpeg -re \"$@\"");
