@@ -52,8 +52,25 @@ void addProfileImport(CLI::App &app, int &status)
 {
     auto options = std::make_shared<ImportCommandOptions>();
     CLI::App *command = app.add_subcommand("import", kProfileImportHelp);
-    command->add_option("FILE", options->file, "The foreign profile")->required();
+    command
+        ->add_option("FILE", options->file,
+                     "The foreign profile: a file, or a folder of DLNA profiles")
+        ->required();
     command->add_option("--name", options->name, "The player's name")->type_name("NAME");
+    command
+        ->add_option("--names", options->names,
+                     "The DLNA profiles that the player takes, the preferred first")
+        ->type_name("NAME,...")
+        ->delimiter(',')
+        ->expected(1)
+        ->take_all();
+    command
+        ->add_option("--sink-protocol-info", options->sink,
+                     "The same, as the player states it: a list of protocolInfo")
+        ->type_name("LIST");
+    command->add_flag(
+        "--relaxed", options->relaxed,
+        "Read what the DLNA profiles allow in the relaxed mode, not in the strict one");
     addOutputOptions(*command, options->output);
     command->footer(kProfileImportFooter);
     command->callback([options, &status] { status = runProfileImport(*options); });

@@ -1,16 +1,66 @@
 #include "tools/import/import_file.h"
 
+#include "tools/import/dlna_profiles.h"
 #include "tools/import/jellyfin_profile.h"
+#include "tools/import/sink_protocol_info.h"
 #include "tools/import/text_file.h"
 
+#include <filesystem>
+#include <stdexcept>
 #include <string_view>
 
 namespace vornak::tool {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// The first character that is no blank, after a byte-order mark; NUL: there is none.
+char firstCharacter(std::string_view text)
+{
+    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return first == std::string_view::npos ? '\0' : text[first];
+}
+
+std::vector<SinkEntry> wantedProfiles(const ImportOptions &options)
+{
+    std::vector<SinkEntry> wanted;
+    for (const std::string &name : options.names) wanted.push_back({name, {}, name});
+    for (SinkEntry &entry : readSinkProtocolInfo(options.sink)) wanted.push_back(std::move(entry));
+    if (wanted.empty())
+        throw std::runtime_error(
+            "say which of the DLNA profiles the player takes: --names, or what "
+            "it states as its sink, --sink-protocol-info");
+    return wanted;
+}
+
+Player readProfile(const ImportOptions &options)
+{
+    std::error_code error;
+    if (std::filesystem::is_directory(options.file, error))
+        return readDlnaProfiles(options.file, wantedProfiles(options), options.relaxed);
+    const std::string text = readTextFile(options.file);
+    switch (firstCharacter(text)) {
+    case '<':
+        return readDlnaProfiles(options.file, wantedProfiles(options), options.relaxed);
+    case '{':
+        if (!options.names.empty() || !options.sink.empty())
+            throw std::runtime_error("--names and --sink-protocol-info are for DLNA profiles; a "
+                                     "Jellyfin profile is taken whole");
+        return readJellyfinProfile(options.file, text);
+    default:
+        throw ImportError(
+            options.file, 0,
+            "it is neither a JSON object, as Jellyfin's device profiles are, nor XML, "
+            "as gupnp-dlna's are");
+    }
+}
+
+} // namespace
 
 Player readForeignProfile(const ImportOptions &options)
 {
-    const std::string text = readTextFile(options.file);
-    Player player = readJellyfinProfile(options.file, text);
+    Player player = readProfile(options);
     if (!options.name.empty()) player.name = options.name;
     return player;
 }

@@ -411,31 +411,8 @@ private:
             const bool isNew = std::ranges::none_of(before, [&](const PictureLimits &other) {
                 return other.refused == limits.refused;
             });
-            if (isNew) noteExceptions(limits, note);
+            if (isNew) tool::noteOddities(limits, note);
         }
-    }
-
-    static void noteExceptions(const PictureLimits &limits, const Note &note)
-    {
-        if (isForDolbyVision(limits))
-            note(Remark::Stricter, fmt::format("{}{} with dolby_vision is refused, and not "
-                                               "transcoded either",
-                                               codecText(limits.codec), profilesOf(limits)));
-        const PictureLimits rest = isForDolbyVision(limits) ? withoutDolbyVision(limits) : limits;
-        const int others = alsoTurnedAway(rest);
-        if (others != 0)
-            note(Remark::Stricter,
-                 fmt::format("a rule turns a file away only if all that is odd about it is "
-                             "listed; for {} to be, {}{} with {} alone is transcoded, too",
-                             fmt::join(playExceptionTexts(rest.refused), ", "),
-                             codecText(rest.codec), profilesOf(rest),
-                             fmt::join(playExceptionTexts(others), ", ")));
-    }
-
-    static std::string profilesOf(const PictureLimits &limits)
-    {
-        if (limits.profiles == 0) return {};
-        return fmt::format(" ({})", fmt::join(profileTexts(limits.profiles, limits.codec), ", "));
     }
 
     static Union<SoundLimits> split(Union<SoundLimits> all) { return all; }
@@ -458,6 +435,8 @@ private:
                 whereItApplies = intersection(whereItApplies, *kept);
         Union<Limits> alternatives = whereItApplies;
         for (const JellyfinCondition &condition : set.applying)
+            alternatives = intersection(alternatives, whereItMay<Limits>(condition, codec));
+        for (const JellyfinCondition &condition : set.applying)
             for (const Limits &limits : whereNot<Limits>(condition, codec))
                 add(alternatives, limits);
         Union<Limits> narrowed = split(intersection(all, alternatives));
@@ -467,6 +446,17 @@ private:
         narrowed = split(intersection(all, whereItApplies));
         if (narrowed.size() > kMostAlternatives) narrowed.resize(kMostAlternatives);
         return narrowed;
+    }
+
+    /// Where a condition for applying holds; everywhere, if that can't be said exactly. It keeps
+    /// the cases apart, so that there are fewer that overlap.
+    template <class Limits>
+    static Union<Limits> whereItMay(const JellyfinCondition &condition, int codec)
+    {
+        bool isExact = true;
+        const Note inexact = [&](Remark::Kind, const std::string &) { isExact = false; };
+        const auto kept = thatKeep(condition, codec, inexact, static_cast<Limits *>(nullptr));
+        return kept && isExact ? *kept : Union<Limits>{Limits{}};
     }
 
     /// Where a condition for applying doesn't hold; nowhere, if that can't be said exactly.

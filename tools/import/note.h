@@ -14,6 +14,9 @@ using Note = std::function<void(Remark::Kind kind, const std::string &reason)>;
 /// Notes as the player's remarks about a line. @param what  before each reason; empty: nothing
 Note noteAt(Player &player, const std::string &file, int line, const std::string &what);
 
+/// Tells what else rules turn away on account of what is refused.
+void noteOddities(const PictureLimits &limits, const Note &note);
+
 /// The name of a file without its folder, printable.
 std::string shownFileName(const std::string &path);
 

@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <iterator>
+#include <optional>
 #include <stdexcept>
+#include <tuple>
 #include <utility>
 
 namespace vornak::tool {
@@ -118,13 +120,37 @@ void dropNeedless(std::vector<Rule> &rules)
             rules.erase(rules.begin() + static_cast<std::ptrdiff_t>(i));
 }
 
-/// Whether a rule may stand before all others: what would find an earlier one finds the same.
+/// Whether what would find an earlier rule finds the same in this one.
 template <class Rule>
-bool mayLead(const Rule &rule, const std::vector<Rule> &rules)
+bool isAlike(const Rule &earlier, const Rule &rule)
 {
-    return std::all_of(rules.data(), &rule, [&](const Rule &earlier) {
-        return !intersection(earlier.limits, rule.limits) || haveSameContent(earlier, rule);
-    });
+    return !intersection(earlier.limits, rule.limits) || haveSameContent(earlier, rule);
+}
+
+/// What of a rule may stand before all others; nothing: none of it.
+std::optional<SoundLimits> leadingPart(const SoundRule &rule, const std::vector<SoundRule> &rules)
+{
+    const bool isWhole = std::all_of(
+        rules.data(), &rule, [&](const SoundRule &earlier) { return isAlike(earlier, rule); });
+    return isWhole ? std::optional(rule.limits) : std::nullopt;
+}
+
+/// The same of pictures: those that are larger than what earlier rules take. A rule that leads is
+/// what is transcoded to, and needs both of the greatest sizes or none.
+std::optional<PictureLimits> leadingPart(const PictureRule &rule,
+                                         const std::vector<PictureRule> &rules)
+{
+    PictureRule part = rule;
+    part.limits = withWholeSize(rule.limits);
+    for (const PictureRule *earlier = rules.data(); earlier != &rule; ++earlier) {
+        if (isAlike(*earlier, part)) continue;
+        const bool isLower = earlier->limits.height.most != 0;
+        Range &size = isLower ? part.limits.height : part.limits.width;
+        size.least = (isLower ? earlier->limits.height : earlier->limits.width).most + 1;
+        if ((size.most != 0 && size.least > size.most) || !isAlike(*earlier, part))
+            return std::nullopt;
+    }
+    return part.limits;
 }
 
 /// Whether what the rule takes can be made, and put into its first container.
@@ -149,25 +175,28 @@ auto placeOf(const SoundRule &rule, const Surrounding &surrounding)
 auto placeOf(const PictureRule &rule, const Surrounding &surrounding)
 {
     const auto wish = std::ranges::find(surrounding.wishes, rule.limits.codec, &Wish::picture);
-    return std::pair(wish - surrounding.wishes.begin(), pictureRankOf(rule.limits.codec));
+    return std::tuple(wish - surrounding.wishes.begin(), pictureRankOf(rule.limits.codec),
+                      isLimitedBelow(rule.limits), -targetArea(rule.limits));
 }
 
-/// Brings the best target to the front, of equals the last, which takes most; the other rules of
-/// its codec come behind it. Without a target nothing is left.
+/// Puts the best target before all rules, of equals the last, which takes most, and behind it the
+/// rules of its codec. Without a target nothing is left.
 template <class Rule>
 void putTargetFirst(std::vector<Rule> &rules, const Surrounding &surrounding)
 {
-    auto best = rules.end();
-    for (auto rule = rules.begin(); rule != rules.end(); ++rule)
-        if (isTarget(*rule) && mayLead(*rule, rules) &&
-            (best == rules.end() || placeOf(*rule, surrounding) <= placeOf(*best, surrounding)))
-            best = rule;
-    if (best == rules.end()) return rules.clear();
-    const int codec = best->limits.codec;
-    std::rotate(rules.begin(), best, best + 1);
-    std::ranges::stable_partition(rules,
-                                  [codec](const Rule &rule) { return rule.limits.codec == codec; });
-    for (Rule &rule : std::ranges::subrange(rules.begin() + 1, rules.end())) rule.option.clear();
+    const Rule *best = nullptr;
+    for (const Rule &rule : rules)
+        if (isTarget(rule) && leadingPart(rule, rules) &&
+            (!best || placeOf(rule, surrounding) <= placeOf(*best, surrounding)))
+            best = &rule;
+    if (!best) return rules.clear();
+    Rule target = *best;
+    target.limits = *leadingPart(*best, rules);
+    for (Rule &rule : rules) rule.option.clear();
+    std::ranges::stable_partition(rules, [codec = target.limits.codec](const Rule &rule) {
+        return rule.limits.codec == codec;
+    });
+    rules.insert(rules.begin(), std::move(target));
 }
 
 /// Where no sound can be put into a container that is known to hold the picture as well, any
@@ -200,18 +229,6 @@ std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surroundi
 void leaveOut(Player &player, std::string text)
 {
     player.remarks.insert({{}, 0, Remark::Stricter, std::move(text)});
-}
-
-/// A rule for the target needs both of the greatest sizes, or none.
-void completeTargetSize(std::vector<PictureRule> &rules)
-{
-    if (rules.empty()) return;
-    PictureRule target = rules.front();
-    target.limits = withWholeSize(target.limits);
-    if (target.limits == rules.front().limits) return;
-    target.option = pictureOption(target.limits);
-    rules.front().option.clear();
-    rules.insert(rules.begin(), target);
 }
 
 /// A table for which there is no film, so that a rule without transcoding refuses what it takes.
@@ -257,7 +274,7 @@ std::vector<PictureRule> pictureRules(const Ways &ways, Player &player)
     for (const int codec : codecsOf<PictureRule>(ways, makeablePictures()))
         for (const PictureLimits &region : regionsOf(limitsOf<PictureRule>(ways, codec))) {
             const Ways taking = waysOf<PictureRule>(ways, region);
-            PictureRule rule{region, pictureOption(region),
+            PictureRule rule{region, pictureOption(withWholeSize(region)),
                              soundRules(taking, {false, codec, player.wishes}),
                              originsOf(taking, &Way::pictureOrigins)};
             if (!rule.sounds.empty())
@@ -269,7 +286,6 @@ std::vector<PictureRule> pictureRules(const Ways &ways, Player &player)
         }
     putTargetFirst(rules, {false, 0, player.wishes});
     dropNeedless(rules);
-    completeTargetSize(rules);
     return withExceptions(rules);
 }
 

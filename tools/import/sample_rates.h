@@ -15,4 +15,7 @@ struct SayableRates {
 /// The widest range that the list can say and that lies within `rates`; nothing: there is none.
 std::optional<SayableRates> sayableRates(Range rates);
 
+/// Whether streams of the codec can have a sample rate between the two.
+bool hasRateBetween(int codec, int above, int below);
+
 } // namespace vornak::tool

@@ -46,7 +46,10 @@ constexpr PictureEncoder s_PictureEncoders[] = {
      "-c:v libx264 -preset veryfast",
      {{"high", " -profile:v high -pix_fmt yuv420p"},
       {"main", " -profile:v main -pix_fmt yuv420p"},
-      {"constrained_baseline", " -profile:v baseline -pix_fmt yuv420p"}}},
+      {"baseline", " -profile:v baseline -pix_fmt yuv420p"},
+      // which is what x264 makes of baseline, but doesn't know by this name
+      {"constrained_baseline",
+       " -x264-params cabac=0:bframes=0:8x8dct=0:weightp=0 -pix_fmt yuv420p"}}},
     {"hevc",
      "-c:v libx265 -preset veryfast",
      {{"main", " -pix_fmt yuv420p"}, {"main10", " -pix_fmt yuv420p10le"}}},
@@ -88,8 +91,10 @@ Size targetSize(const PictureLimits &limits)
         size = {row.width, row.height};
         break;
     }
-    return {std::max(mostOf(limits.width, size.width), limits.width.least),
-            std::max(mostOf(limits.height, size.height), limits.height.least)};
+    const auto fitted = [](Range range, int usual) { // even, as most encoders need it
+        return std::max(mostOf(range, usual) / 2 * 2, (range.least + 1) / 2 * 2);
+    };
+    return {fitted(limits.width, size.width), fitted(limits.height, size.height)};
 }
 
 struct Rates {
@@ -119,8 +124,7 @@ std::optional<Rates> targetRates(const PictureLimits &limits, Size size)
 /// the smaller of two numbers, without the comma that would end a filter.
 std::string scaleFilter(const PictureLimits &limits, Size size)
 {
-    if (limits.width.least > 0 || limits.height.least > 0)
-        return fmt::format("scale={}:{}", size.width, size.height);
+    if (isLimitedBelow(limits)) return fmt::format("scale={}:{}", size.width, size.height);
     return fmt::format("scale=(iw+{0}-abs(iw-{0}))/2:(ih+{1}-abs(ih-{1}))/2"
                        ":force_original_aspect_ratio=decrease:force_divisible_by=2",
                        size.width, size.height);
@@ -306,6 +310,18 @@ int pictureRankOf(int codec)
 int soundRankOf(int codec)
 {
     return positionOf(codec, makeableSounds());
+}
+
+bool isLimitedBelow(const PictureLimits &limits)
+{
+    constexpr int kSmallest = 16; // that there is
+    return limits.width.least > kSmallest || limits.height.least > kSmallest;
+}
+
+int targetArea(const PictureLimits &limits)
+{
+    const Size size = targetSize(limits);
+    return size.width * size.height;
 }
 
 PictureLimits withWholeSize(const PictureLimits &limits)

@@ -20,6 +20,12 @@ std::vector<int> makeableSounds();
 int pictureRankOf(int codec);
 int soundRankOf(int codec);
 
+/// Whether small pictures are not taken.
+bool isLimitedBelow(const PictureLimits &limits);
+
+/// How large a picture is that is made, in pixels.
+int targetArea(const PictureLimits &limits);
+
 /// Limits for a rule that is transcoded to: as these, but where only one of the two greatest sizes
 /// is limited, the other as well. The limits are handed to the transcoder as a pair.
 PictureLimits withWholeSize(const PictureLimits &limits);

@@ -1,0 +1,153 @@
+#include "tools/import/dlna_profiles.h"
+
+#include "base/media_ids.h"
+#include "tools/import/container_facts.h"
+#include "tools/import/dlna_document.h"
+#include "tools/import/dlna_fields.h"
+#include "tools/import/text_file.h"
+#include "tools/profile/id_names.h"
+#include "tools/terminal/nearest_name.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fmt/format.h>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::size_t kMostWays = 100'000;
+
+class Reader {
+public:
+    Reader(const std::string &path, bool relaxed) : path_(path), document_(path, relaxed, player_)
+    {}
+
+    Player read(const std::vector<SinkEntry> &wanted)
+    {
+        for (const SinkEntry &entry : wanted) add(entry);
+        if (player_.ways.empty())
+            throw ImportError(
+                path_, 0,
+                fmt::format("none of the names stands for a DLNA profile whose files "
+                            "rules can describe{}",
+                            player_.remarks.empty() ? "" : ": " + player_.remarks.begin()->text));
+        player_.name = "DLNA player";
+        return std::move(player_);
+    }
+
+private:
+    void leaveOut(const SinkEntry &entry, const std::string &why)
+    {
+        noteAt(player_, shownFileName(path_), 0, printable(entry.text))(Remark::LeftOut, why);
+    }
+
+    void add(const SinkEntry &entry)
+    {
+        if (entry.profile.empty())
+            return leaveOut(entry, "it names no DLNA profile of files that are got by HTTP");
+        std::vector<DlnaProfile> profiles = document_.profilesNamed(entry.profile);
+        if (profiles.empty())
+            return leaveOut(entry, "there is no such DLNA profile" +
+                                       didYouMean(entry.profile, document_.names()));
+        if (!entry.mime.empty()) {
+            std::erase_if(profiles,
+                          [&](const DlnaProfile &profile) { return profile.mime != entry.mime; });
+            if (profiles.empty()) leaveOut(entry, "no such DLNA profile has this MIME type");
+        }
+        for (const DlnaProfile &profile : profiles) add(profile);
+    }
+
+    Note noteOf(const DlnaProfile &profile)
+    {
+        return noteAt(player_, profile.file, profile.line, printable(profile.name));
+    }
+
+    void add(const DlnaProfile &profile)
+    {
+        Union<PictureLimits> pictures;
+        Union<SoundLimits> sounds;
+        bool isVideo = false;
+        for (const DlnaRestriction &stream : profile.streams) {
+            if (stream.type == "video") {
+                isVideo = true;
+                for (const auto &limits : picturesThatFit(stream, player_))
+                    tool::add(pictures, limits);
+            } else if (stream.type == "audio") {
+                for (const auto &limits : soundsThatFit(stream, player_)) tool::add(sounds, limits);
+            } else {
+                noteOf(profile)(Remark::LeftOut, fmt::format("a Device profile has no rules for "
+                                                             "streams of the type {}",
+                                                             printable(stream.type)));
+            }
+        }
+        if (isVideo)
+            addVideo(profile, pictures, sounds);
+        else
+            addMusic(profile, sounds);
+    }
+
+    std::vector<int> originOfProfile(const DlnaProfile &profile)
+    {
+        return {originOf(player_, fmt::format("{} ({}:{})", printable(profile.name), profile.file,
+                                              profile.line))};
+    }
+
+    void addWay(const DlnaProfile &profile, const std::optional<PictureLimits> &picture,
+                const SoundLimits &sound, Container container)
+    {
+        if (player_.ways.size() == kMostWays)
+            throw ImportError(path_, 0,
+                              "the profiles combine to more kinds of files than a Device "
+                              "profile can hold");
+        container.mime = profile.mime;
+        container.pn = profile.name;
+        const std::vector<int> origin = originOfProfile(profile);
+        player_.ways.push_back({picture, sound, container, origin, origin});
+    }
+
+    void addVideo(const DlnaProfile &profile, const Union<PictureLimits> &pictures,
+                  const Union<SoundLimits> &sounds)
+    {
+        if (!profile.container || sounds.empty())
+            return noteOf(profile)(
+                Remark::Stricter, profile.container ? "no sound fits it, and a rule needs some"
+                                                    : "no file holds pictures without a container");
+        for (const PictureLimits &limits : pictures) noteOddities(limits, noteOf(profile));
+        for (const Container &container : containersThatFit(*profile.container, false, player_))
+            for (const PictureLimits &picture : pictures)
+                for (const SoundLimits &sound : sounds) addWay(profile, picture, sound, container);
+    }
+
+    void addMusic(const DlnaProfile &profile, const Union<SoundLimits> &sounds)
+    {
+        if (profile.container) {
+            for (const Container &container : containersThatFit(*profile.container, true, player_))
+                for (const SoundLimits &sound : sounds)
+                    addWay(profile, std::nullopt, sound, container);
+            return;
+        }
+        for (const SoundLimits &sound : sounds) {
+            const int format = bareContainer(sound.codec);
+            if (format != 0)
+                addWay(profile, std::nullopt, sound, {format, {}, {}});
+            else
+                noteOf(profile)(Remark::Stricter,
+                                fmt::format("no file holds {} alone, without a container",
+                                            codecText(sound.codec)));
+        }
+    }
+
+    const std::string &path_;
+    Player player_;
+    DlnaDocument document_;
+};
+
+} // namespace
+
+Player readDlnaProfiles(const std::string &path, const std::vector<SinkEntry> &wanted, bool relaxed)
+{
+    return Reader(path, relaxed).read(wanted);
+}
+
+} // namespace vornak::tool
