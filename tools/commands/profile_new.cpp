@@ -9,8 +9,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <memory>
+#include <stdexcept>
 
 namespace vornak::tool {
 namespace {
@@ -40,6 +42,11 @@ int runProfileNew(const NewOptions &options)
 {
     Player player = describedPlayer(options.description);
     const DeviceRules rules = makeRules(player);
+    const auto isVideo = [](const Way &way) { return way.picture.has_value(); };
+    if (rules.video.empty() && std::ranges::any_of(player.ways, isVideo))
+        throw std::runtime_error(
+            "of these videos ffmpeg makes none, and the first rule says what is "
+            "transcoded to; add one that it makes, such as h264 with aac");
     for (const Remark &remark : player.remarks) complain(remarkText(remark));
     writeProfile(profileText(player, rules, "Made by vornak profile new."), options.output);
     return kDone;

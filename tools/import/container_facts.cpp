@@ -1,5 +1,6 @@
 #include "tools/import/container_facts.h"
 
+#include "base/media_ids.h"
 #include "tools/import/names.h"
 #include "tools/profile/id_names.h"
 
@@ -57,7 +58,7 @@ constexpr struct {
     {"asf", "-f asf", "video/x-ms-wmv", "audio/x-ms-wma",
      "wmv1|wmv2|wmv3|vc1|msmpeg4v2|msmpeg4v3|wmav1|wmav2|wmapro|wmalossless|wmavoice|mp3"},
     {"flv", "-f flv", "video/x-flv", nullptr, "flv1|h264|vp6f|vp6a|mp3|aac|speex|nellymoser"},
-    {"mp3", "-f mp3", "audio/mpeg", nullptr, "mp3|mp2|mp1"},
+    {"mp3", "-f mp3", "audio/mpeg", nullptr, "mp3|mp2"},
     {"flac", "-f flac", "audio/flac", nullptr, "flac"},
     {"adts", "-f adts", "audio/vnd.dlna.adts", nullptr, "aac"},
     {"mp4/m4a", "-f ipod", "audio/mp4", nullptr, kMp4SoundCodecs},
@@ -99,8 +100,10 @@ const auto *findRow(int format)
 
 } // namespace
 
-std::string containerOption(int format, bool isMusic)
+std::string containerOption(int format, int sound, bool isMusic)
 {
+    // the same files, of which ffmpeg has two formats
+    if (format == "mp3"_container && sound == "mp2"_codec) return "-f mp2";
     const auto *const row = findRow(format);
     if (!row || !row->option) return {};
     const bool takesCovers = row->music || std::string_view(row->name) == "mp4/m4a";

@@ -7,8 +7,9 @@
 namespace vornak::tool {
 
 /// The option by which a stock ffmpeg makes the container; empty: it can't.
+/// @param sound    the codec of the sound in it
 /// @param isMusic  keeps a cover picture from becoming a video
-std::string containerOption(int format, bool isMusic);
+std::string containerOption(int format, int sound, bool isMusic);
 
 /// Whether files in the container are usual that hold streams of the codec.
 bool canHold(int format, int codec);

@@ -11,15 +11,15 @@
 namespace vornak::tool {
 namespace {
 
-bool isMade(int format, const Surrounding &surrounding)
+bool isMade(int format, int sound, const Surrounding &surrounding)
 {
-    return !containerOption(format, surrounding.isMusic).empty();
+    return !containerOption(format, sound, surrounding.isMusic).empty();
 }
 
 /// Whether sound of the codec and the picture can be put into the container.
 bool isMakeable(int format, int sound, const Surrounding &surrounding)
 {
-    return isMade(format, surrounding) && canHold(format, sound) &&
+    return isMade(format, sound, surrounding) && canHold(format, sound) &&
            (surrounding.isMusic || canHold(format, surrounding.picture));
 }
 
@@ -30,7 +30,7 @@ auto placeOf(int format, int sound, const Surrounding &surrounding)
         return each.isVideo != surrounding.isMusic && each.format == format;
     });
     return std::tuple(format == 0, !isMakeable(format, sound, surrounding),
-                      !isMade(format, surrounding), wish - surrounding.wishes.begin(),
+                      !isMade(format, sound, surrounding), wish - surrounding.wishes.begin(),
                       rankOf(format, surrounding.isMusic));
 }
 
@@ -48,8 +48,9 @@ std::vector<Container> distinctContainers(const std::vector<const Way *> &ways)
 {
     std::vector<Container> all;
     for (const Way *way : ways)
-        if (std::ranges::find(all, way->container.format, &Container::format) == all.end())
-            all.push_back(way->container);
+        for (const Container &container : way->containers)
+            if (std::ranges::find(all, container.format, &Container::format) == all.end())
+                all.push_back(container);
     return all;
 }
 
@@ -78,7 +79,7 @@ std::vector<ContainerRule> containersOf(const std::vector<const Way *> &ways, in
     std::vector<ContainerRule> rules;
     for (const Container &container : all) {
         if (isCovered(container.format, rules)) continue;
-        std::string option = containerOption(container.format, surrounding.isMusic);
+        std::string option = containerOption(container.format, sound, surrounding.isMusic);
         if (container.timeStamped) option += " -mpegts_m2ts_mode 1";
         rules.push_back({container, option});
     }

@@ -144,8 +144,9 @@ void readSizeOrRate(const std::string &spec, const std::string &word, PictureLim
 {
     const std::size_t times = word.find('x');
     if (times == std::string::npos) {
+        constexpr int kLeastBitrate = 10'000; // else kilobits or a width are meant
         limits.bitrate.most = readNumber(word);
-        if (limits.bitrate.most == 0)
+        if (limits.bitrate.most < kLeastBitrate)
             refuse("--video", spec,
                    fmt::format("{} is neither a size, such as 1920x1080, nor a "
                                "bit rate, such as 25M",
@@ -229,7 +230,7 @@ void addMusic(Player &player, const std::string &option, const std::string &spec
     for (const int format : formats)
         player.ways.push_back({std::nullopt,
                                sound,
-                               {format, mimeOf(format, true), dlnaNameOfMusic(sound, format)},
+                               {{format, mimeOf(format, true), dlnaNameOfMusic(sound, format)}},
                                {},
                                {origin}});
     player.wishes.push_back({false, 0, sound.codec, 0});
@@ -248,7 +249,7 @@ void addVideo(Player &player, const std::string &spec, const Description &descri
             if (!canHold(format, picture.codec) || !canHold(format, sound.codec)) continue;
             player.ways.push_back({picture,
                                    sound,
-                                   {format, mimeOf(format, false), {}},
+                                   {{format, mimeOf(format, false), {}}},
                                    {origin},
                                    {originOf(player, "audio " + printable(audio))}});
             player.wishes.push_back({true, picture.codec, sound.codec, format});

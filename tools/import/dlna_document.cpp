@@ -23,13 +23,21 @@ bool isBelow(const std::filesystem::path &path, const std::filesystem::path &fol
     return end == folder.end();
 }
 
-DlnaField readField(pugi::xml_node element, const XmlFile &file)
+/// A path without links and dots, as far as it exists.
+std::filesystem::path realPlace(const std::filesystem::path &path)
+{
+    std::error_code error;
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(path, error), error);
+}
+
+DlnaField readField(pugi::xml_node element, const XmlFile &file, std::size_t ancestor)
 {
     DlnaField field{element.attribute("name").value(),
                     {},
                     {},
                     shownFileName(file.path()),
-                    file.lineOf(element)};
+                    file.lineOf(element),
+                    ancestor};
     for (const pugi::xml_node value : element.children("value"))
         field.values.emplace_back(value.text().get());
     if (const pugi::xml_node range = element.child("range"))
@@ -78,7 +86,7 @@ DlnaDocument::DlnaDocument(const std::string &path, bool relaxed, Player &player
     const bool isFolder = std::filesystem::is_directory(path, error);
     std::filesystem::path given = path;
     if (!isFolder) given = given.parent_path();
-    folder_ = std::filesystem::weakly_canonical(given.empty() ? "." : given, error).string();
+    folder_ = realPlace(given.empty() ? "." : given).string();
     if (!isFolder) {
         load(path, open);
         return;
@@ -103,8 +111,8 @@ void DlnaDocument::load(const std::string &path, std::vector<std::string> &open)
     if (std::string_view(file.root().name()) != "dlna-profiles")
         throw ImportError(
             path, file.lineOf(file.root()),
-            fmt::format("the outermost element is {}; DLNA profiles are described in "
-                        "dlna-profiles",
+            fmt::format("the outermost element is {}; it is dlna-profiles in gupnp-dlna's files, "
+                        "and Jellyfin's profiles are read in JSON",
                         printable(std::string_view(file.root().name()).substr(0, 60))));
     open.push_back(plain.string());
     for (const pugi::xml_node include : file.root().children("include"))
@@ -124,8 +132,8 @@ void DlnaDocument::loadIncluded(const XmlFile &file, pugi::xml_node include,
                           fmt::format("include of {}: {}", printable(ref.substr(0, 200)), why));
     };
     std::error_code error;
-    const auto target = std::filesystem::weakly_canonical(path, error);
-    if (ref.empty() || error || !isBelow(target, folder_)) refuse("it lies outside the folder");
+    const std::filesystem::path target = realPlace(path);
+    if (ref.empty() || !isBelow(target, folder_)) refuse("it lies outside the folder");
     if (std::ranges::find(open, path.string()) != open.end())
         refuse("files include each other in a circle");
     if (!std::filesystem::is_regular_file(target, error)) refuse("there is no such file");
@@ -162,10 +170,11 @@ bool DlnaDocument::isUsed(pugi::xml_node element) const
 bool DlnaDocument::addFields(Place place, std::vector<std::string> &from,
                              std::vector<DlnaField> &fields) const
 {
+    const std::size_t ancestor = from.size();
     for (const pugi::xml_node child : place.element.children()) {
         const std::string_view kind = child.name();
         if (!isUsed(child)) continue;
-        if (kind == "field") fields.push_back(readField(child, *place.file));
+        if (kind == "field") fields.push_back(readField(child, *place.file, ancestor));
         if (kind != "parent") continue;
         const std::string name = child.attribute("name").value();
         if (std::ranges::find(from, name) != from.end()) continue;

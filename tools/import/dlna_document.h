@@ -5,6 +5,7 @@
 #include "tools/import/note.h"
 #include "tools/import/xml_file.h"
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -21,6 +22,7 @@ struct DlnaField {
     std::optional<std::pair<std::string, std::string>> range;
     std::string file; ///< its name
     int line;
+    std::size_t ancestor; ///< 0: the restriction's own; else of one that it inherits from
 
     bool admits(const std::string &value) const;
 };

@@ -118,13 +118,14 @@ public:
         : restriction_(restriction), player_(player)
     {}
 
-    /// Tells of values that a field lists in vain, since another of its name must hold as well.
+    /// Tells of values that a field lists in vain, since an inherited one must hold as well.
     void noteVainValues() const
     {
         for (const Field &field : restriction_.fields)
             for (const std::string &value : field.values)
                 for (const Field &other : restriction_.fields)
-                    if (other.name == field.name && !other.admits(value))
+                    if (other.name == field.name && other.ancestor > field.ancestor &&
+                        !other.admits(value))
                         note(field)(Remark::LeftOut,
                                     fmt::format("{} is not in {}:{}, which must hold as well",
                                                 printable(value), other.file, other.line));
@@ -230,7 +231,20 @@ private:
         };
         if (field.range) addRange(field.range->first, field.range->second);
         for (const std::string &value : field.values) addRange(value, value);
-        return ranges;
+        return joined(std::move(ranges));
+    }
+
+    /// Numbers that follow each other as one range.
+    static std::vector<Range> joined(std::vector<Range> ranges)
+    {
+        std::ranges::sort(ranges, {}, &Range::least);
+        std::vector<Range> all;
+        for (const Range range : ranges)
+            if (!all.empty() && range.least == all.back().most + 1)
+                all.back().most = range.most;
+            else
+                all.push_back(range);
+        return all;
     }
 
     template <class Limits>
@@ -334,7 +348,7 @@ private:
         constexpr struct {
             const char *version;
             Range rates;
-        } s_Versions[] = {{"1", {32000, 48000}}, {"2", {16000, 24000}}, {"3", {8000, 12000}}};
+        } s_Versions[] = {{"1", {32000, 0}}, {"2", {16000, 24000}}, {"3", {0, 12000}}};
         Union<SoundLimits> all;
         for (const auto &row : s_Versions) {
             SoundLimits limits;
@@ -358,8 +372,10 @@ private:
                           [](const SoundLimits &limits) { return limits.sampleRate.least; });
         Union<SoundLimits> joined;
         for (const SoundLimits &limits : all) {
-            if (!joined.empty() && isNext(joined.back(), limits, codec))
-                joined.back().sampleRate.most = limits.sampleRate.most;
+            const auto before = std::ranges::find_if(
+                joined, [&](const SoundLimits &other) { return isNext(other, limits, codec); });
+            if (before != joined.end())
+                before->sampleRate.most = limits.sampleRate.most;
             else
                 joined.push_back(limits);
         }

@@ -17,6 +17,7 @@ namespace vornak::tool {
 namespace {
 
 constexpr std::size_t kMostWays = 100'000;
+constexpr std::size_t kMostWishes = 1000;
 
 class Reader {
 public:
@@ -102,8 +103,11 @@ private:
                               "profile can hold");
         container.mime = profile.mime;
         container.pn = profile.name;
+        if (player_.wishes.size() < kMostWishes)
+            player_.wishes.push_back(
+                {picture.has_value(), picture ? picture->codec : 0, sound.codec, container.format});
         const std::vector<int> origin = originOfProfile(profile);
-        player_.ways.push_back({picture, sound, container, origin, origin});
+        player_.ways.push_back({picture, sound, {container}, origin, origin});
     }
 
     void addVideo(const DlnaProfile &profile, const Union<PictureLimits> &pictures,

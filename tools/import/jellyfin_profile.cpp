@@ -242,40 +242,67 @@ private:
     void addMusic(const ObjectReader &object, const Selection &formats, const Selection &sounds,
                   int origin)
     {
-        for (const int format : formatsOf(formats))
+        for (const std::vector<int> &alike : groupsOf(formatsOf(formats))) {
+            const int format = alike.front();
             for (const int codec : codecsOf<SoundLimits>(object, sounds, format, Music)) {
-                count(1);
-                for (const SoundLimits &sound : limitsFor<SoundLimits>(codec, format, Music))
-                    player_.ways.push_back(
-                        {std::nullopt,
-                         sound,
-                         {format, mimeOf(format, true), dlnaNameOfMusic(sound, format)},
-                         {},
-                         originsFor(origin, codec, format, Music)});
+                const auto &limits = limitsFor<SoundLimits>(codec, format, Music);
+                count(1 + limits.size());
+                for (const SoundLimits &sound : limits)
+                    player_.ways.push_back({std::nullopt,
+                                            sound,
+                                            containersIn(alike, true, sound),
+                                            {},
+                                            originsFor(origin, codec, format, Music)});
             }
+        }
     }
 
     void addVideo(const ObjectReader &object, const Selection &formats, const Selection &pictures,
                   const Selection &sounds, int origin)
     {
-        for (const int format : formatsOf(formats))
-            for (const int codec : codecsOf<PictureLimits>(object, pictures, format, Picture))
-                for (const int audio : codecsOf<SoundLimits>(object, sounds, format, SoundOfVideo))
-                    addVideos(codec, audio, format, origin);
+        for (const std::vector<int> &alike : groupsOf(formatsOf(formats))) {
+            const auto audio = codecsOf<SoundLimits>(object, sounds, alike.front(), SoundOfVideo);
+            for (const int codec :
+                 codecsOf<PictureLimits>(object, pictures, alike.front(), Picture))
+                for (const int sound : audio) addVideos(codec, sound, alike, origin);
+        }
     }
 
-    void addVideos(int codec, int audio, int format, int origin)
+    void addVideos(int codec, int audio, const std::vector<int> &alike, int origin)
     {
+        const int format = alike.front();
         const auto &pictures = limitsFor<PictureLimits>(codec, format, Picture);
         const auto &sounds = limitsFor<SoundLimits>(audio, format, SoundOfVideo);
         count(1 + pictures.size() * sounds.size());
         for (const PictureLimits &picture : pictures)
             for (const SoundLimits &sound : sounds)
-                player_.ways.push_back({picture,
-                                        sound,
-                                        {format, mimeOf(format, false), {}},
+                player_.ways.push_back({picture, sound, containersIn(alike, false, sound),
                                         originsFor(origin, codec, format, Picture),
                                         originsFor(origin, audio, format, SoundOfVideo)});
+    }
+
+    static std::vector<Container> containersIn(const std::vector<int> &formats, bool isMusic,
+                                               const SoundLimits &sound)
+    {
+        std::vector<Container> containers;
+        for (const int format : formats)
+            containers.push_back({format, mimeOf(format, isMusic),
+                                  isMusic ? dlnaNameOfMusic(sound, format) : std::string()});
+        return containers;
+    }
+
+    /// The containers, those together that the same conditions concern.
+    std::vector<std::vector<int>> groupsOf(const std::vector<int> &formats) const
+    {
+        std::map<std::vector<bool>, std::vector<int>> groups;
+        for (const int format : formats) {
+            std::vector<bool> concerning = {format == "matroska/webm"_container};
+            for (const LimitSet &set : sets_) concerning.push_back(set.containers.takes(format));
+            groups[concerning].push_back(format);
+        }
+        std::vector<std::vector<int>> all;
+        for (const auto &[concerning, alike] : groups) all.push_back(alike);
+        return all;
     }
 
     void count(std::size_t combinations)

@@ -46,12 +46,12 @@ struct Container {
     bool operator==(const Container &) const = default;
 };
 
-/// A kind of file that is played: all that is said here must hold. A player plays a file that fits
-/// any of its ways.
+/// A kind of file that is played: picture and sound keep their limits, in one of the containers. A
+/// player plays a file that fits any of its ways.
 struct Way {
     std::optional<PictureLimits> picture; ///< none: music
     SoundLimits sound;
-    Container container;
+    std::vector<Container> containers;
     std::vector<int> pictureOrigins, soundOrigins; ///< positions in Player::origins
 };
 

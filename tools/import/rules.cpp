@@ -239,7 +239,7 @@ std::vector<SoundRule> soundsOfNoFilm()
     const int wav = "wav"_container;
     return {{sound,
              soundOption(sound),
-             {{{wav, mimeOf(wav, true), {}}, containerOption(wav, true)}},
+             {{{wav, mimeOf(wav, true), {}}, containerOption(wav, sound.codec, true)}},
              {}}};
 }
 
@@ -306,57 +306,54 @@ Ways waysOfKind(const Player &player, bool isVideo)
     return ways;
 }
 
-/// For a player that is only told what it wants to be given: what is made is taken, too, since one
-/// rule says both.
+/// For a player of which it is only told what it wants to be given: that is taken, too.
 void takeWhatIsWished(Player &player, bool isVideo)
 {
     for (const Wish &wish : player.wishes) {
         if (wish.isVideo != isVideo || wish.sound == 0 || wish.format == 0) continue;
-        Way way{std::nullopt, {}, {wish.format, mimeOf(wish.format, !isVideo), {}}, {}, {}};
+        Way way{std::nullopt, {}, {{wish.format, mimeOf(wish.format, !isVideo), {}}}, {}, {}};
         way.sound.codec = wish.sound;
         if (isVideo) way.picture = PictureLimits{wish.picture, 0, 0, {0, 1920}, {0, 1080}, {}, 0};
         player.ways.push_back(std::move(way));
     }
-    player.remarks.insert({{},
-                           0,
-                           Remark::LeftOut,
-                           fmt::format("{}: of what is played as it is nothing can be made; what "
-                                       "is wished for is taken as it is, too, since the first rule "
-                                       "says both",
-                                       isVideo ? "VIDEO" : "MUSIC")});
 }
 
-bool isWished(const Player &player, bool isVideo)
+void note(Player &player, Remark::Kind kind, bool isVideo, const char *what)
 {
-    return std::ranges::find(player.wishes, isVideo, &Wish::isVideo) != player.wishes.end();
+    player.remarks.insert({{}, 0, kind, fmt::format("{}: {}", isVideo ? "VIDEO" : "MUSIC", what)});
 }
 
-void noteNone(Player &player, const char *section)
+/// Makes the rules of a section. Where nothing of what is played can be made, what is wished for
+/// has to be played as well, since the first rule says both.
+template <class MakeRules>
+auto rulesOfSection(Player &player, bool isVideo, MakeRules make)
 {
-    leaveOut(player, fmt::format("{}: ffmpeg makes nothing of what is played, and there is no rule "
-                                 "without something to transcode to",
-                                 section));
+    const bool isAny = !waysOfKind(player, isVideo).empty();
+    auto rules = make(waysOfKind(player, isVideo));
+    if (!rules.empty()) return rules;
+    takeWhatIsWished(player, isVideo);
+    rules = make(waysOfKind(player, isVideo));
+    if (!rules.empty())
+        note(player, Remark::LeftOut, isVideo,
+             "nothing of what is played as it is can be made; what is wished for is taken as it "
+             "is, too, since the first rule says both");
+    else if (isAny)
+        note(player, Remark::Stricter, isVideo,
+             "ffmpeg makes nothing of what is played, and there is no rule without something to "
+             "transcode to");
+    return rules;
 }
 
 } // namespace
 
 DeviceRules makeRules(Player &player)
 {
-    const auto makeMusic = [&] {
-        return soundRules(waysOfKind(player, false), {true, 0, player.wishes});
-    };
-    const auto makeVideo = [&] { return pictureRules(waysOfKind(player, true), player); };
-    DeviceRules rules{makeMusic(), makeVideo()};
-    if (rules.music.empty() && isWished(player, false)) {
-        takeWhatIsWished(player, false);
-        rules.music = makeMusic();
-    }
-    if (rules.video.empty() && isWished(player, true)) {
-        takeWhatIsWished(player, true);
-        rules.video = makeVideo();
-    }
-    if (rules.music.empty() && !waysOfKind(player, false).empty()) noteNone(player, "MUSIC");
-    if (rules.video.empty() && !waysOfKind(player, true).empty()) noteNone(player, "VIDEO");
+    DeviceRules rules;
+    rules.music = rulesOfSection(player, false, [&](const Ways &ways) {
+        return soundRules(ways, {true, 0, player.wishes});
+    });
+    rules.video =
+        rulesOfSection(player, true, [&](const Ways &ways) { return pictureRules(ways, player); });
     if (rules.music.empty() && rules.video.empty())
         throw std::runtime_error("nothing that is played as it is can be made by ffmpeg, so there "
                                  "is nothing to transcode to, and no profile");
