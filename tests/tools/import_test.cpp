@@ -3,6 +3,7 @@
 #include "tools/import/import_file.h"
 #include "tools/import/profile_text.h"
 
+#include "tests/support/doc_examples.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
@@ -263,6 +264,17 @@ TEST(ProfileImport, IsTheSameOnEveryRunAndNamesItsOrigins)
     std::istringstream lines(once.err);
     for (std::string line; std::getline(lines, line);)
         EXPECT_THAT(once.out, HasSubstr(line.substr(8, 50))) << line;
+}
+
+TEST(ProfileImport, ThePageShowsWhatHappens)
+{
+    const std::string path = VORNAK_SOURCE_DIR "/docs/profile-import.md";
+    const std::string page = contentOf(path), start = "```json\n";
+    const std::size_t from = page.find(start) + start.size();
+    const TempDir folder;
+    folder.write("kitchen.json", page.substr(from, page.find("```", from) - from));
+    expectDocExamples(readDocExamples(path),
+                      "cd " + folder.path().string() + "; vornak() { " VORNAK_CLI " \"$@\"; }");
 }
 
 TEST(ProfileImport, DlnaProfilesByNameAndBySink)

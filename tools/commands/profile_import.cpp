@@ -4,6 +4,7 @@
 #include "tools/import/import_file.h"
 #include "tools/import/note.h"
 #include "tools/import/profile_text.h"
+#include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 
@@ -57,13 +58,10 @@ void addProfileImport(CLI::App &app, int &status)
                      "The foreign profile: a file, or a folder of DLNA profiles")
         ->required();
     command->add_option("--name", options->name, "The player's name")->type_name("NAME");
-    command
-        ->add_option("--names", options->names,
-                     "The DLNA profiles that the player takes, the preferred first")
+    addRepeatable(*command, "--names", options->names,
+                  "The DLNA profiles that the player takes, the preferred first")
         ->type_name("NAME,...")
-        ->delimiter(',')
-        ->expected(1)
-        ->take_all();
+        ->delimiter(',');
     command
         ->add_option("--sink-protocol-info", options->sink,
                      "The same, as the player states it: a list of protocolInfo")
