@@ -20,6 +20,8 @@ public:
     int lineOf(pugi::xml_node element) const;
 
 private:
+    int lineAt(std::ptrdiff_t offset) const;
+
     std::string path_, text_;
     std::vector<std::size_t> lineEnds_;
     pugi::xml_document document_;
