@@ -162,7 +162,7 @@ TEST_F(Installed, ReadmeShowsWhatHappens)
                example.command.starts_with("cmake -S . ") ||
                example.command == "cmake --build build";
     });
-    EXPECT_EQ(all - examples.size(), 3U);
+    EXPECT_EQ(all - examples.size(), 4U);
     expectDocExamples(examples, "cd " + std::string(clone.path()) + "; HOME=$PWD; export HOME");
 }
 

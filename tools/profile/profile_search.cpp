@@ -26,6 +26,7 @@ fs::path userFolder()
     return home && *home ? fs::path(home) / ".config" : fs::path();
 }
 
+/// Empty where /proc isn't mounted.
 fs::path programFolder()
 {
     std::error_code unknown;
@@ -40,8 +41,9 @@ std::vector<std::string> profileFolders()
     const fs::path user = userFolder();
     if (!user.empty()) folders.push_back(user / "vornak/profiles");
     folders.emplace_back("/etc/vornak/profiles");
-    const fs::path installed = programFolder() / VORNAK_DATA_FROM_PROGRAM "/profiles";
-    folders.push_back(installed.lexically_normal());
+    const fs::path program = programFolder();
+    if (!program.empty())
+        folders.push_back((program / VORNAK_DATA_FROM_PROGRAM "/profiles").lexically_normal());
     return folders;
 }
 
