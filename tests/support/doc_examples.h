@@ -15,7 +15,7 @@ struct DocExample {
     std::string command, output;
 };
 
-/// The page's indented commands, after "$ ", each with what stands below it.
+/// The page's indented commands, after "$ " and "> ", each with what stands below it.
 inline std::vector<DocExample> readDocExamples(const std::string &page)
 {
     std::vector<DocExample> examples;
@@ -32,6 +32,8 @@ inline std::vector<DocExample> readDocExamples(const std::string &page)
         if (line.starts_with("    $ ")) {
             examples.push_back({line.substr(6), ""});
             inOutput = true;
+        } else if (inOutput && line.starts_with("    > ") && examples.back().output.empty()) {
+            examples.back().command += "\n" + line.substr(6);
         } else if (inOutput) {
             examples.back().output += blankLines + line.substr(4) + "\n";
         }
@@ -59,11 +61,14 @@ inline bool isShown(std::string_view output, std::string_view shown)
 
 /// Runs the commands in one shell, one after the other, and compares what they print.
 /// @param prologue  what the shell does first
-inline void expectDocExamples(const std::vector<DocExample> &examples, const std::string &prologue)
+/// @param end       what it does behind each
+inline void expectDocExamples(const std::vector<DocExample> &examples, const std::string &prologue,
+                              const std::string &end = {})
 {
     constexpr std::string_view kEnd = "\f\n";
-    std::string script = "exec 2>&1 </dev/null\n" + prologue + "\nprintf '\\f\\n'\n";
-    for (const DocExample &example : examples) script += example.command + "\nprintf '\\f\\n'\n";
+    const std::string mark = "\nprintf '\\f\\n'\n";
+    std::string script = "exec 2>&1 </dev/null\n" + prologue + mark;
+    for (const DocExample &example : examples) script += example.command + "\n" + end + mark;
     const std::string printed = run({"sh", "-c", script}).out;
     std::size_t from = printed.find(kEnd);
     EXPECT_EQ(printed.substr(0, from), "");

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 #include <set>
 
 namespace vornak::test {
@@ -473,29 +472,6 @@ TEST(ProfileCheck, SaysWhatToDoOfVideo)
     }
 }
 
-TEST(ProfileCheck, PrintsFindingsByLine)
-{
-    const TempDir dir;
-    const std::string path = dir.write(
-        "a.xml", device("\n<MUSIC>\n<ACODEC NAME=\"any\"><FORMAT NAME=\"mp3\"\nOPTION=\"-f mp3\"/>"
-                        "</ACODEC>\n</MUSIC>\n<VIDEO/>"));
-    const ProcessResult result = check(path);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "");
-    EXPECT_EQ(
-        result.out,
-        path +
-            ":3: error: the first ACODEC of MUSIC says what music is transcoded into, and a "
-            "wildcard says nothing [target-wildcard]\n    put a rule with a codec before it\n" +
-            path +
-            ":3: note: mp3 is announced without a MIME type [mime-missing]\n"
-            "    add MIME\n" +
-            path +
-            ":6: warning: VIDEO holds no rule [section-without-rules]\n"
-            "    add a VCODEC, or remove the section\n" +
-            path + ": 1 error, 1 warning, 1 note\n");
-}
-
 TEST(ProfileCheck, ExamplesAreClean)
 {
     int examples = 0;
@@ -507,37 +483,6 @@ TEST(ProfileCheck, ExamplesAreClean)
         ++examples;
     }
     EXPECT_GE(examples, 5);
-}
-
-TEST(ProfileCheck, WhatCannotBeLoaded)
-{
-    const TempDir dir;
-    const struct {
-        std::string path;
-        const char *says;
-    } cases[] = {
-        {dir / "missing.xml", "missing.xml: can't read it: No such file or directory"},
-        {dir.path(), ": it is a directory"},
-        {"/dev/null", "/dev/null: it is no regular file"},
-        {dir.write("empty.xml", ""), "empty.xml: it holds no XML element"},
-        {dir.write("text.xml", "\n\nhello"), "it holds no XML element"},
-        {dir.write("open.xml", "<DEVICE NAME=\"T\">\n<MUSIC>\n</DEVICE>"),
-         "open.xml:3: not well-formed"},
-        {dir.write("cut.xml", "<DEVICE NAME=\"T\">\n<MUS"), "cut.xml:2: not well-formed"},
-        {dir.write("root.xml", "\n<ROOT><DEVICE NAME=\"T\"/></ROOT>"),
-         "root.xml:2: the outermost element is ROOT"},
-        {dir.write("unnamed.xml", "<DEVICE\nNAME=\"\"/>"), "unnamed.xml:1: DEVICE needs a NAME"},
-        {dir.write("esc\033[31m.xml", "x"), "esc\\x1b[31m.xml: it holds no XML element"},
-    };
-    for (const auto &[path, says] : cases) {
-        for (const char *subcommand : {"check", "show"}) {
-            const ProcessResult result = run({VORNAK_CLI, "profile", subcommand, path});
-            EXPECT_EQ(result.status, 2) << path;
-            EXPECT_EQ(result.out, "");
-            EXPECT_THAT(result.err, HasSubstr(says));
-            EXPECT_EQ(std::ranges::count(result.err, '\n'), 1) << result.err;
-        }
-    }
 }
 
 std::string encoded(std::u32string_view text, std::size_t unit, bool bigEndian)
@@ -574,30 +519,6 @@ TEST(ProfileCheck, OtherEncodings)
                                   "4:unknown-codec"}));
         EXPECT_THAT(found.text, HasSubstr("\u00e9\" is no codec"));
     }
-}
-
-TEST(ProfileCheck, HostileTextIsEscapedAndCut)
-{
-    const std::string mega(1'000'000, 'x');
-    const TempDir dir;
-    const std::string path = dir.write(
-        "h.xml",
-        "<DEVICE NAME=\"\033]0;t\a\">\n<MUSIC><ACODEC NAME=\"\033[31m\xff\xc3\" PROFILE=\"\xe2\x80\xae\xd8\x9c\">"
-        "<FORMAT NAME=\"" +
-            mega + "\" OPTION=\"-f " + mega + "\"/></ACODEC>" + "<\xff/>" + mega +
-            "</MUSIC></DEVICE>");
-    for (const char *subcommand : {"check", "show"})
-        for (const char *format : {"--json", ""}) {
-            std::vector<std::string> words = {VORNAK_CLI, "profile", subcommand, path};
-            if (*format) words.emplace_back(format);
-            const ProcessResult result = run(words);
-            for (const char *raw : {"\033", "\a", "\xff", "\xe2\x80\xae", "\xd8\x9c"})
-                EXPECT_THAT(result.out + result.err, Not(HasSubstr(raw))) << subcommand;
-            EXPECT_LT(result.out.size(), 20'000U);
-            if (*format) {
-                EXPECT_TRUE(nlohmann::json::accept(result.out));
-            }
-        }
 }
 
 } // namespace

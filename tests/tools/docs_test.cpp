@@ -1,5 +1,4 @@
-// docs/profile-format.md and docs/json.md: what they list is what there is, and what they show is
-// what happens.
+// The pages of docs/: what they list is what there is, and what they show is what happens.
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 #include "tools/check/finding.h"
@@ -7,10 +6,11 @@
 #include "tools/decide/reason_text.h"
 #include "tools/profile/id_names.h"
 
-#include "tests/support/process.h"
+#include "tests/support/doc_examples.h"
 #include "tests/support/temp_dir.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 
@@ -219,6 +219,68 @@ TEST(ProfileGuide, ShowsTheJsonThatIsPrinted)
             {"env", "-C", dir.path(), VORNAK_CLI, "profile", subcommand, "--json", "kitchen.xml"});
         EXPECT_EQ(result.out, blockAfter("```json\n", at));
     }
+}
+
+/// The text with those bit rates masked that are the encoder's choice.
+std::string masked(const std::string &text)
+{
+    const std::regex chosen("(, [0-9]+x[0-9]+), [0-9]+ bit/s|( Hz), [0-9]+ bit/s( \\(estimated)");
+    return std::regex_replace(text, chosen, "$1$2, N bit/s$3");
+}
+
+/// The text between a line and the next "```".
+std::string blockAfter(const std::string &page, const std::string &line, std::size_t &from)
+{
+    const std::size_t begin = page.find(line + "\n", from) + line.size() + 1;
+    from = page.find("```\n", begin);
+    return page.substr(begin, from - begin);
+}
+
+TEST(DecidePages, ShowTheDocumentAndTheSameInWords)
+{
+    const std::string text = page("json.md");
+    std::size_t at = 0;
+    const TempDir dir;
+    dir.write("player.xml", blockAfter(text, "```xml", at));
+    const std::string makeFilm = blockAfter(text, "```sh", at);
+    const std::string decideFilm = blockAfter(text, "```sh", at);
+    dir.write("make", "vornak() { \"$TOOL\" \"$@\"; }\n" + makeFilm + decideFilm);
+    const ProcessResult result = run({"env", "-C", dir.path(), "TOOL=" VORNAK_CLI, "sh", "./make"});
+    ASSERT_EQ(result.status, 0) << result.err;
+
+    const auto maskedJson = [](nlohmann::json document) {
+        auto &source = document["files"][0]["source"];
+        for (auto *stream : {&source["video"], &source["audioTracks"][0]})
+            (*stream)["bitrate"] = (*stream)["bitrate"].get<int>() > 0;
+        source["duration"] = source["duration"].get<double>() > 1;
+        return document;
+    };
+    EXPECT_EQ(maskedJson(nlohmann::json::parse(result.out)),
+              maskedJson(nlohmann::json::parse(blockAfter(text, "```json", at))));
+
+    // the same in words
+    const ProcessResult words =
+        run({"env", "-C", dir.path(), VORNAK_CLI, "decide", "-p", "player.xml", "film.mkv"});
+    const std::string indented =
+        std::regex_replace(words.out, std::regex("(^|\n)(?=[^\n])"), "$1    ");
+    EXPECT_NE(masked(page("decide.md")).find(masked(indented)), std::string::npos) << indented;
+    for (const DocExample &example : readDocExamples(VORNAK_SOURCE_DIR "/docs/decide.md")) {
+        const ProcessResult shown = run(
+            {"env", "-C", dir.path(), "sh", "-c",
+             "ln -sf player.xml tv.xml; vornak() { " VORNAK_CLI " \"$@\"; }; " + example.command});
+        EXPECT_EQ(shown.out + shown.err, example.output) << example.command;
+    }
+}
+
+TEST(TranscodingPage, ShowsWhatItsCommandsPrint)
+{
+    const TempDir dir;
+    std::size_t at = 0;
+    dir.write("tv.xml", blockAfter(page("transcoding.md"), "```xml", at));
+    const auto examples = readDocExamples(VORNAK_SOURCE_DIR "/docs/transcoding.md");
+    EXPECT_EQ(examples.size(), 6U);
+    const std::string tools = std::filesystem::path(VORNAK_CLI).parent_path();
+    expectDocExamples(examples, "cd " + dir.path().string() + "; PATH=" + tools + ":\"$PATH\"");
 }
 
 } // namespace

@@ -1,0 +1,28 @@
+// The pages of transcripts/, each run in a folder of its own: what a user types, and what is shown,
+// with the exit status in brackets where it isn't 0.
+#include "tests/support/doc_examples.h"
+#include "tests/support/temp_dir.h"
+
+namespace vornak::test {
+namespace {
+
+class Transcript : public testing::TestWithParam<const char *> {};
+
+TEST_P(Transcript, IsWhatHappens)
+{
+    const TempDir dir;
+    const auto examples = readDocExamples(VORNAK_SOURCE_DIR "/tests/tools/transcripts/" +
+                                          std::string(GetParam()) + ".md");
+    EXPECT_FALSE(examples.empty());
+    const std::string tools = std::filesystem::path(VORNAK_CLI).parent_path();
+    expectDocExamples(examples,
+                      "cd " + dir.path().string() + "; export PATH=" + tools + ":\"$PATH\"",
+                      "status=$?; [ $status = 0 ] || echo \"[$status]\"");
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, Transcript,
+                         testing::Values("command", "decide", "profile", "subtitles"),
+                         [](const auto &page) { return std::string(page.param); });
+
+} // namespace
+} // namespace vornak::test
