@@ -3,7 +3,7 @@
 #include "base/media_ids.h"
 #include "base/rule_tables.h"
 
-using vornak::operator""_container;
+using namespace vornak; // for the literals
 
 DEFAULT_FORMAT_PARAM_ST s_DefaultFormatParams[21] = {
     {"mp3"_container, "-f mp3"},
@@ -26,7 +26,7 @@ DEFAULT_FORMAT_PARAM_ST s_DefaultFormatParams[21] = {
     {"mpegps_mpeg1"_container, "-f mpeg2video"},
     {"mpegts_204"_container, "-f mpegts"},
     {"rm"_container, "-f rm"},
-    {vornak::kEndOfTable, nullptr},
+    {kEndOfTable, nullptr},
 };
 
 namespace vornak {

@@ -26,7 +26,7 @@ struct WrittenNumber {
     Number made;
     std::string_view read, rest; ///< the parts of the text
 
-    bool hasDigits() const { return read.find_first_of("0123456789") != read.npos; }
+    bool hasDigits() const { return read.find_first_of("0123456789") != std::string_view::npos; }
     bool hasSuffixInside() const { return read.find_first_of("KkMm") < read.size() - 1; }
 };
 

@@ -66,7 +66,7 @@ std::string toUtf8(const std::string &text, pugi::xml_encoding encoding)
     const auto *const row = std::ranges::find(
         s_Encodings, encoding, [](const auto &candidate) { return candidate.encoding; });
     if (row == std::end(s_Encodings)) return text;
-    const iconv_t opened = iconv_open("UTF-8", row->name);
+    iconv_t opened = iconv_open("UTF-8", row->name);
     if (reinterpret_cast<std::intptr_t>(opened) == -1) return text;
     const std::unique_ptr<void, CloseConverter> converter(opened);
 
