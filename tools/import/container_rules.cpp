@@ -39,7 +39,7 @@ bool isCovered(int format, const std::vector<ContainerRule> &before)
 {
     return std::ranges::any_of(before, [format](const ContainerRule &rule) {
         const int earlier = rule.container.format;
-        const bool isOfAnySubtype = earlier >> 16 == 0;
+        const bool isOfAnySubtype = subtypePart(earlier) == 0;
         return earlier == format || (isOfAnySubtype && earlier == containerPart(format));
     });
 }

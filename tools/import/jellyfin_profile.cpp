@@ -326,7 +326,7 @@ private:
             // one without subtype would take those with the subtypes that are left out
             return formats.isExcept && std::ranges::any_of(formats.ids, [format](int other) {
                        return other == format ||
-                              (format >> 16 == 0 && format == containerPart(other));
+                              (subtypePart(format) == 0 && format == containerPart(other));
                    });
         });
         return all;
