@@ -80,6 +80,29 @@ TEST_F(Installed, IsFoundByTheVersionAndThePartsThatAreAskedFor)
     EXPECT_NE(shell("pkg-config --exists 'vornak >= 2'").status, 0);
 }
 
+// Nothing of it leaks into the other project, and nothing is installed there.
+TEST_F(Installed, AsAPartOfAnotherProjectOnlyTheLibraryIsBuilt)
+{
+    s_dir->write("part/CMakeLists.txt",
+                 "cmake_minimum_required(VERSION 3.22)\nproject(part CXX)\ninclude(FetchContent)\n"
+                 "set(CMAKE_DISABLE_FIND_PACKAGE_pugixml ON)\n"
+                 "FetchContent_Declare(vornak SOURCE_DIR " VORNAK_SOURCE_DIR ")\n"
+                 "FetchContent_MakeAvailable(vornak)\n"
+                 "get_property(parts DIRECTORY ${vornak_SOURCE_DIR} PROPERTY SUBDIRECTORIES)\n"
+                 "foreach(part ${parts})\n"
+                 "  get_property(all DIRECTORY ${part} PROPERTY BUILDSYSTEM_TARGETS)\n"
+                 "  list(APPEND targets ${all})\nendforeach()\n"
+                 "get_property(all DIRECTORY ${vornak_SOURCE_DIR} PROPERTY BUILDSYSTEM_TARGETS)\n"
+                 "get_property(options DIRECTORY PROPERTY COMPILE_OPTIONS)\n"
+                 "message(NOTICE \"${targets} ${all} [${options}${CMAKE_CXX_STANDARD}\"\n"
+                 "  \"${CMAKE_BUILD_TYPE}${CMAKE_CXX_FLAGS}]\")\n"
+                 "if(NOT TARGET vornak::vornak OR TARGET vornak::platform)\n"
+                 "  message(FATAL_ERROR targets)\nendif()\n");
+    const ProcessResult configured = shell("cmake -S part -B part >log");
+    EXPECT_EQ(configured.err, " vornak_build;vornak []\n");
+    EXPECT_EQ(shell("cmake --install part --prefix $PWD/nothing >log; ls nothing").out, "");
+}
+
 TEST_F(Installed, HostsAnswerAndLeaveNothing)
 {
     const auto video = [&](const char *rule, const char *codec, const char *container,
