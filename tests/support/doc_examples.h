@@ -4,6 +4,7 @@
 #include "tests/support/process.h"
 
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
@@ -59,17 +60,26 @@ inline bool isShown(std::string_view output, std::string_view shown)
     return true;
 }
 
+/// Behind a command, shows its status in brackets where that isn't 0.
+inline const std::string kShowStatus = "status=$?; [ $status = 0 ] || echo \"[$status]\"";
+
 /// Runs the commands in one shell, one after the other, and compares what they print.
 /// @param prologue  what the shell does first
 /// @param end       what it does behind each
-inline void expectDocExamples(const std::vector<DocExample> &examples, const std::string &prologue,
-                              const std::string &end = {})
+/// @param runShell  runs a script, elsewhere than here
+inline void expectDocExamples(
+    const std::vector<DocExample> &examples, const std::string &prologue,
+    const std::string &end = {},
+    const std::function<ProcessResult(const std::string &)> &runShell =
+        [](const std::string &script) {
+            return run({"sh", "-c", script});
+        })
 {
     constexpr std::string_view kEnd = "\f\n";
     const std::string mark = "\nprintf '\\f\\n'\n";
     std::string script = "exec 2>&1 </dev/null\n" + prologue + mark;
     for (const DocExample &example : examples) script += example.command + "\n" + end + mark;
-    const std::string printed = run({"sh", "-c", script}).out;
+    const std::string printed = runShell(script).out;
     std::size_t from = printed.find(kEnd);
     EXPECT_EQ(printed.substr(0, from), "");
     for (const DocExample &example : examples) {

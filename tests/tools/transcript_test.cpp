@@ -17,7 +17,7 @@ TEST_P(Transcript, IsWhatHappens)
     const std::string tools = std::filesystem::path(VORNAK_CLI).parent_path();
     expectDocExamples(examples,
                       "cd " + dir.path().string() + "; export PATH=" + tools + ":\"$PATH\"",
-                      "status=$?; [ $status = 0 ] || echo \"[$status]\"");
+                      kShowStatus);
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, Transcript,
