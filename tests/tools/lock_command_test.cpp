@@ -1,8 +1,8 @@
 // vornak lock, as a program, on a lock that nobody else sees.
 #include "include/vornak.h"
 
+#include "tests/support/doc_examples.h"
 #include "tests/support/private_mounts_test.h"
-#include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -207,38 +207,12 @@ TEST_F(LockCommandTest, SaysWhoseItIs)
 
 TEST_F(LockCommandTest, CommandRunsWithTheLockHeld)
 {
-    dir_.write("notExecutable", "");
-    const struct {
-        std::vector<std::string> command;
-        int status;
-        std::string out, err;
-    } cases[] = {
-        {{"/bin/sh", "-c", std::string(kTool) + " lock status"}, 0, "VORNAK_DB_SEM: held\n", ""},
-        {{"sh", "-c", "echo out; echo err >&2; exit 7"}, 7, "out\n", "err\n"},
-        {{"printf", "<%s>", "--", "a b", "$(id)", "--json", "-h"},
-         0,
-         "<--><a b><$(id)><--json><-h>",
-         ""},
-        {{"sh", "-c", "kill -TERM $$"}, 128 + SIGTERM, "", ""},
-        {{"sh", "-c", "kill -KILL $$"}, 128 + SIGKILL, "", ""},
-        {{"/no/such/\x1b[31m"},
-         127,
-         "",
-         "vornak: can't run /no/such/\\x1b[31m: No such file or directory\n"},
-        {{dir_ / "notExecutable"},
-         126,
-         "",
-         "vornak: can't run " + dir_ / "notExecutable" + ": Permission denied\n"},
-    };
-    for (const auto &c : cases) {
-        std::vector<std::string> arguments{kTool, "lock", "run", "--"};
-        arguments.insert(arguments.end(), c.command.begin(), c.command.end());
-        const ProcessResult result = run(arguments);
-        EXPECT_EQ(result.status, c.status) << c.command.front();
-        EXPECT_EQ(result.out, c.out);
-        EXPECT_EQ(result.err, c.err);
-        EXPECT_EQ(count(), 1) << c.command.back();
-    }
+    const auto examples = readDocExamples(VORNAK_SOURCE_DIR "/tests/tools/transcripts/lock.md");
+    EXPECT_EQ(examples.size(), 9U);
+    const std::string tools = std::filesystem::path(kTool).parent_path();
+    expectDocExamples(examples,
+                      "cd " + dir_.path().string() + "; export PATH=" + tools + ":\"$PATH\"",
+                      kShowStatus);
 }
 
 TEST_F(LockCommandTest, SignalsGoOnToTheCommand)
@@ -311,19 +285,6 @@ TEST_F(LockCommandTest, SignalsEndTheWait)
         EXPECT_EQ(impatient.wait(), 128 + signal);
         EXPECT_EQ(count(), 0); // still its holder's
     }
-}
-
-TEST_F(LockCommandTest, CommandsExcludeOneAnother)
-{
-    const std::string counter = dir_.write("counter", "0\n");
-    const std::string add = std::string(kTool) + " lock run -- sh -c 'read n <" + counter +
-                            "; echo $((n+1)) >" + counter + "'";
-    const std::string often = "for i in 1 2 3 4 5 6 7 8 9 10; do " + add + "; done";
-    EXPECT_EQ(run({"sh", "-c", "(" + often + ")& (" + often + ")& (" + often + ")& wait"}).status,
-              0);
-    std::string total;
-    std::ifstream(counter) >> total;
-    EXPECT_EQ(total, "30");
 }
 
 } // namespace
