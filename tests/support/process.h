@@ -45,6 +45,7 @@ inline ProcessResult run(const std::vector<std::string> &arguments, const std::s
     std::rewind(in.file);
 
     std::vector<char *> argv;
+    argv.reserve(arguments.size() + 1);
     for (const std::string &argument : arguments)
         argv.push_back(const_cast<char *>(argument.c_str()));
     argv.push_back(nullptr);
