@@ -35,7 +35,8 @@ std::uint64_t drawWord(std::size_t index)
     while (getrandom(&word, sizeof word, 0) != sizeof word) {
         if (errno == EINTR) continue;
         // Old kernels don't have it, but give each program 16 bytes; a forked one has the same.
-        std::memcpy(&word, reinterpret_cast<const char *>(getauxval(AT_RANDOM)) + 8 * index, 8);
+        const auto *bytes = reinterpret_cast<const char *>(getauxval(AT_RANDOM)); // NOLINT
+        std::memcpy(&word, bytes + 8 * index, 8);
         return word ^ static_cast<std::uint64_t>(getpid());
     }
     return word;
