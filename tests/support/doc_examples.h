@@ -3,6 +3,7 @@
 
 #include "tests/support/process.h"
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
@@ -33,8 +34,8 @@ inline std::vector<DocExample> readDocExamples(const std::string &page)
         if (line.starts_with("    $ ")) {
             examples.push_back({line.substr(6), ""});
             inOutput = true;
-        } else if (inOutput && line.starts_with("    > ") && examples.back().output.empty()) {
-            examples.back().command += "\n" + line.substr(6);
+        } else if (inOutput && line.starts_with("    >") && examples.back().output.empty()) {
+            examples.back().command += "\n" + line.substr(std::min<std::size_t>(6, line.size()));
         } else if (inOutput) {
             examples.back().output += blankLines + line.substr(4) + "\n";
         }
