@@ -109,7 +109,7 @@ private:
         if (open_.empty())
             root_ = std::move(value);
         else
-            open_.back()->members.emplace_back(std::exchange(key_, {}), std::move(value));
+            open_.back()->members.push_back({std::exchange(key_, {}), std::move(value)});
         return true;
     }
 
@@ -121,7 +121,7 @@ private:
                               "any profile");
         add(kind, {});
         // a value is only added to the innermost one, so none that is open moves
-        open_.push_back(open_.empty() ? &root_ : &open_.back()->members.back().second);
+        open_.push_back(open_.empty() ? &root_ : &open_.back()->members.back().value);
         return true;
     }
 

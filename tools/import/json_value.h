@@ -3,10 +3,11 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace vornak::tool {
+
+struct JsonMember;
 
 struct JsonValue {
     enum Kind { Null, Flag, Number, Text, List, Object };
@@ -14,7 +15,12 @@ struct JsonValue {
     Kind kind = Null;
     int line = 0;     ///< where it begins, from 1
     std::string text; ///< of a text, a number as it is written, or "true" and "false"
-    std::vector<std::pair<std::string, JsonValue>> members; ///< of a list without names
+    std::vector<JsonMember> members; ///< of a list without names
+};
+
+struct JsonMember {
+    std::string name;
+    JsonValue value;
 };
 
 /// Parses a document; throws ImportError for what is no JSON or nests deeper than any profile.

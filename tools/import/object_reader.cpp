@@ -50,9 +50,7 @@ std::vector<ObjectReader> ObjectReader::list(std::string_view key)
 {
     const JsonValue *value = find(key);
     if (!value) return {};
-    const auto isObject = [](const auto &member) {
-        return member.second.kind == JsonValue::Object;
-    };
+    const auto isObject = [](const auto &member) { return member.value.kind == JsonValue::Object; };
     if (value->kind != JsonValue::List || !std::ranges::all_of(value->members, isObject))
         throw ImportError(path_, value->line,
                           fmt::format("{}{} is no list of objects", place_, key));

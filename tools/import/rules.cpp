@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 #include <iterator>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
@@ -103,7 +104,7 @@ bool haveSameContent(const PictureRule &one, const PictureRule &other)
 template <class Rule>
 bool isNeedless(const Rule &rule, const std::vector<Rule> &rules)
 {
-    for (const Rule &later : std::ranges::subrange(&rule + 1, rules.data() + rules.size())) {
+    for (const Rule &later : std::span(&rule + 1, rules.data() + rules.size())) {
         if (!intersection(later.limits, rule.limits)) continue;
         if (!haveSameContent(later, rule)) return false;
         if (contains(later.limits, rule.limits)) return true;
@@ -193,8 +194,8 @@ void putTargetFirst(std::vector<Rule> &rules, const Surrounding &surrounding)
     Rule target = *best;
     target.limits = *leadingPart(*best, rules);
     for (Rule &rule : rules) rule.option.clear();
-    std::ranges::stable_partition(rules, [codec = target.limits.codec](const Rule &rule) {
-        return rule.limits.codec == codec;
+    std::stable_partition(rules.begin(), rules.end(), [&](const Rule &rule) {
+        return rule.limits.codec == target.limits.codec;
     });
     rules.insert(rules.begin(), std::move(target));
 }
