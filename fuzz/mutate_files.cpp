@@ -1,5 +1,5 @@
 // Runs a fuzz target on a fixed number of mutations of files, the same ones each time.
-// Arguments: the number, then the files.
+// Arguments: the number, a dictionary of what may be put in, then the files.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -17,52 +17,30 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
 
 namespace {
 
-const char *const s_Pieces[] = {
-    "<ACODEC NAME='aac' ",
-    "<FORMAT NAME='mp4' ",
-    "<VCODEC NAME='h264' ",
-    "<DEVICE NAME='d'>",
-    "<MUSIC>",
-    "<VIDEO>",
-    "</ACODEC>",
-    "</VCODEC>",
-    "</MUSIC>",
-    "</VIDEO>",
-    "</DEVICE>",
-    "/>",
-    ">",
-    "<",
-    "'",
-    "\"",
-    "|",
-    "||",
-    " ",
-    "K",
-    "M",
-    "-",
-    "99999999999",
-    "NAME=''",
-    "PROFILE='main|?'",
-    "MAXFREQUENCY='44.1K'",
-    "PLAY_EXCEPTION=",
-    "&",
-    "&#0;",
-    "&#x41;",
-    "&lt;",
-    "<!--",
-    "-->",
-    "<![CDATA[",
-    "]]>",
-    "<?xml encoding='latin1'?>",
-    "<!DOCTYPE x [",
-    "\xff\xfe",
-    "\xef\xbb\xbf",
-    "\xc3",
-};
+/// The entries of a libFuzzer dictionary: a text in quotes each line, its odd bytes as "\\xff".
+std::vector<std::string> readDictionary(const std::string &path)
+{
+    std::vector<std::string> entries;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with('"')) continue;
+        std::string &entry = entries.emplace_back();
+        for (std::size_t i = 1; i + 1 < line.size(); ++i) {
+            const bool isByte = line.compare(i, 2, "\\x") == 0;
+            if (line[i] == '\\' && !isByte) ++i;
+            entry +=
+                isByte ? static_cast<char>(std::stoi(line.substr(i + 2, 2), nullptr, 16)) : line[i];
+            if (isByte) i += 3;
+        }
+    }
+    return entries;
+}
 
 class Mutator {
 public:
-    explicit Mutator(const std::vector<std::string> &files) : files_(files) {}
+    Mutator(const std::vector<std::string> &files, const std::vector<std::string> &pieces)
+        : files_(files), pieces_(pieces)
+    {}
 
     std::string next()
     {
@@ -80,11 +58,10 @@ private:
         const std::size_t length = below(std::min<std::size_t>(text.size() - at, 200) + 1);
         switch (below(6)) {
         case 0:
-            text.insert(at, s_Pieces[below(std::size(s_Pieces))]);
+            text.insert(at, pieces_[below(pieces_.size())]);
             break;
         case 1:
-            text.replace(at, std::min<std::size_t>(length, 4),
-                         s_Pieces[below(std::size(s_Pieces))]);
+            text.replace(at, std::min<std::size_t>(length, 4), pieces_[below(pieces_.size())]);
             break;
         case 2:
             text.erase(at, length);
@@ -101,7 +78,7 @@ private:
         }
     }
 
-    const std::vector<std::string> &files_;
+    const std::vector<std::string> &files_, &pieces_;
     std::mt19937 random_; // seeded as it is by default: the same numbers on every machine
 };
 
@@ -110,15 +87,17 @@ private:
 int main(int argc, char **argv)
 {
     std::vector<std::string> files;
-    for (int i = 2; i < argc; ++i) {
+    for (int i = 3; i < argc; ++i) {
         std::ifstream file(argv[i], std::ios::binary);
         files.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
         if (!file) return std::printf("cannot read %s\n", argv[i]), 2;
     }
-    if (files.empty()) return std::printf("usage: %s NUMBER FILE...\n", argv[0]), 2;
+    const std::vector<std::string> pieces = readDictionary(argc > 2 ? argv[2] : "");
+    if (files.empty() || pieces.empty())
+        return std::printf("usage: %s NUMBER DICTIONARY FILE...\n", argv[0]), 2;
     if (dup2(open("/dev/null", O_WRONLY), 2) < 0) return 2; // the warnings of a million names
 
-    Mutator mutator(files);
+    Mutator mutator(files, pieces);
     for (int left = std::atoi(argv[1]); left > 0; --left) {
         const std::string text = mutator.next();
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(text.data()), text.size());
