@@ -135,6 +135,8 @@ TEST(H264References, AreCountedAgainstTheBufferOfTheLevel)
         {{100, 0, 51, 20, 15, true, 17}, true},
         {{100, 0, 10, 120, 68, true, 1}, false}, // too large for its level
         {{100, 0, 10, 120, 68, true, 2}, true},
+        {{100, 0, 61, 480, 270, true, 5}, false}, // 696320 / (480 * 270) = 5.4
+        {{100, 0, 61, 480, 270, true, 6}, true},
         {{100, 0, 77, 80, 45, true, 16}, false}, // no such level
     };
     for (const auto &c : cases) {
