@@ -196,6 +196,7 @@ void MediaFile::findStreams(Search search)
 {
     constexpr std::int64_t kMostForStreams = 64'000'000;
 
+    dataStart_ = avio_tell(io_.get());
     for (unsigned i = 0; i < context_->nb_streams; ++i) {
         AVCodecParameters &parameters = *context_->streams[i]->codecpar;
         headerBitrates_.push_back(parameters.bit_rate);

@@ -34,6 +34,7 @@ public:
     const std::string &error() const { return error_; }
     bool isOpen() const { return isOpen_; } ///< as a file with something in it
     std::int64_t size() const { return size_; }
+    std::int64_t dataStart() const { return dataStart_; } ///< behind the header
 
     /// What the header says, in bits per second, before anything is guessed from packets; 0:
     /// nothing, or the stream has turned up since. A codec whose frames name their rate has that
@@ -66,6 +67,7 @@ private:
     bool isOpen_ = false;
     std::int64_t size_ = 0;
     std::int64_t position_ = 0;
+    std::int64_t dataStart_ = 0;
     std::int64_t readable_ = 0;
     std::vector<std::int64_t> headerBitrates_; ///< one a stream
     std::unique_ptr<AVIOContext, CloseIo> io_;

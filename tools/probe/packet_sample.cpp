@@ -167,7 +167,6 @@ PacketSample readPackets(AVFormatContext &context, std::vector<Sampling> streams
     std::int64_t bytes = 0;
     std::optional<double> begin;
     const bool isPlace = !streams.empty() && streams.front().skip;
-    const std::int64_t before = avio_tell(context.pb);
     for (int i = 0; i < most.packets && bytes < most.bytes; ++i) {
         sample.isComplete = av_read_frame(&context, packet.get()) < 0;
         if (sample.isComplete) break;
@@ -182,7 +181,7 @@ PacketSample readPackets(AVFormatContext &context, std::vector<Sampling> streams
         av_packet_unref(packet.get());
     }
     sample.begin = begin.value_or(0);
-    sample.fileBytes = avio_tell(context.pb) - before;
+    sample.end = avio_tell(context.pb);
     for (std::size_t i = 0; i < streams.size(); ++i)
         sample.streams.push_back(finish(std::move(streams[i]), context,
                                         context.streams[i]->time_base,

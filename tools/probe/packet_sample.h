@@ -31,7 +31,7 @@ struct SampleSize {
 struct PacketSample {
     std::vector<SampledStream> streams; ///< one entry a stream, or none at all
     double begin = 0;                   ///< seconds in the file, of the first packet
-    std::int64_t fileBytes = 0;         ///< that these packets were read from
+    std::int64_t end = 0;               ///< how far in the file was read
     bool isComplete = false;            ///< the file has no more; of places: each had something
 
     std::int64_t bytes() const; ///< of all streams

@@ -81,15 +81,9 @@ double playedBytes(const Survey &survey)
     return static_cast<double>(bytes);
 }
 
-/// MP4 and AVI list all packets of each stream.
-bool hasTables(const AVFormatContext &context)
-{
-    return isMp4(context) || std::string_view(context.iformat->name) == "avi";
-}
-
-/// Takes the rates of the streams from the tables: what the header says was made from durations
-/// that may be wrong, or for a part of the file. False where the tables are of a part themselves:
-/// the rest of an MP4 file may be in fragments.
+/// Takes the rates of an MP4 file's streams from its tables: what its header says was made from
+/// durations that may be wrong, or for a part of the file. False where the tables are of a part
+/// themselves, since the rest is in fragments.
 bool takeTables(Survey &survey)
 {
     StreamTable sum;
@@ -111,7 +105,7 @@ bool takeTables(Survey &survey)
 /// Forgets what the header says of bit rates where it can't be right.
 void checkHeader(Survey &survey)
 {
-    const bool isRight = hasTables(survey.context)
+    const bool isRight = isMp4(survey.context)
                              ? takeTables(survey)
                              : fitFile(survey.rates, playedBytes(survey), survey.duration);
     if (isRight) return;
@@ -191,12 +185,14 @@ bool isCut(const Survey &survey)
            !isSoughtByBytes(survey.context) && !survey.file.isAtLimit();
 }
 
-/// The played bytes without what a broadcast fills its packets up with, as the start shows.
+/// The played bytes without what broadcasts and ASF fill up their packets with, as the start shows
+/// it. Other containers add next to nothing.
 double payloadBytes(const Survey &survey)
 {
+    const std::string_view format = survey.context.iformat->name;
+    const auto read = static_cast<double>(survey.start.end - survey.file.dataStart());
     const double bytes = playedBytes(survey);
-    const auto read = static_cast<double>(survey.start.fileBytes);
-    if (std::string_view(survey.context.iformat->name) != "mpegts" || read <= 0) return bytes;
+    if ((format != "mpegts" && format != "asf") || read <= 0) return bytes;
     return bytes * std::min(1.0, static_cast<double>(survey.start.bytes()) / read);
 }
 
