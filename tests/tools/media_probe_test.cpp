@@ -5,6 +5,9 @@
 #include "tests/support/capture.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_dir.h"
+#include "tools/decide/decision.h"
+#include "tools/transcode/ffmpeg_line.h"
+#include "tools/transcode/library_command.h"
 
 #include <algorithm>
 #include <cmath>
@@ -525,9 +528,9 @@ std::int64_t bytesRead()
 /// no part of its streams.
 TEST_F(MediaProbe, IsNotHeldUpByZeros)
 {
-    for (const char *name : {"high.mkv", "cast.ts", "fields.mpg", "xvid.avi", "flash.flv",
-                             "web.webm", "windows.wmv", "song.mp3", "song.wav", "song.ac3",
-                             "song.aac", "song.flac", "free.ogv", "photo.png", "raw.mjpeg"}) {
+    for (const char *name :
+         {"high.mkv", "cast.ts", "fields.mpg", "xvid.avi", "flash.flv", "web.webm", "song.mp3",
+          "song.wav", "song.ac3", "song.flac", "photo.png", "raw.mjpeg"}) {
         const ProbeResult whole = probeMedia(clip(name));
         const std::string path = folder_->write("zeros", readFile(clip(name)));
         std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
@@ -585,6 +588,67 @@ TEST_F(MediaProbe, TakesAnyFileNameForOne)
         EXPECT_EQ(describe(probeMedia(name)), s_Clips[0].expected) << name;
     }
     std::filesystem::current_path(before);
+}
+
+/// A folder holds what somebody else wrote: lists of other files, in every form that ffmpeg knows.
+TEST_F(MediaProbe, OpensNoOtherFile)
+{
+    const std::string decoy = clip("decoy.ts"), trace = clip("trace");
+    std::filesystem::copy_file(clip("cast.ts"), decoy);
+    const std::vector<std::string> targets = {"decoy.ts", decoy, "file:" + decoy,
+                                              "http://127.0.0.1:9/decoy.ts"};
+    const struct {
+        const char *name, *before, *after; // what a target stands between
+    } lists[] = {
+        {"a.m3u8", "#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXTINF:9,\n", "\n#EXT-X-ENDLIST\n"},
+        {"b.ts", "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=9\n", "\n"},
+        {"c.mp4", "#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXT-X-MAP:URI=\"", "\"\n#EXTINF:9,\na.ts\n"},
+        {"d.ffconcat", "ffconcat version 1.0\nfile '", "'\n"},
+        {"e.sdp", "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\na=control:",
+         "\nm=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\n"},
+        {"f.mpd",
+         "<MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\" type=\"static\"><Period><AdaptationSet "
+         "mimeType=\"video/mp4\"><Representation id=\"1\" bandwidth=\"9\"><BaseURL>",
+         "</BaseURL></Representation></AdaptationSet></Period></MPD>"},
+        {"g.rm", "rtsp://127.0.0.1:9/\n", "\n"},
+        {"h.idx", "# VobSub index file, v7 (do not modify this line!)\n# ", "\n"},
+    };
+    std::vector<std::string> files = {"http://127.0.0.1:9/decoy.ts", "concat:decoy.ts|decoy.ts",
+                                      "file:decoy.ts", "tcp://127.0.0.1:9", "%03d.png"};
+    for (const auto &list : lists)
+        for (const std::string &target : targets)
+            files.push_back(folder_->write(std::to_string(files.size()) + list.name,
+                                           list.before + target + list.after));
+    const std::string profile = VORNAK_SOURCE_DIR "/examples/profiles/living-room-tv.xml";
+    const auto opened = [&](std::vector<std::string> command) {
+        std::vector<std::string> traced = {
+            "env", "-C", folder_->path(), "strace", "-f",
+            "-qq", "-o", trace,           "-e",     "trace=open,openat,socket,connect"};
+        traced.insert(traced.end(), command.begin(), command.end());
+        run(traced);
+        return readFile(trace);
+    };
+    const std::string sign = "\"" + decoy + "\"";
+    if (opened({"cat", decoy}).find(sign) == std::string::npos)
+        GTEST_SKIP() << "strace is not there, or isn't allowed to trace";
+    std::vector<std::string> decide = {VORNAK_CLI, "decide", "-p", profile};
+    decide.insert(decide.end(), files.begin(), files.end());
+    std::vector<std::string> traces = {opened(decide)};
+    EXPECT_NE(traces[0].find("\"" + files.back() + "\""), std::string::npos); // it looked at them
+    // the words of a transcode, for a file that was exchanged since it was decided about
+    Decision decision;
+    decision.media.demuxer = "mpegts";
+    for (const std::string &file : files) {
+        std::vector<std::string> ffmpeg = {"timeout", "5", "ffmpeg", "-v", "quiet", "-nostdin"};
+        for (std::string &word : ffmpegArguments(file, decision, {})) ffmpeg.push_back(word);
+        ffmpeg.insert(ffmpeg.end(), {"-f", "null", "-"});
+        traces.push_back(opened(ffmpeg));
+    }
+    for (const std::string &text : traces) {
+        EXPECT_EQ(text.find(sign), std::string::npos);
+        EXPECT_EQ(text.find("\"decoy.ts\""), std::string::npos);
+        EXPECT_EQ(text.find("AF_INET"), std::string::npos);
+    }
 }
 
 TEST_F(MediaProbe, SaysWhatIsWrong)

@@ -42,6 +42,7 @@ struct VideoStream {
 struct MediaInfo {
     int formatId = kUnknownId; ///< container, with the subtype in the high 16 bits
     std::string containerName; ///< "mp4", or "mp4/isom" with a subtype
+    std::string demuxer;       ///< what ffmpeg calls the reader of such files: "mov"
     double duration = 0;       ///< seconds; 0: unknown
     std::optional<VideoStream> video;
     std::vector<AudioTrack> audio; ///< in the file's order

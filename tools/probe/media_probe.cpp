@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -86,6 +87,8 @@ MediaInfo describe(const Survey &survey)
     MediaInfo media;
     media.formatId = container.formatId;
     media.containerName = std::move(container.name);
+    const std::string_view demuxers = survey.context.iformat->name; // the first of some names
+    media.demuxer = demuxers.substr(0, demuxers.find(','));
     media.duration = survey.duration;
     for (std::size_t i = 0; i < survey.played.size(); ++i) {
         const AVStream &stream = *survey.played[i];

@@ -140,7 +140,9 @@ std::string_view defaultContainerOption(int formatId)
 std::vector<std::string> ffmpegArguments(const std::string &media, const Decision &decision,
                                          const LibraryCommand &command)
 {
-    std::vector<std::string> words = {"-i", fileUrl(media)};
+    // as it was decided about: no list that names other files, nor a URL
+    std::vector<std::string> words = {"-protocol_whitelist",  "file", "-f",
+                                      decision.media.demuxer, "-i",   fileUrl(media)};
     if (decision.isVideo) words.insert(words.end(), {"-map", "0:V:0"});
     if (decision.track >= 0)
         words.insert(words.end(), {"-map", fmt::format("0:a:{}", decision.track)});
