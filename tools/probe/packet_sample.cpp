@@ -223,13 +223,6 @@ std::int64_t PacketSample::bytes() const
     return sum;
 }
 
-double PacketSample::seconds() const
-{
-    double longest = 0;
-    for (const SampledStream &stream : streams) longest = std::max(longest, stream.seconds);
-    return longest;
-}
-
 const SampledStream &PacketSample::of(const AVStream &stream) const
 {
     static const SampledStream nothing;
@@ -263,7 +256,7 @@ PacketSample samplePlaces(AVFormatContext &context, Stretch stretch, std::int64_
     const std::int64_t start = context.start_time == AV_NOPTS_VALUE ? 0 : context.start_time;
     PacketSample sum;
     sum.streams.resize(context.nb_streams);
-    sum.isComplete = true;
+    int found = 0;
     for (int place = 0; place < kPlaces; ++place) {
         const double time = static_cast<double>(start) / AV_TIME_BASE +
                             stretch.seconds * (2 * place + 1) / (2 * kPlaces);
@@ -275,10 +268,12 @@ PacketSample samplePlaces(AVFormatContext &context, Stretch stretch, std::int64_
         // some seek to the last frame that they know of
         const bool isThere = sample.bytes() > 0 &&
                              (byBytes || std::abs(sample.begin - time) < stretch.seconds / kPlaces);
-        sum.isComplete = sum.isComplete && isThere;
-        if (isThere) addPlace(sum, std::move(sample));
+        if (!isThere) continue;
+        addPlace(sum, std::move(sample));
+        ++found;
     }
-    return sum;
+    sum.isComplete = found == kPlaces;
+    return 2 * found < kPlaces ? PacketSample{} : sum;
 }
 
 } // namespace vornak::tool

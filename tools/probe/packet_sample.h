@@ -35,7 +35,6 @@ struct PacketSample {
     bool isComplete = false;            ///< the file has no more; of places: each had something
 
     std::int64_t bytes() const; ///< of all streams
-    double seconds() const;     ///< of the longest
     const SampledStream &of(const AVStream &stream) const;
 };
 
@@ -54,7 +53,7 @@ struct Stretch {
 
 /**
  * Sums over several places: films and songs often begin with silence. Fields are not looked at,
- * and there is nothing where the file can't be sought in.
+ * and there is nothing where most of the file can't be sought in.
  * @param bytesEach  how much a place has, or less so that places don't overlap
  */
 PacketSample samplePlaces(AVFormatContext &context, Stretch stretch, std::int64_t bytesEach);

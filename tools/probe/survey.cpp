@@ -258,43 +258,66 @@ bool needsPlaces(const Survey &survey)
             (hasSteadyMp3(survey) || !isBelievable(wholeRate(survey, 2), survey.rates)));
 }
 
+double secondsOf(const PacketSample &sample, const std::vector<AVStream *> &played)
+{
+    double longest = 0;
+    for (const AVStream *stream : played) longest = std::max(longest, sample.of(*stream).seconds);
+    return longest;
+}
+
 /// The start counts as it is, what follows lasts as long as the places say.
 double countedDuration(const Survey &survey)
 {
-    const PacketSample &start = survey.start;
-    const PacketSample &like = survey.places.seconds() > 0 ? survey.places : start;
-    const auto bytes = static_cast<double>(start.bytes());
-    const double rest = start.isComplete ? 0 : payloadBytes(survey) - bytes;
-    if (rest <= 0 || like.bytes() <= 0) return start.seconds();
-    return start.seconds() + like.seconds() * rest / static_cast<double>(like.bytes());
+    const double first = secondsOf(survey.start, survey.played);
+    const double seconds = secondsOf(survey.places, survey.played);
+    const PacketSample &like = seconds > 0 ? survey.places : survey.start;
+    const double rest = survey.start.isComplete
+                            ? 0
+                            : payloadBytes(survey) - static_cast<double>(survey.start.bytes());
+    if (rest <= 0 || like.bytes() <= 0) return first;
+    return first + (seconds > 0 ? seconds : first) * rest / static_cast<double>(like.bytes());
 }
 
-void settleDuration(Survey &survey)
+/// What the header says, unless that is less than was seen or far more than there can be.
+double believedDuration(const Survey &survey)
 {
     const double counted = countedDuration(survey);
-    if (counted <= 0) return;
+    const double shortest = 0.8 * secondsOf(survey.start, survey.played);
     const bool sawAll = survey.start.isComplete || isCut(survey);
-    if (survey.duration <= 0 || survey.duration > counted * (sawAll ? 1.2 : toleranceOf(survey)))
-        survey.duration = counted;
+    const double longest = counted * (sawAll ? 1.2 : toleranceOf(survey));
+    const bool isPlausible =
+        survey.duration > 0 && survey.duration >= shortest && survey.duration <= longest;
+    return isPlausible || counted <= 0 ? survey.duration : counted;
+}
+
+/// Where there are no places, what follows the start is all that can be had.
+PacketSample takePlaces(const Survey &survey)
+{
+    constexpr SampleSize kReadOn = {kAnyNumber, 16'000'000};
+
+    const double counted = isBareStream(survey) ? static_cast<double>(survey.start.bytes()) : 0;
+    const Stretch stretch{static_cast<std::int64_t>(playedBytes(survey) - counted),
+                          believedDuration(survey)};
+    PacketSample places = samplePlaces(survey.context, stretch, sizeOfPlace(survey));
+    if (!places.streams.empty()) return places;
+    places = samplePackets(survey.context, kReadOn);
+    places.isComplete = true;
+    return places;
 }
 
 void takeSamples(Survey &survey)
 {
     constexpr std::int64_t kMostRead = 32'000'000;
 
-    const bool rates = needsRates(survey), bare = isBareStream(survey);
+    const bool rates = needsRates(survey);
     if (!rates && !needsTimes(survey)) return;
     if (!rates) passOverSound(survey.context);
     survey.file.limitReading(kMostRead);
     survey.start = samplePackets(survey.context, sizeOfStart(survey));
     takeRates(survey);
     if (needsPlaces(survey)) {
-        const double counted = bare ? static_cast<double>(survey.start.bytes()) : 0;
         survey.file.limitReading(kMostRead);
-        survey.places = samplePlaces(
-            survey.context,
-            {static_cast<std::int64_t>(playedBytes(survey) - counted), survey.duration},
-            sizeOfPlace(survey));
+        survey.places = takePlaces(survey);
         takeRates(survey);
     }
     nameSteadyMp3(survey);
@@ -326,7 +349,7 @@ Survey surveyFile(MediaFile &file)
     checkHeader(survey);
     const bool hadOpenRates = needsRates(survey);
     takeSamples(survey);
-    if (hadOpenRates) settleDuration(survey);
+    if (hadOpenRates) survey.duration = believedDuration(survey);
     settleBitRates(survey.rates, wholeRate(survey, toleranceOf(survey)));
     return survey;
 }
