@@ -1,6 +1,7 @@
-// A full disk at every size, and every signal at random moments: what `vornak transcode` and
-// `vornak length` leave.
-#include "tests/support/private_mounts_test.h"
+// A full disk at every size, and every signal at random moments: what the tool leaves.
+#include "include/vornak_host.h"
+#include "tests/support/disc_images.h"
+#include "tests/support/private_tmp.h"
 #include "tests/tools/transcode_clips.h"
 
 #include <csignal>
@@ -12,12 +13,31 @@ namespace {
 
 class EveryEnd : public TranscodeClips {
 protected:
-    /// What lies in a folder of the clips', but for the output.
+    static void SetUpTestSuite()
+    {
+        s_Tmp.emplace(std::filesystem::path(VORNAK_CLI).parent_path());
+        TranscodeClips::SetUpTestSuite();
+    }
+    static void TearDownTestSuite()
+    {
+        TranscodeClips::TearDownTestSuite();
+        s_Tmp.reset();
+    }
+    void SetUp() override
+    {
+        if (!s_Tmp->whyNot().empty()) GTEST_SKIP() << s_Tmp->whyNot();
+    }
+
+    /// What lies in a folder of the clips', but for the output, and what is mounted. An image is
+    /// unmounted by a process that may outlive the tool.
     static std::set<std::string> left(const std::string &folder)
     {
+        shell("for i in $(seq 100); do ls -d /tmp/Trans_mount_* || break; sleep 0.02; done");
         std::set<std::string> names;
         for (const auto &entry : std::filesystem::directory_iterator(*s_Dir / folder))
             names.insert(entry.path().filename());
+        for (const auto &entry : std::filesystem::directory_iterator("/tmp"))
+            if (entry.path().string().starts_with(VORNAK_MOUNT_PREFIX)) names.insert(entry.path());
         names.erase("out");
         return names;
     }
@@ -28,12 +48,13 @@ protected:
         const auto size = std::filesystem::file_size(*s_Dir / name, none);
         return none ? 0 : size;
     }
+
+private:
+    static inline std::optional<PrivateTmp> s_Tmp;
 };
 
 TEST_F(EveryEnd, OfADisk)
 {
-    static const std::string whyNot = enterPrivateMounts();
-    if (!whyNot.empty()) GTEST_SKIP() << whyNot;
     constexpr unsigned kSteps = 20;
     std::filesystem::create_directory(*s_Dir / "disk");
     for (const char *make : {"film.mkv --verify", "film.mkv", "song.mp3 --copy"}) {
@@ -63,26 +84,38 @@ TEST_F(EveryEnd, BySignal)
     constexpr int s_NotFatal[] = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGTRAP,
                                   SIGSYS,  SIGABRT, SIGTSTP, SIGTTIN, SIGTTOU,
                                   SIGCONT, SIGSTOP, SIGCHLD, SIGURG,  SIGWINCH};
-    const std::string commands[] = {
-        "transcode -p limits.xml film.mkv -o out --force --verify",
-        "length -p pcm.xml --verify song.flac",
+    const std::string toAll = "pkill -{} -s {}"; // the commands that mount, too
+    const std::string transcode = "transcode -p limits.xml film.mkv -o out --force --verify",
+                      length = "length -p pcm.xml --verify song.flac";
+    const struct {
+        std::string command;
+        unsigned milliseconds;  // that it takes
+        std::string send, next; // the next run, which removes what SIGKILL leaves
+    } cases[] = {
+        {transcode, 600, "kill -{} {}", transcode},
+        {length, 600, "kill -{} {}", length},
+        {"disc dvd.iso", 150, toAll, "disc unmount-all"},
+        {"decide -p limits.xml .", 150, toAll, "decide -p limits.xml ."},
     };
+    const std::string noImages = makeDiscImages(*s_Dir / "");
+    if (!noImages.empty()) GTEST_SKIP() << noImages;
     std::mt19937 random(1);
     const auto before = left("");
     for (int signal = 1; signal <= SIGRTMAX; ++signal) {
         if (std::ranges::count(s_NotFatal, signal) > 0 || (signal > SIGPWR && signal < SIGRTMIN))
             continue;
-        for (const std::string &command : commands)
+        for (const auto &c : cases)
             for (int moment = 0; moment < (signal < SIGRTMIN ? kMoments : 1); ++moment) {
                 // a shell's background job would ignore some
                 const std::string end = fmt::format(
-                    "export TMPDIR=.; env --default-signal vornak {0} >/dev/null & sleep 0.{1:03}; "
-                    "kill -{2} $!; wait $!",
-                    command, random() % 600, signal);
+                    "export TMPDIR=.; setsid env --default-signal vornak {} >/dev/null & "
+                    "sleep 0.{:03}; {}; wait $!",
+                    c.command, random() % c.milliseconds,
+                    fmt::format(fmt::runtime(c.send), signal, "$!"));
                 const int status = shell(end).status;
                 EXPECT_TRUE(status == 0 || status == 128 + signal) << status << end;
                 if (signal == SIGKILL) { // it leaves what goes with the next run
-                    EXPECT_EQ(shell("TMPDIR=. vornak " + command).status, 0);
+                    EXPECT_EQ(shell("TMPDIR=. vornak " + c.next).status, 0);
                 }
                 EXPECT_EQ(left(""), before) << end;
                 const auto made = sizeOf("out");
