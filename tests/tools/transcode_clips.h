@@ -10,11 +10,8 @@
 #include <iterator>
 #include <set>
 #include <string>
-#include <vector>
 
 namespace vornak::test {
-
-using Words = std::vector<std::string>;
 
 // Rules whose limits do the work, in the words of the appliance's transcoder: its options give
 // neither size nor channels nor rates.
@@ -73,27 +70,11 @@ protected:
         ASSERT_EQ(made.status, 0) << made.err;
     }
 
-    /// Runs the tool in the directory of the clips.
-    static ProcessResult vornak(const Words &words)
-    {
-        Words all = {"env", "-C", s_Dir->path(), VORNAK_CLI};
-        all.insert(all.end(), words.begin(), words.end());
-        return run(all);
-    }
-
-    /// Runs a command of the shell there, with the tool in PATH.
+    /// Runs a command of the shell in the directory of the clips, with the tool in PATH.
     static ProcessResult shell(const std::string &command)
     {
         const std::string path = std::filesystem::path(VORNAK_CLI).parent_path();
         return run({"sh", "-c", "PATH=$2:$PATH; cd \"$1\"; " + command, "sh", s_Dir->path(), path});
-    }
-
-    /// What ffprobe says of the streams of a file.
-    static std::string probed(const std::string &file, const std::string &fields)
-    {
-        return run({"ffprobe", "-v", "error", "-show_entries", fields, "-of", "csv=p=0",
-                    *s_Dir / file})
-            .out;
     }
 
     /// A program that is called as ffmpeg is.

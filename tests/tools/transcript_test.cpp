@@ -3,6 +3,8 @@
 #include "tests/support/doc_examples.h"
 #include "tests/support/temp_dir.h"
 
+#include <algorithm>
+
 namespace vornak::test {
 namespace {
 
@@ -21,8 +23,13 @@ TEST_P(Transcript, IsWhatHappens)
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, Transcript,
-                         testing::Values("command", "decide", "profile", "subtitles"),
-                         [](const auto &page) { return std::string(page.param); });
+                         testing::Values("command", "decide", "length", "profile", "subtitles",
+                                         "transcode", "whole-output"),
+                         [](const auto &page) {
+                             std::string name = page.param;
+                             std::ranges::replace(name, '-', '_');
+                             return name;
+                         });
 
 } // namespace
 } // namespace vornak::test

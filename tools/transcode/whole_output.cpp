@@ -44,10 +44,11 @@ bool changeLength(const Words &options)
            });
 }
 
-Fault endsEarly(std::string_view what, double has, double wants)
+/// @param whose  stream: "its sound "; empty: all
+Fault endsEarly(std::string_view whose, double has, double wants)
 {
     const std::string of = has < wants ? fmt::format(" of {:.1f}", wants) : "";
-    return {true, fmt::format("its {} ends early, {:.1f}{} s could be read", what, has, of)};
+    return {true, fmt::format("{}ends early, {:.1f}{} s could be read", whose, has, of)};
 }
 
 /// As ffmpeg counts: the muxers of MPEG begin with a time of their own.
@@ -77,13 +78,13 @@ std::optional<Fault> findShortStream(const StreamEnds &source, const StreamEnds 
 {
     constexpr double kSlack = 1, kShare = 0.01; // not all files are exact about their times
     const struct {
-        std::string_view what;
+        std::string_view whose;
         double has, wants;
-    } streams[] = {{"picture", output.video, source.video - source.start},
-                   {"sound", output.audio, source.audio - source.start}};
-    for (const auto &[what, has, wants] : streams)
+    } streams[] = {{"its picture ", output.video, source.video - source.start},
+                   {"its sound ", output.audio, source.audio - source.start}};
+    for (const auto &[whose, has, wants] : streams)
         if (wants > 0 && has < wants - std::max(kSlack, wants * kShare))
-            return endsEarly(what, has, wants);
+            return endsEarly(whose, has, wants);
     return std::nullopt;
 }
 
@@ -109,13 +110,12 @@ std::optional<Fault> findFault(const Making &making, const FfmpegReport &report)
     if (making.work && making.work->isEmpty())
         return Fault{false, "was not written by " + printable(making.program)};
     if (!making.command) return std::nullopt;
-    const Decision &decision = making.file.decision;
     const StreamEnds source =
-        findStreamEnds(making.file.path, decision.track).value_or(StreamEnds{});
+        findStreamEnds(making.file.path, making.file.decision.track).value_or(StreamEnds{});
     const auto lack =
         making.work ? findLack(making, source, report.seconds()) : std::optional<Fault>();
     if (report.sourceEnded() && (!lack || lack->isSources))
-        return endsEarly(decision.isVideo ? "film" : "sound", report.seconds(), source.stated);
+        return endsEarly("", report.seconds(), source.stated);
     return lack;
 }
 
