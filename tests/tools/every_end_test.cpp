@@ -94,8 +94,8 @@ TEST_F(EveryEnd, BySignal)
     } cases[] = {
         {transcode, 600, "kill -{} {}", transcode},
         {length, 600, "kill -{} {}", length},
-        {"disc dvd.iso", 150, toAll, "disc unmount-all"},
-        {"decide -p limits.xml .", 150, toAll, "decide -p limits.xml ."},
+        {"disc dvd.iso", 300, toAll, "disc unmount-all"},
+        {"decide -p limits.xml .", 300, toAll, "decide -p limits.xml ."},
     };
     const std::string noImages = makeDiscImages(*s_Dir / "");
     if (!noImages.empty()) GTEST_SKIP() << noImages;
