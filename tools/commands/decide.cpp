@@ -53,6 +53,7 @@ struct DecideOptions : DecisionOptions {
 std::vector<std::string> outcomeNames()
 {
     std::vector<std::string> names;
+    names.reserve(kOutcomes);
     for (int i = 0; i < kOutcomes; ++i) names.emplace_back(nameOf(static_cast<Outcome>(i)));
     return names;
 }
@@ -101,11 +102,12 @@ std::string fullText(const Asked &asked, const std::string &path, const Decision
     const auto &[options, request, shown, session, hardwareAgent] = asked;
     const Surroundings around = lookAround(path, decision, hardwareAgent);
     if (options.json) return jsonOf(path, decision, explanation, around, session, options.explain);
-    const std::string text =
+    std::string text =
         textOf(path, decision, explanation, session) + subtitlesLine(around, decision);
-    if (!options.explain) return text;
-    return text + equipmentLines(around, decision, explanation, session) +
-           visitsText(decision, explanation, session);
+    if (options.explain)
+        text += equipmentLines(around, decision, explanation, session) +
+                visitsText(decision, explanation, session);
+    return text;
 }
 
 FileText textFor(const Asked &asked, const std::string &path, const Undecided &undecided)

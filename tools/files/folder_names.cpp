@@ -45,6 +45,7 @@ std::vector<std::string_view> FolderNames::beginningWith(std::string_view start)
     std::vector<Place> places(first, last);
     std::ranges::sort(places);
     std::vector<std::string_view> names;
+    names.reserve(places.size());
     for (const Place place : places) names.push_back(nameAt(place));
     return names;
 }
@@ -62,7 +63,7 @@ std::shared_ptr<const FolderNames> RecentFolders::find(const std::string &folder
         std::rotate(known, known + 1, known_.end());
     else
         known_.push_back({status, std::make_shared<const FolderNames>(folder, isWanted_)});
-    const auto names = known_.back().names;
+    auto names = known_.back().names;
     if (names->error() != 0) known_.pop_back(); // perhaps it can be read the next time
     dropOld();
     return names;
