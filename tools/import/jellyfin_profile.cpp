@@ -22,6 +22,7 @@
 namespace vornak::tool {
 namespace {
 
+constexpr int kWebm = "matroska/webm"_container; // named, since clang 14 calls it in a template
 constexpr std::size_t kMostCombinations = 300'000;
 constexpr std::size_t kMostAlternatives = 40;
 constexpr std::size_t kMostWishes = 100;
@@ -296,7 +297,7 @@ private:
     {
         std::map<std::vector<bool>, std::vector<int>> groups;
         for (const int format : formats) {
-            std::vector<bool> concerning = {format == "matroska/webm"_container};
+            std::vector<bool> concerning = {format == kWebm};
             for (const LimitSet &set : sets_) concerning.push_back(set.containers.takes(format));
             groups[concerning].push_back(format);
         }
@@ -347,7 +348,7 @@ private:
     std::vector<int> codecsOf(const ObjectReader &object, const Selection &codecs, int format,
                               StreamKind kind)
     {
-        if (format == "matroska/webm"_container) return codecsOfWebm<Limits>(object, codecs);
+        if (format == kWebm) return codecsOfWebm<Limits>(object, codecs);
         if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
         std::vector<int> all = commonCodecs<Limits>();
         for (const LimitSet &set : sets_)
@@ -375,9 +376,8 @@ private:
         noteAt(object.line(), object.place())(
             Remark::LeftOut, "a rule for WebM takes Matroska with the codecs of WebM, too");
         std::vector<int> all = commonCodecs<Limits>();
-        std::erase_if(all, [&](int codec) {
-            return !codecs.takes(codec) || !canHold("matroska/webm"_container, codec);
-        });
+        std::erase_if(all,
+                      [&](int codec) { return !codecs.takes(codec) || !canHold(kWebm, codec); });
         return all;
     }
 
