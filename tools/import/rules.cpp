@@ -244,6 +244,16 @@ std::vector<SoundRule> soundsOfNoFilm()
              {}}};
 }
 
+/// Whether nothing gets past the earlier of two rules with play exceptions. Rules that refuse
+/// different things may come to turn away the same.
+bool covers(const PictureRule &earlier, const PictureRule &rule)
+{
+    PictureLimits outer = earlier.limits;
+    PictureLimits inner = rule.limits;
+    outer.refused = inner.refused = 0;
+    return contains(outer, inner) && (earlier.exceptions & ~rule.exceptions) == 0;
+}
+
 /// Gives the rules their play exceptions. To turn Dolby Vision away a list would have to name all
 /// that comes with it, ten bits before all, and so turn them away too; ffmpeg could make little of
 /// its colours anyhow. So it is refused, by a rule between two that take the rest.
@@ -252,6 +262,8 @@ std::vector<PictureRule> withExceptions(const std::vector<PictureRule> &rules)
     std::vector<PictureRule> all;
     for (PictureRule rule : rules) {
         rule.exceptions = playExceptions(rule.limits);
+        const auto takesAll = [&](const PictureRule &earlier) { return covers(earlier, rule); };
+        if (std::ranges::any_of(all, takesAll)) continue;
         all.push_back(rule);
         const bool isTakenElsewhere = std::ranges::any_of(rules, [&](const PictureRule &other) {
             return withoutDolbyVision(other.limits) == other.limits &&
