@@ -160,7 +160,7 @@ int main(int, char **argv)
 }
 )");
     const auto whoseRegistry = [](const std::string &options) {
-        shell("c++ -std=c++17 open.cpp $(ls $S/host-cpp/*.cpp | grep -v main) -Imoved/include "
+        shell("c++ -std=c++17 open.cpp $(ls $S/host-cpp/*.cpp | grep -v /main.cpp) -Imoved/include "
               "-Wl,-rpath,$PWD/moved/lib -lpugixml -o open " +
               options);
         return shell("LD_DEBUG=bindings LD_LIBRARY_PATH=moved/lib ./open " + kProfile +
