@@ -67,15 +67,17 @@ bool OutputPlace::isLink() const
            S_ISLNK(info.st_mode);
 }
 
-// The kernel looks after links in sticky folders alone, and not everywhere.
+// The kernel looks after links in sticky folders alone, and not everywhere. The link is held, or
+// the one that is followed need not be the one whose owner is asked.
 void OutputPlace::followLink()
 {
+    const Descriptor held(openat(folder(), name_.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat link = {}, around = {};
     char target[PATH_MAX];
-    const ssize_t size = readlinkat(folder(), name_.c_str(), target, sizeof target);
-    if (size < 0 || fstat(folder(), &around) != 0 ||
-        fstatat(folder(), name_.c_str(), &link, AT_SYMLINK_NOFOLLOW) != 0)
+    if (!held || fstat(held.get(), &link) != 0 || fstat(folder(), &around) != 0)
         refuse(path_, errno);
+    const ssize_t size = readlinkat(held.get(), "", target, sizeof target);
+    if (size < 0) refuse(path_, errno);
     if (link.st_uid != geteuid() && isWrittenByOthers(around))
         refuse(path_, "leads through a link that another user has made, and is not replaced");
     open({target, static_cast<std::size_t>(size)});

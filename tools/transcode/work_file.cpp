@@ -138,6 +138,15 @@ void moveOver(int from, const OutputPlace &place)
         fail(printable(place.path()), errno);
 }
 
+/// A name that may not last is taken away again, unless it was another file's: that is gone.
+void syncName(const OutputPlace &place)
+try {
+    sync(place.folder(), place);
+} catch (const WriteError &) {
+    if (!place.replaces()) unlinkat(place.folder(), place.name().c_str(), 0);
+    throw;
+}
+
 } // namespace
 
 WorkFile::WorkFile(int folder) : around_(folder), private_(makePrivate(folder, name_))
@@ -167,7 +176,7 @@ void WorkFile::moveTo(const OutputPlace &place) const
     if (!file) fail(printable(place.path()), errno);
     sync(file.get(), place);
     place.replaces() ? moveOver(folder(), place) : moveToFreeName(folder(), place);
-    sync(place.folder(), place);
+    syncName(place);
 }
 
 } // namespace vornak::tool
