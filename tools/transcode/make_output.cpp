@@ -63,10 +63,16 @@ int failWith(const FfmpegRun &run, const FfmpegReport &report, const std::string
     return complainOf(path, why);
 }
 
+std::string signalText(int signal)
+{
+    const char *const name = sigabbrev_np(signal); // those of real time have none
+    return name ? fmt::format("SIG{}", name) : fmt::format("signal {}", signal);
+}
+
 /// Why the run has no output at all; empty: it may have one.
 std::string failureOf(const FfmpegEnd &end)
 {
-    if (end.signal != 0) return fmt::format("was ended by SIG{}", sigabbrev_np(end.signal));
+    if (end.signal != 0) return "was ended by " + signalText(end.signal);
     return end.status != 0 ? fmt::format("failed with exit status {}", end.status) : "";
 }
 
