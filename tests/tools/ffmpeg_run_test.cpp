@@ -1,3 +1,4 @@
+#include "tests/support/private_mounts.h"
 #include "tools/terminal/held_signals.h"
 #include "tools/transcode/ffmpeg_report.h"
 #include "tools/transcode/ffmpeg_run.h"
@@ -6,6 +7,8 @@
 #include <csignal>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace vornak::test {
 namespace {
@@ -126,6 +129,21 @@ TEST(FfmpegRun, ReportsItsEnd)
         EXPECT_EQ(messages, c.messages) << c.script;
         EXPECT_EQ(end.interruption, 0);
     }
+}
+
+TEST(FfmpegRun, StartsWhereRootAloneMayWriteNowhere)
+{
+    if (geteuid() != 0) GTEST_SKIP() << "needs root, for mounts of its own and to be another user";
+    EXPECT_EXIT(
+        {
+            const bool ready = enterPrivateMounts().empty() &&
+                               mount("none", "/mnt", "tmpfs", 0, nullptr) == 0 &&
+                               mknod("/mnt/null", S_IFCHR | 0644, makedev(1, 3)) == 0 &&
+                               mount("/mnt/null", "/dev/null", nullptr, MS_BIND, nullptr) == 0 &&
+                               setuid(65534) == 0;
+            _exit(ready ? runScript("exit 3").end.status : 3);
+        },
+        testing::ExitedWithCode(3), "");
 }
 
 // The scripts send the tool its signals; $PPID is the tool.

@@ -45,14 +45,20 @@ namespace {
     }
 }
 
+/// Not everywhere may all users write there; then writing fails.
+int openNothing()
+{
+    const int opened = open("/dev/null", O_RDWR | O_CLOEXEC);
+    return opened < 0 ? open("/dev/null", O_RDONLY | O_CLOEXEC) : opened;
+}
+
 /// Gives the descriptors their numbers. All are moved out of the way first.
 bool arrange(std::span<const int> descriptors)
 {
     const int above = static_cast<int>(descriptors.size());
     std::vector<int> moved;
     for (const int descriptor : descriptors) {
-        const int from =
-            descriptor == kNothing ? open("/dev/null", O_RDWR | O_CLOEXEC) : descriptor;
+        const int from = descriptor == kNothing ? openNothing() : descriptor;
         moved.push_back(fcntl(from, F_DUPFD_CLOEXEC, above));
     }
     for (int number = 0; number < above; ++number)
