@@ -11,11 +11,14 @@
 #include "base/descriptor.h"
 
 #include <array>
+#include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 
 namespace vornak::tool {
 namespace {
@@ -99,8 +102,12 @@ int compare(const PcmEstimate &pcm, const PcmSize &made)
 int measure(const DecidedFile &file, const LibraryCommand &command, const std::string &ffmpeg,
             PcmSize &size)
 {
-    const std::string around = std::filesystem::temp_directory_path();
+    const char *const named = std::getenv("TMPDIR");
+    const std::string around = named && *named ? named : "/tmp";
     const Descriptor folder(open(around.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder)
+        throw std::system_error(errno, std::generic_category(),
+                                "can't write into " + printable(around));
     const HeldSignals signals; // until nothing of the work is left
     const WorkFile work(folder.get());
     const Making making{.file = file,
