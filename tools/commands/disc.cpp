@@ -4,6 +4,7 @@
 #include "tools/appliance/shielded_work.h"
 #include "tools/appliance/unmount_all.h"
 #include "tools/commands/subcommands.h"
+#include "tools/terminal/diverted_output.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/json_document.h"
 #include "tools/terminal/nearest_name.h"
@@ -218,6 +219,7 @@ DiscReport reportOn(const Options &options)
 DiscReport reportOnImage(const Options &options)
 {
     const std::string both = runShielded([&] {
+        const DivertedOutput lost(STDERR_FILENO); // the shell that mounts may have something to say
         const DiscReport report = reportOn(options);
         return report.complaints + '\0' + report.out;
     });
