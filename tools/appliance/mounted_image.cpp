@@ -1,5 +1,6 @@
 #include "tools/appliance/mounted_image.h"
 
+#include "disc/in_root.h"
 #include "include/vornak.h"
 
 #include <cerrno>
@@ -23,6 +24,7 @@ MountedImage::MountedImage(const std::string &image, const MountPlace &place)
     if (!mountPoint_.empty() && mountPoint_.back() != '/') mountPoint_ += '/';
     const std::string path = asPath(image);
     const std::size_t name = path.rfind('/') + 1;
+    if (!mountPoint_.empty() && !makePlace()) return;
     mounted_ = mountAt(path.substr(0, name), path.substr(name));
     if (!mounted_) clearUp();
 }
@@ -30,6 +32,17 @@ MountedImage::MountedImage(const std::string &image, const MountPlace &place)
 MountedImage::~MountedImage()
 {
     unmount();
+}
+
+// The library takes what is there, also a link that a stranger has just made under this name.
+bool MountedImage::makePlace()
+{
+    const auto make = [this] { return mkdir(mountPoint_.c_str(), 0777); };
+    if ((root_.empty() ? make() : runInRoot(root_.c_str(), make)) == 0) return true;
+    struct stat info = {}; // the child's errno is lost
+    const bool isThere = !root_.empty() && lstat(folder().c_str(), &info) == 0;
+    placeError_ = isThere ? EEXIST : errno;
+    return false;
 }
 
 bool MountedImage::mountAt(const std::string &folder, const std::string &name)

@@ -23,6 +23,7 @@ public:
     bool isMounted() const { return mounted_; }
 
     /// The errno that keeps the directory from being made, if nothing is mounted for that; or 0.
+    /// EEXIST: something of the name of place.mountPoint is there.
     int placeError() const { return placeError_; }
 
     /// The root of the disc, ending in "/", as this process sees it.
@@ -32,6 +33,7 @@ public:
     bool unmount();
 
 private:
+    bool makePlace();
     bool mountAt(const std::string &folder, const std::string &name);
     void clearUp();
 

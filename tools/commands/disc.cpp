@@ -78,22 +78,11 @@ std::optional<DiscError> enterRoot(Options &options)
     return {};
 }
 
-/// What is wrong with an image or where it is to be mounted, before anything is done.
-std::optional<DiscError> whyNotMounted(const Options &options)
+DiscError mountFailure(const MountedImage &image, const MountPlace &place)
 {
-    const MountPlace &place = options.place;
-    struct stat info = {};
-    if (isTooLong(options.path))
-        return DiscError{"path-too-long", "its path is longer than 1023 characters"};
-    if (!place.mountPoint.empty() && lstat((place.root + place.mountPoint).c_str(), &info) == 0)
-        return DiscError{"mount-point-exists",
-                         printable(place.mountPoint) +
-                             ": the mount point is made, so it must not exist yet"};
-    return {};
-}
-
-DiscError mountFailure(const MountedImage &image)
-{
+    if (image.placeError() == EEXIST)
+        return {"mount-point-exists", printable(place.mountPoint) +
+                                          ": the mount point is made, so it must not exist yet"};
     if (geteuid() != 0)
         return {"not-mounted", "can't be mounted: that needs root (or give the folder of a disc)"};
     if (const int error = image.placeError())
@@ -106,9 +95,10 @@ DiscError mountFailure(const MountedImage &image)
 
 DiscResult readImage(const Options &options)
 {
-    if (const std::optional<DiscError> error = whyNotMounted(options)) return *error;
+    if (isTooLong(options.path))
+        return DiscError{"path-too-long", "its path is longer than 1023 characters"};
     MountedImage image(options.path, options.place);
-    if (!image.isMounted()) return mountFailure(image);
+    if (!image.isMounted()) return mountFailure(image, options.place);
     DiscResult result = readDisc(image.folder());
     const std::string folder = image.folder();
     if (!image.unmount())
