@@ -175,6 +175,7 @@ inline bool keeps(const TRANSCODE_DEVICE_PROFILE_ST &profile, const Media &m)
 struct Imported {
     LoadedProfile profile;
     std::set<std::pair<std::string, int>> leftOut; // files and lines
+    bool isStricter = false;
     std::string xml;
     std::vector<std::string> faults;
 };
@@ -192,6 +193,8 @@ inline Imported import(const tool::ImportOptions &options)
     for (const tool::Remark &remark : player.remarks)
         if (remark.kind == tool::Remark::LeftOut)
             imported.leftOut.insert({remark.file, remark.line});
+        else
+            imported.isStricter = true;
     for (const tool::Finding &finding : tool::checkProfile(path))
         if (tool::kindOf(finding.fault).severity != tool::Severity::Note)
             imported.faults.push_back(std::to_string(finding.line) + ": " + finding.problem);
@@ -199,14 +202,26 @@ inline Imported import(const tool::ImportOptions &options)
 }
 
 struct Count {
-    int played = 0, needless = 0;
+    unsigned played = 0, needless = 0, refused = 0; // files, and profiles
 };
 
-inline unsigned newSeed()
+/// Where the random numbers begin: the same on every run, or as VORNAK_SEED says: a number, or
+/// "random". Told, so that what fails can be run again.
+inline unsigned firstSeed()
 {
-    const unsigned seed = std::random_device{}();
-    std::cout << "seed " << seed << "\n";
+    const char *const wanted = std::getenv("VORNAK_SEED");
+    const std::string word = wanted ? wanted : "1";
+    const unsigned seed =
+        word == "random" ? std::random_device{}() : static_cast<unsigned>(std::stoul(word));
+    std::cout << "VORNAK_SEED=" << seed << "\n";
     return seed;
+}
+
+/// How many rounds to run: a few, or as many as VORNAK_ROUNDS says.
+inline unsigned rounds(unsigned usual)
+{
+    const char *const wanted = std::getenv("VORNAK_ROUNDS");
+    return wanted ? static_cast<unsigned>(std::stoul(wanted)) : usual;
 }
 
 } // namespace vornak::test

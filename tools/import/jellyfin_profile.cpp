@@ -243,7 +243,7 @@ private:
     void addMusic(const ObjectReader &object, const Selection &formats, const Selection &sounds,
                   int origin)
     {
-        for (const std::vector<int> &alike : groupsOf(formatsOf(formats))) {
+        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats))) {
             const int format = alike.front();
             for (const int codec : codecsOf<SoundLimits>(object, sounds, format, Music)) {
                 const auto &limits = limitsFor<SoundLimits>(codec, format, Music);
@@ -261,7 +261,7 @@ private:
     void addVideo(const ObjectReader &object, const Selection &formats, const Selection &pictures,
                   const Selection &sounds, int origin)
     {
-        for (const std::vector<int> &alike : groupsOf(formatsOf(formats))) {
+        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats))) {
             const auto audio = codecsOf<SoundLimits>(object, sounds, alike.front(), SoundOfVideo);
             for (const int codec :
                  codecsOf<PictureLimits>(object, pictures, alike.front(), Picture))
@@ -316,20 +316,22 @@ private:
     }
 
     /// The containers of a list. Any container stands as such only where none has conditions.
-    std::vector<int> formatsOf(const Selection &formats) const
+    std::vector<int> formatsOf(const ObjectReader &object, const Selection &formats)
     {
         const bool areLimited =
             std::ranges::any_of(sets_, [](const LimitSet &set) { return !set.containers.isAll; });
         if (!formats.isAll && !formats.isExcept) return formats.ids;
         if (formats.isAll && !areLimited) return {0};
         std::vector<int> all = allContainers();
-        std::erase_if(all, [&](int format) {
-            // one without subtype would take those with the subtypes that are left out
-            return formats.isExcept && std::ranges::any_of(formats.ids, [format](int other) {
-                       return other == format ||
-                              (subtypePart(format) == 0 && format == containerPart(other));
-                   });
-        });
+        if (!formats.isExcept) return all;
+        for (const int other : formats.ids) {
+            std::erase(all, other);
+            if (std::erase(all, containerPart(other)) > 0)
+                noteAt(object.line(), object.place())(
+                    Remark::Stricter,
+                    fmt::format("a rule for {} takes {}, too, so it is transcoded",
+                                containerText(containerPart(other)), containerText(other)));
+        }
         return all;
     }
 

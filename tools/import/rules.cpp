@@ -57,13 +57,27 @@ std::vector<int> codecsOf(const Ways &ways, const std::vector<int> &makeable)
     return codecs;
 }
 
+/// As a rule says them: a size alone limits nothing, so it gets a partner that all pictures keep.
+PictureLimits asSaid(PictureLimits limits)
+{
+    if (limits.width.least != 0 || limits.height.least != 0) {
+        limits.width.least = std::max(limits.width.least, 1);
+        limits.height.least = std::max(limits.height.least, 1);
+    }
+    return limits;
+}
+SoundLimits asSaid(const SoundLimits &limits)
+{
+    return limits;
+}
+
 /// The limits for one codec, each once: of the ways that name it, and of those that name none.
 template <class Rule>
 auto limitsOf(const Ways &ways, int codec)
 {
     std::vector<decltype(Rule::limits)> all;
     for (const Way *way : ways) {
-        auto limits = limitsIn<Rule>(*way);
+        auto limits = asSaid(limitsIn<Rule>(*way));
         if (limits.codec != 0 && limits.codec != codec) continue;
         limits.codec = codec;
         if (std::ranges::find(all, limits) == all.end()) all.push_back(limits);
