@@ -77,7 +77,7 @@ std::string profilePath(const std::string &name)
 /// What becomes of a file.
 tool::FileResult decide(const std::string &profile, const std::string &file)
 {
-    return tool::decideFile(tool::ProfileSession(profilePath(profile)), {}, file);
+    return tool::decideFile(tool::ProfileSession(profilePath(profile)), {}, tool::probeMedia(file));
 }
 
 class ClosedLoop : public testing::TestWithParam<Clip> {

@@ -73,10 +73,10 @@ int runCommand(const CommandOptions &options)
     if (form == Form::Json) writeOut(jsonHead("vornak-command", options.profile, request, session));
 
     std::atomic<std::size_t> problems = 0;
-    const auto render = [&](const std::string &path, const FileResult &result) -> FileText {
+    const auto render = [&](const SeenFile &seen, const FileResult &result) -> FileText {
         if (const auto *undecided = std::get_if<Undecided>(&result))
-            return {form == Form::Json ? jsonOf(path, *undecided) : std::string()};
-        const FileCommand file = commandFor(path, std::get<Decision>(result), options.dialect);
+            return {form == Form::Json ? jsonOf(seen.path, *undecided) : std::string()};
+        const FileCommand file = commandFor(seen.path, std::get<Decision>(result), options.dialect);
         if (!file.problem.empty()) ++problems;
         return {rendered(file, form)};
     };

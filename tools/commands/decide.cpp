@@ -96,34 +96,35 @@ struct Asked {
     const int hardwareAgent;
 };
 
-std::string fullText(const Asked &asked, const std::string &path, const Decision &decision,
+std::string fullText(const Asked &asked, const SeenFile &file, const Decision &decision,
                      const Explanation &explanation)
 {
     const auto &[options, request, shown, session, hardwareAgent] = asked;
-    const Surroundings around = lookAround(path, decision, hardwareAgent);
-    if (options.json) return jsonOf(path, decision, explanation, around, session, options.explain);
+    const Surroundings around = lookAround(file, decision, hardwareAgent);
+    if (options.json)
+        return jsonOf(file.path, decision, explanation, around, session, options.explain);
     std::string text =
-        textOf(path, decision, explanation, session) + subtitlesLine(around, decision);
+        textOf(file.path, decision, explanation, session) + subtitlesLine(around, decision);
     if (options.explain)
         text += equipmentLines(around, decision, explanation, session) +
                 visitsText(decision, explanation, session);
     return text;
 }
 
-FileText textFor(const Asked &asked, const std::string &path, const Undecided &undecided)
+FileText textFor(const Asked &asked, const SeenFile &file, const Undecided &undecided)
 {
     const bool isEntry = asked.options.json && asked.shown.contains(undecided.outcome);
-    return {isEntry ? jsonOf(path, undecided) : std::string(), mainReason(undecided)};
+    return {isEntry ? jsonOf(file.path, undecided) : std::string(), mainReason(undecided)};
 }
 
-FileText textFor(const Asked &asked, const std::string &path, const Decision &decision)
+FileText textFor(const Asked &asked, const SeenFile &file, const Decision &decision)
 {
     const Explanation explanation = explain(decision, asked.request);
-    FileText file{{}, mainReason(decision, explanation, asked.session)};
+    FileText text{{}, mainReason(decision, explanation, asked.session)};
     if (asked.shown.contains(decision.outcome))
-        file.text = asked.options.brief ? briefText(path, file.reason)
-                                        : fullText(asked, path, decision, explanation);
-    return file;
+        text.text = asked.options.brief ? briefText(file.path, text.reason)
+                                        : fullText(asked, file, decision, explanation);
+    return text;
 }
 
 std::string sumOf(const DecideOptions &options, const Totals &totals)
@@ -147,8 +148,8 @@ int runDecide(const DecideOptions &options)
         options.json    ? ",\n"
         : options.brief ? ""
                         : "\n",
-        [&](const std::string &path, const FileResult &result) {
-            return std::visit([&](const auto &one) { return textFor(asked, path, one); }, result);
+        [&](const SeenFile &file, const FileResult &result) {
+            return std::visit([&](const auto &one) { return textFor(asked, file, one); }, result);
         });
     writeOut(sumOf(options, totals));
     return totals.undecided > 0 ? kIncomplete : kDone;

@@ -1,7 +1,6 @@
 #include "tools/decide/decide_files.h"
 
 #include "tools/files/ordered_work.h"
-#include "tools/probe/media_probe.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 #include "tools/terminal/progress.h"
@@ -14,13 +13,6 @@
 namespace vornak::tool {
 namespace {
 
-FileResult decideItem(const ProfileSession &session, const DecisionRequest &request,
-                      const MediaItem &item)
-{
-    if (!item.error.empty()) return Undecided{"cannot-open", item.error};
-    return decideFile(session, request, item.openablePath());
-}
-
 Outcome outcomeOf(const FileResult &result)
 {
     return std::visit([](const auto &any) { return any.outcome; }, result);
@@ -29,7 +21,9 @@ Outcome outcomeOf(const FileResult &result)
 /// How many files there will be, for the progress; 0 where nobody sees it or a list is to come.
 std::size_t countFiles(const MediaNames &media)
 {
-    if (!ProgressLine::isShown() || std::ranges::count(media.arguments, "-") > 0) return 0;
+    if (!ProgressLine::isShown() || !media.probed.empty() ||
+        std::ranges::count(media.arguments, "-") > 0)
+        return 0;
     MediaList list(media, std::cin);
     std::size_t count = 0;
     while (list.next()) ++count;
@@ -45,22 +39,21 @@ struct Rendered {
 } // namespace
 
 FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
-                      const std::string &path)
+                      ProbeResult probe)
 {
-    ProbeResult probe = probeMedia(path);
     if (!probe.media) return Undecided{probe.code, probe.error};
     return decide(session, request, std::move(*probe.media));
 }
 
 std::optional<DecidedFile> decideOne(const std::string &profile, const DecisionRequest &request,
-                                     const std::string &path)
+                                     SeenFile file)
 {
     ProfileSession session(profile);
     complainOfWarnings(profile, session);
-    FileResult result = decideFile(session, request, path);
+    FileResult result = decideFile(session, request, std::move(file.probe));
     if (auto *decision = std::get_if<Decision>(&result))
-        return DecidedFile{path, request, std::move(session), std::move(*decision)};
-    complainOf(path, std::get<Undecided>(result).message);
+        return DecidedFile{std::move(file.path), request, std::move(session), std::move(*decision)};
+    complainOf(file.path, std::get<Undecided>(result).message);
     return std::nullopt;
 }
 
@@ -68,14 +61,15 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
                    const MediaNames &media, std::string_view separator, const RenderFile &render)
 {
     Totals totals;
-    MediaList list(media, std::cin);
+    const auto source = openMedia(media);
     FileProgress progress(countFiles(media));
 
-    const auto decideOne = [&](const MediaItem &item) {
-        const FileResult result = decideItem(session, request, item);
-        Rendered rendered{render(item.path, result), {}, outcomeOf(result)};
+    const auto decideOne = [&](const MediaSource::Look &look) {
+        SeenFile file = look();
+        const FileResult result = decideFile(session, request, std::move(file.probe));
+        Rendered rendered{render(file, result), {}, outcomeOf(result)};
         if (const auto *undecided = std::get_if<Undecided>(&result))
-            rendered.complaint = aboutFile(item.path, undecided->message);
+            rendered.complaint = aboutFile(file.path, undecided->message);
         return rendered;
     };
     const auto emit = [&](const Rendered &rendered) {
@@ -94,8 +88,8 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
         progress.advance();
     };
     workInOrder(
-        std::thread::hardware_concurrency(), [&] { return list.next(); }, decideOne, emit);
-    totals.skipped = list.skipped();
+        std::thread::hardware_concurrency(), [&] { return source->next(); }, decideOne, emit);
+    totals.skipped = source->skipped();
     return totals;
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/decide/decision.h"
+#include "tools/decide/media_source.h"
 #include "tools/decide/reason_counts.h"
-#include "tools/files/media_list.h"
 #include "tools/profile/profile_session.h"
 
 #include <array>
@@ -19,9 +19,9 @@ namespace vornak::tool {
 
 using FileResult = std::variant<Decision, Undecided>;
 
-/// Probes a file and decides about it. Any thread.
+/// Any thread.
 FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
-                      const std::string &path);
+                      ProbeResult probe);
 
 /// One file that is decided about, with what the decision belongs to.
 struct DecidedFile {
@@ -34,7 +34,7 @@ struct DecidedFile {
 /// Loads the profile, saying what the library warns of, and decides. None: said why, too.
 /// Throws ProfileError.
 std::optional<DecidedFile> decideOne(const std::string &profile, const DecisionRequest &request,
-                                     const std::string &path);
+                                     SeenFile file);
 
 /// What a file adds to the output.
 struct FileText {
@@ -42,8 +42,8 @@ struct FileText {
     MainReason reason = {}; ///< to be counted
 };
 
-/// Runs on many threads.
-using RenderFile = std::function<FileText(const std::string &path, const FileResult &result)>;
+/// Runs on many threads. The file's media has gone into the result.
+using RenderFile = std::function<FileText(const SeenFile &file, const FileResult &result)>;
 
 struct Totals {
     std::size_t files = 0;

@@ -2,6 +2,7 @@
 
 #include "tools/decide/reason_text.h"
 #include "tools/decide/surroundings.h"
+#include "tools/probe/media_json.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_session.h"
 #include "tools/terminal/json_document.h"
@@ -83,40 +84,16 @@ Json part(const Part &part, int index, bool isContainer, const ProfileSession &s
             {"reasons", std::move(reasons)}};
 }
 
-Json source(const VideoStream &video, int playExceptions)
-{
-    return {{"codec", printable(video.codecName)},
-            {"codecId", video.codecId},
-            {"profile", textOrNull(video.profileName)},
-            {"profileBits", video.profile},
-            {"level", video.level},
-            {"width", video.width},
-            {"height", video.height},
-            {"bitrate", video.bitrate},
-            {"bitrateEstimated", video.bitrateEstimated},
-            {"playExceptions", playExceptionTexts(playExceptions)}};
-}
-
-Json source(const AudioTrack &track)
-{
-    return {{"number", track.number},       {"codec", printable(track.codecName)},
-            {"codecId", track.codecId},     {"profile", textOrNull(track.profileName)},
-            {"profileBits", track.profile}, {"level", track.level},
-            {"channels", track.channels},   {"sampleRate", track.sampleRate},
-            {"bitrate", track.bitrate},     {"bitrateEstimated", track.bitrateEstimated},
-            {"default", track.isDefault},   {"language", printable(track.language)}};
-}
-
 Json source(const Decision &decision)
 {
     const MediaInfo &media = decision.media;
     Json tracks = Json::array();
-    for (const AudioTrack &track : media.audio) tracks.push_back(source(track));
+    for (const AudioTrack &track : media.audio) tracks.push_back(jsonOf(track));
     const AudioTrack *track = decision.audioTrack();
     return {{"container", printable(media.containerName)},
             {"formatId", media.formatId},
             {"duration", media.duration},
-            {"video", media.video ? source(*media.video, decision.video.codecFlag) : Json()},
+            {"video", media.video ? jsonOf(*media.video, decision.video.codecFlag) : Json()},
             {"audioTracks", std::move(tracks)},
             {"audioTrack", track ? Json(track->number) : Json()}};
 }
@@ -143,23 +120,6 @@ Json forbidding(const Explanation &explanation, const ProfileSession &session)
              {"rule", rule(ref, isVideoRule ? RuleKind::Codec : RuleKind::Container, session)}});
     }
     return list;
-}
-
-Json subtitles(const SubtitleSearch &search)
-{
-    Json list = Json::array();
-    for (const SubtitleFile &file : search.files)
-        list.push_back({{"name", printable(file.name)},
-                        {"nameHex", hexBytes(file.name)},
-                        {"kind", file.kind},
-                        {"language", textOrNull(file.language)}});
-    return list;
-}
-
-Json subtitlesError(const SubtitleSearch &search)
-{
-    if (search.error.empty()) return nullptr;
-    return {{"code", search.errorCode}, {"message", search.error}};
 }
 
 Json hardware(const Surroundings &around)
@@ -258,8 +218,8 @@ std::string jsonOf(const std::string &path, const Decision &decision,
     json["container"] = part(explanation.container, decision.formatIndex, true, session);
     json["forbiddenBy"] = forbidding(explanation, session);
     json["output"] = output(decision);
-    json["subtitles"] = subtitles(around.subtitles);
-    json["subtitlesError"] = subtitlesError(around.subtitles);
+    json["subtitles"] = jsonOf(around.subtitles);
+    json["subtitlesError"] = errorOf(around.subtitles);
     json["hardware"] = decision.isVideo ? hardware(around) : Json();
     json["elements"] = elements(around);
     if (withVisits) json["visited"] = visits(explanation, session);

@@ -1,5 +1,7 @@
 #include "tools/decide/surroundings.h"
 
+#include "tools/decide/media_source.h"
+
 namespace vornak::tool {
 namespace {
 
@@ -11,11 +13,11 @@ const char *decoderOf(int codecId)
 
 } // namespace
 
-Surroundings lookAround(const std::string &path, const Decision &decision, int hardwareAgent)
+Surroundings lookAround(const SeenFile &file, const Decision &decision, int hardwareAgent)
 {
     Surroundings around;
     if (decision.isVideo) {
-        around.subtitles = searchSubtitles(path);
+        around.subtitles = file.subtitles();
         around.ruleAllowsHardware =
             isVideoSupportVATranscode(decision.videoTable, decision.videoIndex) == 1;
         around.hardwareAgent = hardwareAgent;

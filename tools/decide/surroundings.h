@@ -1,12 +1,12 @@
 // What a server needs beside the decision: subtitles, the hardware transcoder, element names.
 #pragma once
 
-#include "tools/appliance/subtitle_files.h"
 #include "tools/decide/decision.h"
-
-#include <string>
+#include "tools/probe/subtitle_search.h"
 
 namespace vornak::tool {
+
+struct SeenFile;
 
 struct Surroundings {
     SubtitleSearch subtitles;        ///< of a video
@@ -23,6 +23,6 @@ struct Surroundings {
 };
 
 /// @param hardwareAgent  asked once for all files, since it takes processes
-Surroundings lookAround(const std::string &path, const Decision &decision, int hardwareAgent);
+Surroundings lookAround(const SeenFile &file, const Decision &decision, int hardwareAgent);
 
 } // namespace vornak::tool

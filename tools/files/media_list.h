@@ -28,6 +28,7 @@ struct MediaItem {
 struct MediaNames {
     std::vector<std::string> arguments;
     bool endInNull = false; ///< those of a list, which else are its lines
+    std::string probed;     ///< a file of lines that stand in for the media; empty: none
 };
 
 /**

@@ -1,5 +1,6 @@
 #include "tools/probe/media_probe.h"
 
+#include "include/vornak.h"
 #include "tools/probe/codec_mapping.h"
 #include "tools/probe/container_mapping.h"
 #include "tools/probe/media_file.h"
@@ -7,6 +8,7 @@
 #include "tools/probe/survey.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -19,6 +21,8 @@ extern "C" {
 
 namespace vornak::tool {
 namespace {
+
+constexpr int kRevision = 1; // counts the changes of what is told of some file
 
 constexpr const char *kNoPictureSize =
     "doesn't say how large its pictures are, at least not in its first 32 megabytes";
@@ -156,6 +160,15 @@ ProbeResult probeMedia(const std::string &path)
     if (!firstVideo(survey.played) && hasUntoldAudio(survey.played))
         return {{}, "cannot-probe", kNotMedia};
     return {describe(survey), {}, {}};
+}
+
+std::string probeVersion()
+{
+    const unsigned format = avformat_version(), codec = avcodec_version();
+    return fmt::format("vornak {}.{}, libavformat {}.{}.{}, libavcodec {}.{}.{}", VORNAK_VERSION,
+                       kRevision, AV_VERSION_MAJOR(format), AV_VERSION_MINOR(format),
+                       AV_VERSION_MICRO(format), AV_VERSION_MAJOR(codec), AV_VERSION_MINOR(codec),
+                       AV_VERSION_MICRO(codec));
 }
 
 } // namespace vornak::tool

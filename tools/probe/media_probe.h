@@ -22,4 +22,7 @@ struct ProbeResult {
  */
 ProbeResult probeMedia(const std::string &path);
 
+/// Who tells: what another version says of the same file may be something else.
+std::string probeVersion();
+
 } // namespace vornak::tool

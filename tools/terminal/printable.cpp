@@ -1,7 +1,8 @@
 #include "tools/terminal/printable.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdint>
-#include <fmt/format.h>
 
 namespace vornak::tool {
 namespace {
@@ -48,35 +49,76 @@ bool isControl(std::string_view sequence)
             (lastTwo >= 0x81A6 && lastTwo <= 0x81A9));
 }
 
+bool isPlain(char c)
+{
+    return c >= 0x20 && c < 0x7F && c != '\\';
+}
+
+void appendHex(std::string &to, char c)
+{
+    constexpr const char *kDigits = "0123456789abcdef";
+    to += kDigits[static_cast<unsigned char>(c) >> 4U];
+    to += kDigits[static_cast<unsigned char>(c) & 0xFU];
+}
+
+/// How `text` is shown up to the end of its first character.
+std::string escaped(std::string_view first)
+{
+    if (first == "\\") return "\\\\";
+    std::string out;
+    for (const char c : first) appendHex(out += "\\x", c);
+    return out;
+}
+
 } // namespace
 
 std::string printable(std::string_view text)
 {
     std::string out;
+    out.reserve(text.size());
     while (!text.empty()) {
-        const unsigned char first = byteAt(text, 0);
-        std::size_t length = 1;
-        bool plain = first >= 0x20 && first < 0x7F;
-        if (const int sequence = sequenceLength(text); sequence > 0) {
-            length = static_cast<std::size_t>(sequence);
-            plain = !isControl(text.substr(0, length));
-        }
-        if (first == '\\')
-            out += "\\\\";
-        else if (plain)
-            out += text.substr(0, length);
+        const auto plain = std::ranges::find_if_not(text, isPlain) - text.begin();
+        out += text.substr(0, static_cast<std::size_t>(plain));
+        text.remove_prefix(static_cast<std::size_t>(plain));
+        if (text.empty()) break;
+        const auto length = static_cast<std::size_t>(std::max(sequenceLength(text), 1));
+        const std::string_view first = text.substr(0, length);
+        if (length > 1 && !isControl(first))
+            out += first;
         else
-            for (const char c : text.substr(0, length))
-                out += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+            out += escaped(first);
         text.remove_prefix(length);
     }
+    return out;
+}
+
+std::optional<std::string> unprintable(std::string_view text)
+{
+    std::string out;
+    for (std::size_t at = 0; at < text.size();) {
+        unsigned char byte = static_cast<unsigned char>(text[at]);
+        std::size_t length = 1;
+        if (text.substr(at).starts_with("\\\\")) {
+            length = 2;
+        } else if (byte == '\\') {
+            length = 4;
+            const char *end = text.data() + std::min(at + length, text.size());
+            if (!text.substr(at).starts_with("\\x") ||
+                std::from_chars(end - 2, end, byte, 16).ptr != end)
+                return std::nullopt;
+        }
+        out += static_cast<char>(byte);
+        at += length;
+    }
+    if (printable(out) != text) return std::nullopt;
     return out;
 }
 
 std::string hexBytes(std::string_view text)
 {
     std::string out;
-    for (const char c : text) out += fmt::format("{:02x}", static_cast<unsigned char>(c));
+    out.reserve(2 * text.size());
+    for (const char c : text) appendHex(out, c);
     return out;
 }
 

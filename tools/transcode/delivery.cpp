@@ -32,7 +32,7 @@ int verify(const Making &making)
 {
     const DecidedFile &file = making.file;
     const DecisionRequest request{.matchVideo = file.request.matchVideo};
-    const FileResult result = decideFile(file.session, request, making.work->path());
+    const FileResult result = decideFile(file.session, request, probeMedia(making.work->path()));
     if (const auto *undecided = std::get_if<Undecided>(&result))
         return complainOf(making.output, "not verified: " + undecided->message);
     const auto &decision = std::get<Decision>(result);

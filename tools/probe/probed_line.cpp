@@ -1,0 +1,147 @@
+#include "tools/probe/probed_line.h"
+
+#include "tools/probe/media_json.h"
+#include "tools/terminal/printable.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <limits>
+#include <stdexcept>
+
+namespace vornak::tool {
+namespace {
+
+constexpr std::string_view kDocument = "vornak-probe";
+constexpr std::int64_t kVersion = 1;
+constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+
+// A quotation mark within a text has a backslash before it, so these are found between fields
+// alone.
+constexpr std::string_view kSkipped = ",\"skipped\":";
+constexpr std::string_view kMedia = ",\"error\":";
+constexpr std::string_view kBeside = ",\"subtitles\":";
+
+constexpr std::string_view s_ErrorCodes[] = {"cannot-open", "cannot-probe"};
+constexpr std::string_view s_Kinds[] = {"srt", "vtt"};
+constexpr std::string_view s_SearchErrors[] = {"unreadable", "path-too-long"};
+
+/// Fields without the braces around them.
+std::string inner(const Json &json)
+{
+    const std::string text = json.dump();
+    return text.substr(1, text.size() - 2);
+}
+
+/// A field that holds one of a few words.
+template <std::size_t Size>
+std::string_view wordOf(const JsonFields &fields, const char *name,
+                        const std::string_view (&words)[Size])
+{
+    const auto *const word = std::ranges::find(words, fields.text(name));
+    if (word == std::end(words))
+        fields.refuse(name, fmt::format("one of {}", fmt::join(words, ", ")));
+    return *word;
+}
+
+/// A field with bytes in hexadecimal beside one with the same in words.
+std::string bytesOf(const JsonFields &fields, const char *name, const char *hexName)
+{
+    const std::string bytes = fields.text(name);
+    if (fields.text(hexName) != hexBytes(bytes))
+        fields.refuse(hexName, fmt::format("the bytes of {} in hexadecimal", name));
+    return bytes;
+}
+
+void checkVersion(const JsonFields &fields)
+{
+    if (fields.text("document") != kDocument) throw std::runtime_error("no line of vornak probe");
+    if (fields.number("version", 0, kMost) != kVersion)
+        throw std::runtime_error(
+            fmt::format("its version is not {}, the one that is known here", kVersion));
+}
+
+std::optional<FileState> stateOf(const JsonFields &fields)
+{
+    if (fields.isNull("size")) return std::nullopt;
+    return FileState{fields.number("size", 0, kMost), fields.number("changed", -kMost, kMost)};
+}
+
+ProbeResult probeOf(const JsonFields &fields)
+{
+    if (fields.isNull("error")) return {mediaOf(fields.object("media")), {}, {}};
+    const JsonFields error = fields.object("error");
+    return {std::nullopt, wordOf(error, "code", s_ErrorCodes), error.text("message")};
+}
+
+std::optional<SubtitleSearch> subtitlesOf(const JsonFields &fields)
+{
+    if (fields.isNull("subtitles")) return std::nullopt;
+    SubtitleSearch search;
+    for (const JsonFields &file : fields.list("subtitles"))
+        search.files.push_back({bytesOf(file, "name", "nameHex"), wordOf(file, "kind", s_Kinds),
+                                file.isNull("language") ? "" : file.text("language")});
+    if (fields.isNull("subtitlesError")) return search;
+    const JsonFields error = fields.object("subtitlesError");
+    search.errorCode = wordOf(error, "code", s_SearchErrors);
+    search.error = error.text("message");
+    return search;
+}
+
+} // namespace
+
+std::string filePart(const std::string &path, const std::optional<FileState> &state)
+{
+    static const std::string s_Probe = Json(printable(probeVersion())).dump();
+    const std::string start =
+        fmt::format(R"({{"document":"{}","version":{},"probe":{},"path":{},"pathHex":"{}",)",
+                    kDocument, kVersion, s_Probe, Json(printable(path)).dump(), hexBytes(path));
+    if (!state) return start + R"("size":null,"changed":null)";
+    return start + fmt::format(R"("size":{},"changed":{})", state->size, state->changed);
+}
+
+std::string mediaPart(const ProbeResult &probe)
+{
+    if (probe.media) return ',' + inner({{"error", nullptr}, {"media", jsonOf(*probe.media)}});
+    const Json error = {{"code", probe.code}, {"message", printable(probe.error)}};
+    return ',' + inner({{"error", error}, {"media", nullptr}});
+}
+
+std::string besidePart(const std::optional<SubtitleSearch> &subtitles)
+{
+    Json json = {{"subtitles", nullptr}, {"subtitlesError", nullptr}};
+    if (subtitles) {
+        json["subtitles"] = jsonOf(*subtitles);
+        json["subtitlesError"] = errorOf(*subtitles);
+    }
+    return ',' + inner(json) + '}';
+}
+
+std::string joinLine(const LineParts &parts, std::size_t skipped)
+{
+    return fmt::format("{}{}{}{}{}\n", parts.file, kSkipped, skipped, parts.media, parts.beside);
+}
+
+LineParts splitLine(std::string_view line)
+{
+    static const std::string s_Start =
+        fmt::format(R"({{"document":"{}","version":{},)", kDocument, kVersion);
+    const std::size_t skipped = line.find(kSkipped), media = line.find(kMedia, skipped),
+                      beside = line.find(kBeside, media);
+    if (!line.starts_with(s_Start) || beside == line.npos || !line.ends_with('}')) {
+        readLine(line); // which says why
+        throw std::runtime_error("not as vornak probe writes it");
+    }
+    return {line.substr(0, skipped), line.substr(media, beside - media), line.substr(beside)};
+}
+
+ProbedFile readLine(std::string_view line)
+{
+    const Json json = parseForeign(line);
+    const JsonFields fields(json);
+    checkVersion(fields);
+    return {bytesOf(fields, "path", "pathHex"), stateOf(fields),
+            static_cast<std::size_t>(fields.number("skipped", 0, kMost)), probeOf(fields),
+            subtitlesOf(fields)};
+}
+
+} // namespace vornak::tool
