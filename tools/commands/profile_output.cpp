@@ -1,9 +1,9 @@
 #include "tools/commands/profile_output.h"
 
+#include "tools/files/output_place.h"
 #include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
-#include "tools/transcode/output_place.h"
 #include "tools/transcode/work_file.h"
 
 #include <CLI/CLI.hpp>

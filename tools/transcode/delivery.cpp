@@ -1,13 +1,13 @@
 #include "tools/transcode/delivery.h"
 
 #include "tools/decide/reason_text.h"
+#include "tools/files/output_place.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 #include "tools/transcode/library_command.h"
 #include "tools/transcode/make_output.h"
-#include "tools/transcode/output_place.h"
 #include "tools/transcode/work_file.h"
 
 #include <filesystem>

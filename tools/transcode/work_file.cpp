@@ -1,7 +1,7 @@
 #include "tools/transcode/work_file.h"
 
+#include "tools/files/output_place.h"
 #include "tools/terminal/printable.h"
-#include "tools/transcode/output_place.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "tools/transcode/output_place.h"
+#include "tools/files/output_place.h"
 
 #include "tools/terminal/printable.h"
 
