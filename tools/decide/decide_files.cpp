@@ -1,34 +1,16 @@
 #include "tools/decide/decide_files.h"
 
+#include "tools/files/count_media.h"
 #include "tools/files/ordered_work.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 #include "tools/terminal/progress.h"
 
-#include <algorithm>
 #include <fmt/format.h>
-#include <iostream>
 #include <thread>
 
 namespace vornak::tool {
 namespace {
-
-Outcome outcomeOf(const FileResult &result)
-{
-    return std::visit([](const auto &any) { return any.outcome; }, result);
-}
-
-/// How many files there will be, for the progress; 0 where nobody sees it or a list is to come.
-std::size_t countFiles(const MediaNames &media)
-{
-    if (!ProgressLine::isShown() || !media.probed.empty() ||
-        std::ranges::count(media.arguments, "-") > 0)
-        return 0;
-    MediaList list(media, std::cin);
-    std::size_t count = 0;
-    while (list.next()) ++count;
-    return count;
-}
 
 struct Rendered {
     FileText file;
@@ -37,6 +19,11 @@ struct Rendered {
 };
 
 } // namespace
+
+Outcome outcomeOf(const FileResult &result)
+{
+    return std::visit([](const auto &any) { return any.outcome; }, result);
+}
 
 FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
                       ProbeResult probe)
@@ -62,7 +49,7 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
 {
     Totals totals;
     const auto source = openMedia(media);
-    FileProgress progress(countFiles(media));
+    FileProgress progress(countMedia(media));
 
     const auto decideOne = [&](const MediaSource::Look &look) {
         SeenFile file = look();
@@ -83,8 +70,7 @@ Totals decideFiles(const ProfileSession &session, const DecisionRequest &request
         writeOut(text);
         totals.shown += !text.empty();
         totals.reasons.add(rendered.file.reason);
-        ++totals.files;
-        ++totals.outcomes[static_cast<std::size_t>(rendered.outcome)];
+        totals.add(rendered.outcome);
         progress.advance();
     };
     workInOrder(

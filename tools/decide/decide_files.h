@@ -19,6 +19,8 @@ namespace vornak::tool {
 
 using FileResult = std::variant<Decision, Undecided>;
 
+Outcome outcomeOf(const FileResult &result);
+
 /// Any thread.
 FileResult decideFile(const ProfileSession &session, const DecisionRequest &request,
                       ProbeResult probe);
@@ -53,6 +55,11 @@ struct Totals {
     std::size_t shown = 0;     ///< files with a text
     ReasonCounts reasons;
 
+    void add(Outcome outcome)
+    {
+        ++files;
+        ++outcomes[static_cast<std::size_t>(outcome)];
+    }
     std::size_t of(Outcome outcome) const { return outcomes[static_cast<std::size_t>(outcome)]; }
 };
 

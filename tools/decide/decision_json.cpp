@@ -180,7 +180,8 @@ Json reasons(const ReasonCounts &counts)
                         {"outcome", nameOf(row.outcome)},
                         {"part", row.part.empty() ? Json() : Json(row.part)},
                         {"code", row.code},
-                        {"text", row.text}});
+                        {"text", row.text},
+                        {"line", row.line > 0 ? Json(row.line) : Json()}});
     return list;
 }
 
@@ -189,17 +190,26 @@ Json reasons(const ReasonCounts &counts)
 std::string jsonHead(std::string_view document, const std::string &profilePath,
                      const DecisionRequest &request, const ProfileSession &session)
 {
-    Json profile = pathFields(profilePath);
+    return listHead(document, {{"profile", profileFields(profilePath, session)},
+                               {"options", optionFields(request)}});
+}
+
+Json profileFields(const std::string &path, const ProfileSession &session)
+{
+    Json profile = pathFields(path);
     profile["device"] = printable(session.profile().deviceName);
     profile["warnings"] = session.warnings();
-    const Json asked = {{"prefer", request.preferFormatId > 0
-                                       ? Json(containerText(request.preferFormatId))
-                                       : Json()},
-                        {"force", request.force},
-                        {"audioTrack", request.audioTrack > 0 ? Json(request.audioTrack) : Json()},
-                        {"matchVideo", request.matchVideo},
-                        {"playExceptions", playExceptionTexts(request.extraPlayExceptions)}};
-    return listHead(document, {{"profile", std::move(profile)}, {"options", asked}});
+    return profile;
+}
+
+Json optionFields(const DecisionRequest &request)
+{
+    return {{"prefer",
+             request.preferFormatId > 0 ? Json(containerText(request.preferFormatId)) : Json()},
+            {"force", request.force},
+            {"audioTrack", request.audioTrack > 0 ? Json(request.audioTrack) : Json()},
+            {"matchVideo", request.matchVideo},
+            {"playExceptions", playExceptionTexts(request.extraPlayExceptions)}};
 }
 
 std::string jsonOf(const std::string &path, const Decision &decision,
@@ -234,7 +244,7 @@ std::string jsonOf(const std::string &path, const Undecided &undecided)
     return json.dump();
 }
 
-std::string jsonTail(const Totals &totals, bool countReasons)
+Json summaryFields(const Totals &totals, bool countReasons)
 {
     Json summary{{"files", totals.files}};
     for (int i = 0; i < kOutcomes; ++i) {
@@ -243,7 +253,12 @@ std::string jsonTail(const Totals &totals, bool countReasons)
     }
     summary["skipped"] = totals.skipped;
     if (countReasons) summary["reasons"] = reasons(totals.reasons);
-    return "\n],\n\"summary\":" + summary.dump() + "}\n";
+    return summary;
+}
+
+std::string jsonTail(const Totals &totals, bool countReasons)
+{
+    return "\n],\n\"summary\":" + summaryFields(totals, countReasons).dump() + "}\n";
 }
 
 } // namespace vornak::tool

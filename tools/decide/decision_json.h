@@ -3,6 +3,7 @@
 
 #include "tools/decide/decide_files.h"
 #include "tools/decide/explanation.h"
+#include "tools/terminal/json_document.h"
 
 #include <string>
 #include <string_view>
@@ -11,6 +12,12 @@ namespace vornak::tool {
 
 class ProfileSession;
 struct Surroundings;
+
+/// What all documents say of a profile, of what was asked, and at their end.
+/// @param countReasons  with how many files there are of each
+Json profileFields(const std::string &path, const ProfileSession &session);
+Json optionFields(const DecisionRequest &request);
+Json summaryFields(const Totals &totals, bool countReasons);
 
 /// The document, which is called `document`, up to its list of files.
 std::string jsonHead(std::string_view document, const std::string &profilePath,
@@ -22,7 +29,7 @@ std::string jsonOf(const std::string &path, const Decision &decision,
                    const ProfileSession &session, bool withVisits);
 std::string jsonOf(const std::string &path, const Undecided &undecided);
 
-/// What follows the list. @param countReasons  with how many files there are of each
+/// What follows the list.
 std::string jsonTail(const Totals &totals, bool countReasons);
 
 } // namespace vornak::tool

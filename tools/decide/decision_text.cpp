@@ -38,15 +38,6 @@ std::string trackText(const AudioTrack &track, std::size_t tracks)
     return text;
 }
 
-std::string sourceText(const Decision &decision)
-{
-    const MediaInfo &media = decision.media;
-    std::string text = printable(media.containerName);
-    if (media.video) text += "; " + videoText(*media.video, decision.video.codecFlag);
-    const AudioTrack *track = decision.audioTrack();
-    return text + "; " + (track ? trackText(*track, media.audio.size()) : "no audio");
-}
-
 /// Whether the reasons don't name the rule that describes the output.
 bool lacksOutputRule(const Part &part)
 {
@@ -55,8 +46,8 @@ bool lacksOutputRule(const Part &part)
     });
 }
 
-/// "  video: transcode: REASONS; output as in rule 0 (h264, line 5)"
-std::string partLine(std::string_view name, const Part &part, const std::string &reasons,
+/// "video: transcode: REASONS; output as in rule 0 (h264, line 5)"
+std::string partText(std::string_view name, const Part &part, const std::string &reasons,
                      const std::string &rule, const Decision &decision)
 {
     const Colours &c = colours();
@@ -65,13 +56,13 @@ std::string partLine(std::string_view name, const Part &part, const std::string 
                                                                      : std::string_view{};
     const bool saysOutput =
         part.action == Action::Transcode && !decision.isRefused() && lacksOutputRule(part);
-    return fmt::format("  {}: {}{}{}: {}{}{}\n", name, colour, nameOf(part.action),
+    return fmt::format("{}: {}{}{}: {}{}{}", name, colour, nameOf(part.action),
                        colour.empty() ? colour : c.reset, reasons,
                        saysOutput ? "; output as in " : "", saysOutput ? rule : "");
 }
 
-/// "  other audio: track 2 (ac3, 6 channels) would be taken as it is"
-std::string otherTracksLine(const Decision &decision)
+/// "other audio: track 2 (ac3, 6 channels) would be taken as it is"
+std::string otherTracksText(const Decision &decision)
 {
     std::string tracks;
     for (const int number : decision.otherTracks) {
@@ -82,29 +73,39 @@ std::string otherTracksLine(const Decision &decision)
     }
     const bool isOne = decision.otherTracks.size() == 1;
     return tracks.empty() ? tracks
-                          : fmt::format("  other audio: {} would be taken as {}\n", tracks,
+                          : fmt::format("other audio: {} would be taken as {}", tracks,
                                         isOne ? "it is" : "they are");
 }
 
-std::string partLines(const Decision &decision, const Explanation &explanation,
-                      const ProfileSession &session)
+/// The line of the rule whose doing a part is, or else of the one that it follows.
+int lineOf(const Part &part, const ProfileSession &session)
 {
-    std::string text;
-    const Part &video = explanation.video;
-    if (decision.isVideo)
-        text = partLine("video", video, videoReasons(decision, video, session),
-                        ruleText(video.rule, session), decision);
-    const Part &audio = explanation.audio;
-    text += partLine("audio", audio, audioReasons(decision, audio, session),
-                     ruleText(audio.rule, session), decision);
-    text += otherTracksLine(decision);
-    const Part &container = explanation.container;
-    text += partLine("container", container, containerReasons(decision, container, session),
-                     entryText(container.rule, session), decision);
-    return text;
+    const void *first = part.reasons.empty() ? nullptr : part.reasons.front().rule.record;
+    return session.lineOf(first ? first : part.rule.record);
 }
 
-std::string forbiddenLine(const Explanation &explanation, const ProfileSession &session)
+void addParts(const Decision &decision, const Explanation &explanation,
+              const ProfileSession &session, std::vector<ShownLine> &lines)
+{
+    const Part &video = explanation.video;
+    if (decision.isVideo)
+        lines.push_back({partText("video", video, videoReasons(decision, video, session),
+                                  ruleText(video.rule, session), decision),
+                         lineOf(video, session)});
+    const Part &audio = explanation.audio;
+    lines.push_back({partText("audio", audio, audioReasons(decision, audio, session),
+                              ruleText(audio.rule, session), decision),
+                     lineOf(audio, session)});
+    if (std::string others = otherTracksText(decision); !others.empty())
+        lines.push_back({std::move(others)});
+    const Part &container = explanation.container;
+    lines.push_back(
+        {partText("container", container, containerReasons(decision, container, session),
+                  entryText(container.rule, session), decision),
+         lineOf(container, session)});
+}
+
+ShownLine forbiddenLine(const Explanation &explanation, const ProfileSession &session)
 {
     const Colours &c = colours();
     std::string rules;
@@ -115,8 +116,10 @@ std::string forbiddenLine(const Explanation &explanation, const ProfileSession &
                              : "container " + entryText(rule, session) + " of audio " +
                                    ruleText(explanation.audio.rule, session);
     }
-    return fmt::format("  result: {}refused{}: NOTRANSCODE of {} forbids to transcode\n", c.bad,
-                       c.reset, rules);
+    const auto &forbidding = explanation.forbidding;
+    return {fmt::format("result: {}refused{}: NOTRANSCODE of {} forbids to transcode", c.bad,
+                        c.reset, rules),
+            forbidding.empty() ? 0 : session.lineOf(forbidding.front().record)};
 }
 
 std::string_view resultText(const Decision &decision)
@@ -138,18 +141,12 @@ std::string announced(const char *text)
     return text ? printable(text) : "none";
 }
 
-std::string resultLines(const Decision &decision)
+std::string resultLine(const Decision &decision)
 {
     const Colours &c = colours();
-    const bool sameContainer = decision.outputFormatId == decision.media.formatId;
-    return fmt::format("  result: {}{}{}{}\n"
-                       "  output: container {}, MIME type {}, DLNA profile {}\n",
-                       decision.outcome == Outcome::Kept ? c.good : c.change, resultText(decision),
-                       c.reset,
-                       decision.isSeekable() ? "" : ", into an output that can't be sought in",
-                       sameContainer ? printable(decision.media.containerName)
-                                     : containerText(decision.outputFormatId),
-                       announced(decision.mime), announced(decision.dlnaProfile));
+    return fmt::format("result: {}{}{}{}", decision.outcome == Outcome::Kept ? c.good : c.change,
+                       resultText(decision), c.reset,
+                       decision.isSeekable() ? "" : ", into an output that can't be sought in");
 }
 
 std::string verdictText(const Visit &visit, RuleKind kind)
@@ -175,21 +172,26 @@ std::string verdictText(const Visit &visit, RuleKind kind)
     return text;
 }
 
-/// The visited rules under a heading, a line each.
-std::string visitLines(const std::string &heading, const std::vector<Visit> &visits, RuleKind kind,
-                       const Decision &decision, const ProfileSession &session)
+std::string visitText(const Visit &visit, RuleKind kind, const Decision &decision,
+                      const ProfileSession &session)
 {
-    std::string text = fmt::format("  {}:{}\n", heading, visits.empty() ? " none" : "");
-    for (const Visit &visit : visits) {
-        const RuleRef ref{visit.record, visit.position, visit.id};
-        const std::string name =
-            kind == RuleKind::Codec ? ruleText(ref, session) : entryText(ref, session);
-        text += fmt::format("    {}: {}", name, verdictText(visit, kind));
-        if (visit.coveredExceptions != 0)
-            text += "; " + partlyCoveredText("", visit.coveredExceptions, decision.video.codecFlag);
-        text += visit.isNearestMiss ? " (the nearest miss)\n" : "\n";
-    }
+    const RuleRef ref{visit.record, visit.position, visit.id};
+    std::string text = kind == RuleKind::Codec ? ruleText(ref, session) : entryText(ref, session);
+    text += ": " + verdictText(visit, kind);
+    if (visit.coveredExceptions != 0)
+        text += "; " + partlyCoveredText("", visit.coveredExceptions, decision.video.codecFlag);
+    if (visit.isNearestMiss) text += " (the nearest miss)";
     return text;
+}
+
+VisitedRules visited(const std::string &what, const std::vector<Visit> &visits, RuleKind kind,
+                     const Decision &decision, const ProfileSession &session)
+{
+    VisitedRules rules{fmt::format("{}:{}", what, visits.empty() ? " none" : ""), {}};
+    for (const Visit &visit : visits)
+        rules.rules.push_back(
+            {visitText(visit, kind, decision, session), session.lineOf(visit.record)});
+    return rules;
 }
 
 std::string subtitlesText(const SubtitleSearch &search)
@@ -223,15 +225,47 @@ std::string elementText(const char *element)
 
 } // namespace
 
+std::string sourceText(const Decision &decision)
+{
+    const MediaInfo &media = decision.media;
+    std::string text = printable(media.containerName);
+    if (media.video) text += "; " + videoText(*media.video, decision.video.codecFlag);
+    const AudioTrack *track = decision.audioTrack();
+    return text + "; " + (track ? trackText(*track, media.audio.size()) : "no audio");
+}
+
+std::string outputText(const Decision &decision)
+{
+    const bool sameContainer = decision.outputFormatId == decision.media.formatId;
+    return fmt::format("container {}, MIME type {}, DLNA profile {}",
+                       sameContainer ? printable(decision.media.containerName)
+                                     : containerText(decision.outputFormatId),
+                       announced(decision.mime), announced(decision.dlnaProfile));
+}
+
+std::vector<ShownLine> decisionLines(const Decision &decision, const Explanation &explanation,
+                                     const ProfileSession &session)
+{
+    std::vector<ShownLine> lines;
+    addParts(decision, explanation, session, lines);
+    if (decision.isRefused()) {
+        lines.push_back(forbiddenLine(explanation, session));
+    } else {
+        lines.push_back({resultLine(decision)});
+        lines.push_back({"output: " + outputText(decision)});
+    }
+    return lines;
+}
+
 std::string textOf(const std::string &path, const Decision &decision,
                    const Explanation &explanation, const ProfileSession &session)
 {
     const Colours &c = colours();
     std::string text =
         fmt::format("{}{}{}: {}\n", c.name, printable(path), c.reset, sourceText(decision));
-    text += partLines(decision, explanation, session);
-    return text +
-           (decision.isRefused() ? forbiddenLine(explanation, session) : resultLines(decision));
+    for (const ShownLine &line : decisionLines(decision, explanation, session))
+        text += "  " + line.text + '\n';
+    return text;
 }
 
 std::string subtitlesLine(const Surroundings &around, const Decision &decision)
@@ -264,23 +298,36 @@ std::string briefText(const std::string &path, const MainReason &reason)
                        reason.text);
 }
 
-std::string visitsText(const Decision &decision, const Explanation &explanation,
-                       const ProfileSession &session)
+std::vector<VisitedRules> visitedRules(const Decision &decision, const Explanation &explanation,
+                                       const ProfileSession &session)
 {
-    std::string text, where;
+    std::vector<VisitedRules> all;
+    std::string where;
     if (decision.isVideo) {
-        text = visitLines("video rules visited", explanation.videoVisits, RuleKind::Codec, decision,
-                          session);
+        all.push_back(visited("video rules visited", explanation.videoVisits, RuleKind::Codec,
+                              decision, session));
         if (decision.videoRule) where = " in video " + ruleText(explanation.video.rule, session);
     }
     if (!decision.isSilent)
-        text += visitLines("audio rules visited" + where, explanation.audioVisits, RuleKind::Codec,
-                           decision, session);
+        all.push_back(visited("audio rules visited" + where, explanation.audioVisits,
+                              RuleKind::Codec, decision, session));
     where.clear();
     if (explanation.searchedRule.record)
         where = " in audio " + ruleText(explanation.searchedRule, session);
-    return text + visitLines("container entries visited" + where, explanation.entryVisits,
-                             RuleKind::Container, decision, session);
+    all.push_back(visited("container entries visited" + where, explanation.entryVisits,
+                          RuleKind::Container, decision, session));
+    return all;
+}
+
+std::string visitsText(const Decision &decision, const Explanation &explanation,
+                       const ProfileSession &session)
+{
+    std::string text;
+    for (const VisitedRules &walk : visitedRules(decision, explanation, session)) {
+        text += "  " + walk.heading + '\n';
+        for (const ShownLine &rule : walk.rules) text += "    " + rule.text + '\n';
+    }
+    return text;
 }
 
 std::string textOf(const Totals &totals)

@@ -68,6 +68,7 @@ private:
     bool readNext(std::string &line)
     {
         std::istream &in = file_.is_open() ? file_ : std::cin;
+        if (!in) return false; // also of another thread, while one says what is wrong
         in.getline(buffer_.get(), kMost);
         ++number_;
         if (in.bad()) refuse(number_, "can't be read");

@@ -1,6 +1,7 @@
 #include "tools/decide/reason_counts.h"
 
 #include "tools/decide/reason_text.h"
+#include "tools/profile/profile_session.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -46,6 +47,14 @@ NamedPart mainPart(const Decision &decision, const Explanation &why)
     return parts[decision.isVideo ? 0 : 1];
 }
 
+/// That no rule takes the sound is the doing of the video rule around those that were asked.
+int lineOf(const Reason &reason, std::string_view part, const Decision &decision,
+           const ProfileSession &session)
+{
+    const bool isVideoRules = reason.code == ReasonCode::NoRule && part == "audio";
+    return session.lineOf(isVideoRules ? decision.videoRule : reason.rule.record);
+}
+
 } // namespace
 
 MainReason mainReason(const Decision &decision, const Explanation &explanation,
@@ -56,6 +65,7 @@ MainReason mainReason(const Decision &decision, const Explanation &explanation,
     if (main.part.reasons.empty()) return result;
     const Reason &reason = main.part.reasons.front();
     result.code = nameOf(reason);
+    result.line = lineOf(reason, main.name, decision, session);
     result.text = main.text(decision, {main.part.action, main.part.rule, {reason}}, session);
     result.ofMany = reason.refusal ? refusalOfMany(*reason.refusal, ruleText(reason.rule, session))
                                    : result.text;
@@ -76,7 +86,8 @@ void ReasonCounts::add(const MainReason &reason)
     const std::string key =
         fmt::format("{} {} {} {}", nameOf(reason.outcome), reason.ofMany, reason.part, reason.code);
     Row &row = rows_[key];
-    if (row.files++ == 0) row = {1, reason.outcome, reason.part, reason.code, reason.ofMany};
+    if (row.files++ == 0)
+        row = {1, reason.outcome, reason.part, reason.code, reason.ofMany, reason.line};
 }
 
 std::vector<ReasonCounts::Row> ReasonCounts::rows() const

@@ -19,6 +19,7 @@ struct MainReason {
     std::string_view part = {}; ///< "video", "audio", "container"; empty: no decision
     std::string_view code = {}; ///< a stable name, of reasons or of errors
     std::string text = {};      ///< "6 channels, rule 0 (aac, line 14) allows 2"
+    int line = 0; ///< of the profile, where the rule stands whose doing it is; 0: of none
     std::string ofMany = {}; ///< without the file's own values: "channels, rule 0 (aac, line 14) …"
 };
 
@@ -35,6 +36,7 @@ public:
         Outcome outcome = Outcome::Kept;
         std::string_view part, code;
         std::string text;
+        int line = 0;
     };
 
     void add(const MainReason &reason);
