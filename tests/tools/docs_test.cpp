@@ -272,6 +272,28 @@ TEST(DecidePages, ShowTheDocumentAndTheSameInWords)
     }
 }
 
+TEST(CollectionsPage, ShowsWhatItsCommandsPrintAndTheirJsonFollowsItsSchemas)
+{
+    const TempDir dir;
+    std::size_t at = 0;
+    const std::string text = page("collections.md");
+    for (const char *name : {"tv.xml", "hifi.xml"}) dir.write(name, blockAfter(text, "```xml", at));
+    const auto examples = readDocExamples(VORNAK_SOURCE_DIR "/docs/collections.md");
+    EXPECT_GE(examples.size(), 10U);
+    const std::string tools = std::filesystem::path(VORNAK_CLI).parent_path();
+    const std::string start = "cd " + dir.path().string() + "; PATH=" + tools + ":\"$PATH\"; ";
+    expectDocExamples(examples, start);
+
+    const ProcessResult followed =
+        run({"sh", "-c",
+             start + "echo '<DEVICE' >players/broken.xml; "
+                     "vornak matrix --profiles players --json --probed media.jsonl >matrix.json; "
+                     "for kind in probe:media.jsonl matrix:matrix.json; do \"$0\" "
+                     "\"$1/vornak-${kind%:*}.schema.json\" ${kind#*:}; done",
+             VORNAK_SOURCE_DIR "/tests/tools/follows_schema", VORNAK_SOURCE_DIR "/docs/schemas"});
+    EXPECT_EQ(followed.out, "4 documents\n1 document\n") << followed.err;
+}
+
 TEST(TranscodingPage, ShowsWhatItsCommandsPrint)
 {
     const TempDir dir;

@@ -50,7 +50,8 @@ TEST_F(RunVornak, EndsInOneLineWhereNothingCanBeWrittenAndSilentlyWhereNobodyRea
          {"--help", "--version", "decide --help", "profile show --help", "decide -p p.xml a.wav",
           "decide -p p.xml --json a.wav", "command -p p.xml a.wav", "profile check p.xml",
           "profile show p.xml", "profile list", "profile new --name a --music mp3 --container mp3",
-          "subtitles a.wav", "disc disc", "elements --list", "appliance", "cached --tags a b a.wav",
+          "probe a.wav", "matrix -p p.xml --json a.wav", "subtitles a.wav", "disc disc",
+          "elements --list", "appliance", "cached --tags a b a.wav",
           "transcode -p p.xml a.wav --copy -o c.wav"}) {
         SCOPED_TRACE(arguments);
         const ProcessResult full = shell("vornak " + arguments + " >/dev/full");

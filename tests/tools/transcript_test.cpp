@@ -23,8 +23,8 @@ TEST_P(Transcript, IsWhatHappens)
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, Transcript,
-                         testing::Values("command", "decide", "length", "profile", "subtitles",
-                                         "transcode", "whole-output"),
+                         testing::Values("collections", "command", "decide", "length", "profile",
+                                         "subtitles", "transcode", "whole-output"),
                          [](const auto &page) {
                              std::string name = page.param;
                              std::ranges::replace(name, '-', '_');

@@ -68,16 +68,35 @@ void takeProfileNames(CLI::App &command, std::string &profile)
     command.parse_complete_callback([&profile] { profile = findProfile(profile); });
 }
 
-void addMediaArgument(CLI::App &command, MediaNames &media)
+CLI::Option *addMediaArgument(CLI::App &command, MediaNames &media)
 {
-    command
-        .add_option("MEDIA", media.arguments,
-                    "Media files, folders with all that lies below them, or - for a list of "
-                    "names on standard input, one a line")
-        ->required()
-        ->type_name("");
+    CLI::Option *argument =
+        command
+            .add_option("MEDIA", media.arguments,
+                        "Media files, folders with all that lies below them, or - for a list of "
+                        "names on standard input, one a line")
+            ->required()
+            ->type_name("");
     command.add_flag("-0,--null", media.endInNull,
                      "The names on standard input end in a NUL, as those of find -print0 do");
+    return argument;
+}
+
+CLI::Option *addProbedOption(CLI::App &command, std::string &probed, CLI::Option &media)
+{
+    media.required(false);
+    return command
+        .add_option("--probed", probed,
+                    "Lines that vornak probe has written, or - for standard input, in place of "
+                    "MEDIA: no media is opened")
+        ->type_name("FILE")
+        ->excludes(&media);
+}
+
+void addMediaOrProbed(CLI::App &command, MediaNames &media)
+{
+    CLI::Option *argument = addMediaArgument(command, media);
+    addProbedOption(command, media.probed, *argument);
 }
 
 void addMatchingOptions(CLI::App &command, DecisionOptions &options)
@@ -102,16 +121,13 @@ void addMatchingOptions(CLI::App &command, DecisionOptions &options)
 void addDecisionOptions(CLI::App &command, DecisionOptions &options)
 {
     addProfileOption(command, options.profile);
-    addMediaArgument(command, options.media);
+    addMediaOrProbed(command, options.media);
     addMatchingOptions(command, options);
     command.add_flag("--force", options.force, "Transcode whatever the rules say");
 }
 
-DecisionRequest resolve(const DecisionOptions &options)
+DecisionRequest requestOf(const DecisionOptions &options)
 {
-    if (options.profile == "-" && std::ranges::count(options.media.arguments, "-") > 0)
-        throw std::runtime_error("--profile - and MEDIA - both read standard input; name one of "
-                                 "them as a file");
     DecisionRequest request{.force = options.force,
                             .audioTrack = options.audioTrack,
                             .matchVideo = !options.noMatchVideo};
@@ -119,6 +135,24 @@ DecisionRequest resolve(const DecisionOptions &options)
     for (const std::string &name : options.playExceptions)
         request.extraPlayExceptions |= playExceptionBit(name);
     return request;
+}
+
+DecisionRequest resolve(const DecisionOptions &options)
+{
+    checkMedia(options.media, options.profile == "-");
+    return requestOf(options);
+}
+
+void checkMedia(const MediaNames &media, bool readsProfile)
+{
+    if (media.arguments.empty() && media.probed.empty()) throw CLI::RequiredError("MEDIA");
+    const char *reader = media.probed == "-"                            ? "--probed -"
+                         : std::ranges::count(media.arguments, "-") > 0 ? "MEDIA -"
+                                                                        : nullptr;
+    if (readsProfile && reader)
+        throw std::runtime_error(fmt::format("--profile - and {} both read standard input; name "
+                                             "one of them as a file",
+                                             reader));
 }
 
 } // namespace vornak::tool

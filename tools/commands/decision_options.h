@@ -9,7 +9,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace vornak::tool {
 
@@ -29,7 +30,12 @@ void addProfileOption(CLI::App &command, std::string &profile);
 void takeProfileNames(CLI::App &command, std::string &profile);
 
 /// MEDIA, with --null for the list that may be among it.
-void addMediaArgument(CLI::App &command, MediaNames &media);
+CLI::Option *addMediaArgument(CLI::App &command, MediaNames &media);
+
+/// The same, and --probed for lines that stand in for it.
+void addMediaOrProbed(CLI::App &command, MediaNames &media);
+/// --probed alone. @param media  the argument whose place it takes, which isn't required then
+CLI::Option *addProbedOption(CLI::App &command, std::string &probed, CLI::Option &media);
 
 /// Those that reach the library's arguments, but for `force`.
 void addMatchingOptions(CLI::App &command, DecisionOptions &options);
@@ -37,7 +43,14 @@ void addMatchingOptions(CLI::App &command, DecisionOptions &options);
 /// All of the above, with --force.
 void addDecisionOptions(CLI::App &command, DecisionOptions &options);
 
-/// Looks the names up in the registry. Throws std::runtime_error with a line for the user.
+/// What the options ask for, with names looked up in the registry. Throws std::runtime_error with a
+/// line for the user.
+DecisionRequest requestOf(const DecisionOptions &options);
+
+/// The same, where there are media as well. @param profile  what of them may be standard input
 DecisionRequest resolve(const DecisionOptions &options);
+
+/// Throws where nothing is named, or where standard input is to be two things.
+void checkMedia(const MediaNames &media, bool readsProfile);
 
 } // namespace vornak::tool

@@ -28,14 +28,17 @@ Exit status: 0 estimated, and the sizes agree; 1 no estimate, or they don't; 2 b
 profile that can't be loaded.)";
 
 struct LengthOptions : DecisionOptions {
-    std::string file;
     std::string ffmpeg = "ffmpeg";
     bool verify = false;
 };
 
 int runLength(const LengthOptions &options)
 {
-    const auto file = decideOne(options.profile, resolve(options), options.file);
+    const DecisionRequest request = resolve(options);
+    const MediaNames &media = options.media;
+    const auto file = decideOne(options.profile, request,
+                                media.probed.empty() ? seeFile(media.arguments.front())
+                                                     : seeOnlyLine(media.probed));
     if (!file) return kIncomplete;
     return options.verify ? verifyLength(*file, options.ffmpeg) : showLength(*file);
 }
@@ -47,9 +50,14 @@ void addLength(CLI::App &app, int &status)
     auto options = std::make_shared<LengthOptions>();
     CLI::App *command = app.add_subcommand("length", kLengthHelp);
     addProfileOption(*command, options->profile);
-    command->add_option("MEDIA", options->file, "The music file")->required()->type_name("");
-    command->add_flag("--verify", options->verify,
-                      "Transcode it and compare the size of what comes out");
+    CLI::Option *media =
+        command->add_option("MEDIA", options->media.arguments, "The music file")->type_name("");
+    media->expected(1);
+    CLI::Option *probed = addProbedOption(*command, options->media.probed, *media);
+    command
+        ->add_flag("--verify", options->verify,
+                   "Transcode it and compare the size of what comes out")
+        ->excludes(probed);
     addFfmpegOption(*command, options->ffmpeg);
     addMatchingOptions(*command, *options);
     command->add_flag("--force", options->force, "Transcode whatever the rules say");

@@ -18,6 +18,8 @@ void addDisc(CLI::App &app, int &status);
 void addElements(CLI::App &app, int &status);
 void addLength(CLI::App &app, int &status);
 void addLock(CLI::App &app, int &status);
+void addMatrix(CLI::App &app, int &status);
+void addProbe(CLI::App &app, int &status);
 void addProfile(CLI::App &app, int &status);
 void addSubtitles(CLI::App &app, int &status);
 void addTranscode(CLI::App &app, int &status);

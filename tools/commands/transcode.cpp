@@ -42,7 +42,7 @@ int runTranscode(const TranscodeOptions &options)
                                      "out --verify and --force)");
         claimStandardOutput();
     }
-    const auto file = decideOne(options.profile, resolve(options), seeFile(options.file));
+    const auto file = decideOne(options.profile, requestOf(options), seeFile(options.file));
     return file ? deliver(*file, delivery) : kIncomplete;
 }
 

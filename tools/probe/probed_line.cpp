@@ -11,7 +11,7 @@
 namespace vornak::tool {
 namespace {
 
-constexpr std::string_view kDocument = "vornak-probe";
+constexpr std::string_view kDocument = "vornak-probe"; // as in kLineStart
 constexpr std::int64_t kVersion = 1;
 constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
 
@@ -93,8 +93,8 @@ std::string filePart(const std::string &path, const std::optional<FileState> &st
 {
     static const std::string s_Probe = Json(printable(probeVersion())).dump();
     const std::string start =
-        fmt::format(R"({{"document":"{}","version":{},"probe":{},"path":{},"pathHex":"{}",)",
-                    kDocument, kVersion, s_Probe, Json(printable(path)).dump(), hexBytes(path));
+        fmt::format(R"({}"version":{},"probe":{},"path":{},"pathHex":"{}",)", kLineStart, kVersion,
+                    s_Probe, Json(printable(path)).dump(), hexBytes(path));
     if (!state) return start + R"("size":null,"changed":null)";
     return start + fmt::format(R"("size":{},"changed":{})", state->size, state->changed);
 }
@@ -121,17 +121,20 @@ std::string joinLine(const LineParts &parts, std::size_t skipped)
     return fmt::format("{}{}{}{}{}\n", parts.file, kSkipped, skipped, parts.media, parts.beside);
 }
 
-LineParts splitLine(std::string_view line)
+std::optional<LineParts> splitLine(std::string_view line)
 {
-    static const std::string s_Start =
-        fmt::format(R"({{"document":"{}","version":{},)", kDocument, kVersion);
+    static const std::string s_Start = fmt::format("{}\"version\":{},", kLineStart, kVersion);
+    if (!line.starts_with(s_Start) || !line.ends_with('}')) return std::nullopt;
     const std::size_t skipped = line.find(kSkipped), media = line.find(kMedia, skipped),
-                      beside = line.find(kBeside, media);
-    if (!line.starts_with(s_Start) || beside == line.npos || !line.ends_with('}')) {
-        readLine(line); // which says why
-        throw std::runtime_error("not as vornak probe writes it");
-    }
-    return {line.substr(0, skipped), line.substr(media, beside - media), line.substr(beside)};
+                      beside = line.rfind(kBeside);
+    if (media == line.npos || beside == line.npos || beside < media) return std::nullopt;
+    return LineParts{line.substr(0, skipped), line.substr(media, beside - media),
+                     line.substr(beside)};
+}
+
+bool isOpened(std::string_view mediaPart)
+{
+    return mediaPart.find("\"cannot-open\"") == mediaPart.npos;
 }
 
 ProbedFile readLine(std::string_view line)

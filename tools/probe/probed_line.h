@@ -13,6 +13,9 @@
 
 namespace vornak::tool {
 
+/// What all lines begin with.
+inline constexpr std::string_view kLineStart = R"({"document":"vornak-probe",)";
+
 /// By what a file is known to be what it was.
 struct FileState {
     std::int64_t size = 0;    ///< bytes
@@ -44,9 +47,12 @@ std::string besidePart(const std::optional<SubtitleSearch> &subtitles);
 /// The whole line with its end.
 std::string joinLine(const LineParts &parts, std::size_t skipped);
 
-/// The parts of a line without its end, which must be whole but need not be right. Throws
-/// std::runtime_error with what is wrong.
-LineParts splitLine(std::string_view line);
+/// The parts of a line without its end; none: vornak probe writes it otherwise. They need not be
+/// right.
+std::optional<LineParts> splitLine(std::string_view line);
+
+/// Whether the second part is of a file that could be opened.
+bool isOpened(std::string_view mediaPart);
 
 /// Reads a line without its end. Throws std::runtime_error with what is wrong.
 ProbedFile readLine(std::string_view line);

@@ -195,6 +195,42 @@ ProfileDocument::writtenAttributes(pugi::xml_node element) const
     return attributes;
 }
 
+std::string ProfileDocument::writtenTag(pugi::xml_node element) const
+{
+    const auto name = static_cast<std::size_t>(element.offset_debug());
+    const std::vector<WrittenAttribute> attributes = writtenAttributes(element);
+    const std::size_t last = attributes.empty()
+                                 ? name
+                                 : static_cast<std::size_t>(attributes.back().value.end() -
+                                                            std::string_view(text_).begin());
+    const std::size_t end = text_.find('>', last);
+    std::string tag;
+    for (const char c : std::string_view(text_).substr(name - 1, end + 2 - name))
+        if (!isBlank(c))
+            tag += c;
+        else if (!tag.ends_with(' '))
+            tag += ' ';
+    return tag;
+}
+
+std::vector<ProfileDocument::WrittenTag> ProfileDocument::writtenTags() const
+{
+    struct Walker : pugi::xml_tree_walker {
+        bool for_each(pugi::xml_node &node) override
+        {
+            if (node.type() == pugi::node_element) elements.push_back(node);
+            return true;
+        }
+        std::vector<pugi::xml_node> elements;
+    } walker;
+    pugi::xml_node device = device_;
+    device.traverse(walker);
+    std::vector<WrittenTag> tags;
+    for (const pugi::xml_node element : walker.elements)
+        tags.push_back({lineOf(element), writtenTag(element)});
+    return tags;
+}
+
 std::vector<pugi::xml_node> videoRules(pugi::xml_node video)
 {
     return codecRules(video, "VCODEC", "ACODEC");

@@ -41,7 +41,16 @@ public:
     /// The attributes of the element, in their order.
     std::vector<WrittenAttribute> writtenAttributes(pugi::xml_node element) const;
 
+    struct WrittenTag {
+        int line;
+        std::string text; ///< in one line: blanks stand for line ends
+    };
+
+    /// The start tags of all elements in DEVICE, in their order.
+    std::vector<WrittenTag> writtenTags() const;
+
 private:
+    std::string writtenTag(pugi::xml_node element) const;
     int lineAt(std::size_t offset) const;
     void parse(const std::string &path);
     void findLines();

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -74,6 +75,14 @@ void writeOut(std::string_view text)
     std::signal(SIGPIPE, s_OnBrokenPipe);
     if (error == EPIPE) std::raise(SIGPIPE);
     _exit(error == EPIPE ? 128 + SIGPIPE : kIncomplete); // also where that is ignored
+}
+
+std::size_t outputWidth()
+{
+    constexpr std::size_t kUsual = 80;
+    winsize size = {};
+    if (isatty(s_Output) != 1) return 0;
+    return ioctl(s_Output, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
 }
 
 int standardOutput()

@@ -1,6 +1,7 @@
 // Standard output and standard error of the tool.
 #pragma once
 
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@ namespace vornak::tool {
 /// Writes `text` to standard output. A terminal that has gone is no error; a reader that has ends
 /// the tool quietly, and what else goes wrong ends it with a line on standard error.
 void writeOut(std::string_view text);
+
+/// How many characters a line of standard output has room for; 0: it is no terminal.
+std::size_t outputWidth();
 
 /// The descriptor of standard output, for who has to hand it on.
 int standardOutput();

@@ -1,0 +1,166 @@
+// vornak matrix: what many players take of many files.
+#include "tools/collection/matrix.h"
+#include "tools/collection/cell_reason.h"
+#include "tools/collection/matrix_csv.h"
+#include "tools/collection/matrix_json.h"
+#include "tools/collection/matrix_table.h"
+#include "tools/commands/decision_options.h"
+#include "tools/commands/subcommands.h"
+#include "tools/profile/profile_search.h"
+#include "tools/terminal/command_line.h"
+#include "tools/terminal/exit_status.h"
+#include "tools/terminal/output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+
+namespace vornak::tool {
+namespace {
+
+constexpr const char *kMatrixHelp =
+    R"(Says for many players which takes which media file, each file probed once.)";
+
+constexpr const char *kMatrixExamples = R"(Examples:
+  vornak matrix -p living-room-tv -p phone /media/films
+      a letter for each player and film, and the sums of each player
+  vornak matrix --profiles profiles --probed films.jsonl
+      all players of a folder, of films that vornak probe -o films.jsonl has looked at
+  vornak matrix --profiles profiles --reasons --probed films.jsonl
+      which limits of which rules cost the most transcodes
+  vornak matrix --profiles profiles --json --probed films.jsonl > matrix.json
+      all cells, each with the reasons that decide words
+
+Exit status: 0 done, 1 some file can't be decided about by anybody or some profile can't be loaded,
+2 bad usage.)";
+
+struct MatrixOptions : DecisionOptions {
+    std::vector<std::string> profiles;
+    std::string folder; ///< of profiles
+    bool json = false;
+    bool csv = false;
+    bool reasons = false;
+};
+
+std::vector<std::string> pathsOf(const MatrixOptions &options)
+{
+    std::vector<std::string> paths;
+    for (const std::string &profile : options.profiles) paths.push_back(findProfile(profile));
+    if (!options.folder.empty())
+        for (std::string &path : profilesIn(options.folder)) paths.push_back(std::move(path));
+    if (paths.empty()) throw CLI::RequiredError("--profile or --profiles");
+    return paths;
+}
+
+struct MatrixRun {
+    const std::vector<MatrixColumn> &columns;
+    const DecisionRequest request;
+    const MediaNames &media;
+};
+
+MatrixTotals writeTable(const MatrixRun &run)
+{
+    const MatrixTable table(run.columns, outputWidth());
+    writeOut(table.head());
+    const MatrixTotals totals = decideMatrix(
+        run.columns, run.request, run.media,
+        [&](const SeenFile &file, const MatrixResults &results) {
+            return table.row(file.path, results);
+        },
+        [](const std::string &row, MatrixTotals &) { writeOut(row); });
+    writeOut('\n' + table.sums(totals));
+    return totals;
+}
+
+MatrixTotals writeCsv(const MatrixRun &run)
+{
+    writeOut(csvHead(run.columns));
+    return decideMatrix(
+        run.columns, run.request, run.media,
+        [](const SeenFile &file, const MatrixResults &results) {
+            return csvRow(file.path, results);
+        },
+        [](const std::string &row, MatrixTotals &) { writeOut(row); });
+}
+
+MatrixTotals writeReasons(const MatrixRun &run)
+{
+    const MatrixTotals totals = decideMatrix(
+        run.columns, run.request, run.media,
+        [&](const SeenFile &, const MatrixResults &results) {
+            return reasonsOf(results, run.columns, run.request);
+        },
+        [](const CellReasons &reasons, MatrixTotals &totals) { count(reasons, totals); });
+    writeOut(reasonLines(totals, run.columns));
+    return totals;
+}
+
+MatrixTotals writeJson(const MatrixRun &run)
+{
+    useColours(ColourUse::Never); // the reasons are those of the text
+    MatrixJson json(run.columns);
+    writeOut(json.head(run.request));
+    const MatrixTotals totals = decideMatrix(
+        run.columns, run.request, run.media,
+        [&](const SeenFile &file, const MatrixResults &results) {
+            return explainRow(file, results, run.columns, run.request);
+        },
+        [&](const MatrixRow &row, MatrixTotals &totals) {
+            count(row, totals);
+            writeOut(json.row(row));
+        });
+    writeOut(json.tail(totals));
+    return totals;
+}
+
+int runMatrix(const MatrixOptions &options)
+{
+    claimStandardOutput();
+    checkMedia(options.media, std::ranges::count(options.profiles, "-") > 0);
+    const DecisionRequest request = requestOf(options);
+    const std::vector<MatrixColumn> columns = loadColumns(pathsOf(options));
+    const MatrixRun run{columns, request, options.media};
+    const auto write = options.json      ? writeJson
+                       : options.csv     ? writeCsv
+                       : options.reasons ? writeReasons
+                                         : writeTable;
+    const MatrixTotals totals = write(run);
+    const bool lacksPlayer =
+        std::ranges::any_of(columns, [](const MatrixColumn &column) { return !column.session; });
+    return totals.unreadable > 0 || lacksPlayer ? kIncomplete : kDone;
+}
+
+} // namespace
+
+void addMatrix(CLI::App &app, int &status)
+{
+    auto options = std::make_shared<MatrixOptions>();
+    CLI::App *command = app.add_subcommand("matrix", kMatrixHelp);
+    addRepeatable(*command, "-p,--profile", options->profiles,
+                  "A player's Device profile: its file, one of the names that vornak profile list "
+                  "shows, or - for standard input; may be repeated")
+        ->type_name("PROFILE");
+    command
+        ->add_option("--profiles", options->folder,
+                     "A folder of profiles: all files in it that end in .xml")
+        ->type_name("DIR");
+    addMediaOrProbed(*command, options->media);
+    auto *json = command->add_flag("--json", options->json, "Print a JSON document");
+    auto *csv = command
+                    ->add_flag("--csv", options->csv,
+                               "Print a line of comma-separated values for each file")
+                    ->excludes(json);
+    command
+        ->add_flag("--reasons", options->reasons,
+                   "Print which reasons cost how many files, for all players")
+        ->excludes(json)
+        ->excludes(csv);
+    addMatchingOptions(*command, *options);
+    command->add_flag("--force", options->force, "Transcode whatever the rules say");
+    addColourOption(*command);
+    command->footer(kMatrixExamples);
+    command->callback([options, &status] { status = runMatrix(*options); });
+}
+
+} // namespace vornak::tool
