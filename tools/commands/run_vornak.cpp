@@ -17,9 +17,8 @@ namespace {
 
 // in the order of the help text
 constexpr AddSubcommand s_Subcommands[] = {
-    addDecide, addMatrix,    addProbe, addProfile,  addCommand, addTranscode,
-    addLength, addSubtitles, addDisc,  addElements, addCached,  addAppliance,
-    addLock,
+    addDecide,    addMatrix, addProbe,    addProfile, addCommand,   addTranscode, addLength,
+    addSubtitles, addDisc,   addElements, addCached,  addAppliance, addLock,
 };
 
 } // namespace

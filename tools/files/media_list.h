@@ -27,8 +27,8 @@ struct MediaItem {
 /// What a user named.
 struct MediaNames {
     std::vector<std::string> arguments;
-    bool endInNull = false; ///< those of a list, which else are its lines
-    std::string probed;     ///< a file of lines that stand in for the media; empty: none
+    bool endInNull = false;  ///< those of a list, which else are its lines
+    std::string probed = {}; ///< a file of lines that stand in for the media; empty: none
 };
 
 /**
