@@ -18,15 +18,32 @@ constexpr int s_PcmCodecs[] = {"pcm_s16le"_codec, "pcm_s16be"_codec, "pcm_s24le"
 #define VORNAK_DEBUG_RULE(index, field, value)                                                     \
     VORNAK_DEBUG("FindMusicTranscode", " pAudioTable[%d].%s = %d", index, field, value)
 
-bool matches(const AudioRule &rule, const AudioSource &source, int index)
+template <class Before>
+[[gnu::always_inline]] inline bool matches(const AudioRule &rule, const AudioSource &source,
+                                           Before before)
 {
-    VORNAK_DEBUG_RULE(index, "aCodecId", rule.aCodecId);
     if (rule.aCodecId == kAnyCodec) return true;
     if (rule.aCodecId != source.codecId) return false;
-    if (g_debug_level == 0) return findRefusal<s_AudioComparisons>(rule, source) < 0;
-    return findRefusal<s_AudioComparisons>(rule, source, [&](const AudioComparison &row) {
-               VORNAK_DEBUG_RULE(index, row.first->name, row.first->in(rule));
-           }) < 0;
+    return findRefusal<s_AudioComparisons>(rule, source, before) < 0;
+}
+
+/// findRule() with a line for each value that is looked at.
+[[gnu::cold, gnu::noinline]] int traceRules(const AudioRule *table, const AudioSource &source)
+{
+    return findRecord(table, [&](const AudioRule &rule, int index) {
+        VORNAK_DEBUG_RULE(index, "aCodecId", rule.aCodecId);
+        return matches(rule, source, [&](const AudioComparison &row) {
+            VORNAK_DEBUG_RULE(index, row.first->name, row.first->in(rule));
+        });
+    });
+}
+
+int findRule(const AudioRule *table, const AudioSource &source)
+{
+    if (g_debug_level != 0) return traceRules(table, source);
+    return findRecord(table, [&](const AudioRule &rule, int) {
+        return matches(rule, source, [](const AudioComparison &) {});
+    });
 }
 
 bool isPcm(int codecId)
@@ -47,9 +64,7 @@ int findMusic(const AudioRule *table, const AudioSource &source, const Request &
                  "srcABitrate = %d, srcASampleRate = %d, srcFormatId = %d",
                  source.codecId, source.profileId, source.level, source.channels, source.bitrate,
                  source.sampleRate, request.srcFormatId);
-    int index = findRecord(table, [&](const AudioRule &rule, int position) {
-        return matches(rule, source, position);
-    });
+    int index = findRule(table, source);
     VORNAK_DEBUG("FindMusicTranscode", " pAudioIndex = %d", index);
 
     if (index == kNoRule || request.forceTranscode != 0) {

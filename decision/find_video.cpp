@@ -22,6 +22,14 @@ bool matches(const VideoRule &rule, const VideoSource &source, int index)
     return false;
 }
 
+int findRule(const VideoRule *table, const VideoSource &source, int matchVideo)
+{
+    if (matchVideo != 1) return idOf(*table) == kEndOfTable ? kNoRule : 0;
+    return findRecord(table, [&](const VideoRule &rule, int position) {
+        return matches(rule, source, position);
+    });
+}
+
 } // namespace
 
 int findVideo(const VideoRule *table, const VideoSource &video, const AudioSource &audio,
@@ -30,9 +38,7 @@ int findVideo(const VideoRule *table, const VideoSource &video, const AudioSourc
 {
     if (!table) return VORNAK_NO_TABLE;
 
-    int index = findRecord(table, [&](const VideoRule &rule, int position) {
-        return videoRequest.matchVideo != 1 || matches(rule, video, position);
-    });
+    int index = findRule(table, video, videoRequest.matchVideo);
     VORNAK_DEBUG_BOLD("FindVideoTranscode", "*pVideoIndex=%d, assignTrack=%d", index,
                       videoRequest.assignTrack);
 
