@@ -4,13 +4,12 @@
 #include "base/rule_tables.h"
 #include "decision/container_agreement.h"
 
-int getVideoTranscodeIndex2(TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId,
-                            int srcVProfileId, int srcVLevel, int srcWidth, int srcHeight,
-                            int srcVBitrate, int srcACodecId, int srcAProfileId, int srcALevel,
-                            int srcAChannels, int srcABitrate, int srcASampleRate, int srcFormatId,
-                            int *pVideoIndex, int *pAudioIndex, int *pFormatIndex, char **pMime,
-                            char **pPN, int *pDstFormatId, int preferFormatId, int matchVideo,
-                            int forceTranscode, int assignTrack, int srcVCodecFlag)
+[[gnu::flatten]] int getVideoTranscodeIndex2(
+    TRANSCODE_VIDEO_MAPPING_ST *pVideoTable, int srcVCodecId, int srcVProfileId, int srcVLevel,
+    int srcWidth, int srcHeight, int srcVBitrate, int srcACodecId, int srcAProfileId, int srcALevel,
+    int srcAChannels, int srcABitrate, int srcASampleRate, int srcFormatId, int *pVideoIndex,
+    int *pAudioIndex, int *pFormatIndex, char **pMime, char **pPN, int *pDstFormatId,
+    int preferFormatId, int matchVideo, int forceTranscode, int assignTrack, int srcVCodecFlag)
 {
     using namespace vornak;
     if (!pVideoTable || !pVideoIndex || !pAudioIndex || !pFormatIndex) return VORNAK_NO_TABLE;
