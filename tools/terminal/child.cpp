@@ -78,7 +78,7 @@ std::string findForRoot(const std::string &name)
 {
     std::istringstream folders(pathForRoot());
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string program = folder.append("/").append(name);
+        std::string program = folder.append("/").append(name);
         if (access(program.c_str(), X_OK) == 0) return program;
     }
     return {};
