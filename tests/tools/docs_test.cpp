@@ -212,11 +212,14 @@ TEST(ProfileGuide, ShowsTheJsonThatIsPrinted)
     const std::size_t first = text.find(title + "check`\n");
     ASSERT_NE(first, std::string::npos);
     dir.write("kitchen.xml", blockAfter("```xml\n", first));
-    for (const std::string subcommand : {"check", "show"}) {
+    for (const std::string subcommand : {"check", "diff", "show"}) {
         const std::size_t at = text.find(title + subcommand + "`\n");
         ASSERT_NE(at, std::string::npos);
-        const ProcessResult result = run(
-            {"env", "-C", dir.path(), VORNAK_CLI, "profile", subcommand, "--json", "kitchen.xml"});
+        const std::size_t command = text.rfind('`', text.find("` prints", at) - 1) + 1;
+        const ProcessResult result =
+            run({"env", "-C", dir.path(), "sh", "-c",
+                 "vornak() { " VORNAK_CLI " \"$@\"; }; " +
+                     text.substr(command, text.find('`', command) - command)});
         EXPECT_EQ(result.out, blockAfter("```json\n", at));
     }
 }

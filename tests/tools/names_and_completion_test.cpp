@@ -91,6 +91,7 @@ TEST_F(ProfileNames, AndIdsAreCompleted)
         {"decide --profile mine ''", ":files "},
         {"decide -p mine -- --p", ":files "},
         {"profile show ol", "older-tv :files "},
+        {"profile diff mine ol", "older-tv :files "},
         {"command --prefer mp4/is", "mp4/isom "},
         {"elements --codec h26", "h261 h263 h263p h263i h264 "},
         {"decide --color a", "auto always "},

@@ -24,10 +24,12 @@ void addProfileOptions(CLI::App &command, ProfileOptions &options)
 
 void addProfile(CLI::App &app, int &status)
 {
-    CLI::App *command = app.add_subcommand("profile", "Show, check, list or make Device profiles");
+    CLI::App *command =
+        app.add_subcommand("profile", "Show, check, compare, list or make Device profiles");
     command->require_subcommand(1);
     addProfileShow(*command, status);
     addProfileCheck(*command, status);
+    addProfileDiff(*command, status);
     addProfileNew(*command, status);
     addProfileImport(*command, status);
     addProfileList(*command, status);

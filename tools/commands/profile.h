@@ -17,6 +17,7 @@ struct ProfileOptions {
 void addProfileOptions(CLI::App &command, ProfileOptions &options);
 
 void addProfileShow(CLI::App &app, int &status);
+void addProfileDiff(CLI::App &app, int &status);
 void addProfileCheck(CLI::App &app, int &status);
 void addProfileNew(CLI::App &app, int &status);
 void addProfileImport(CLI::App &app, int &status);

@@ -1,8 +1,8 @@
 #include "tools/profile/profile_view.h"
 
-#include "base/rule_facts.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_session.h"
+#include "tools/profile/rule_text.h"
 #include "tools/terminal/json_document.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
@@ -12,92 +12,6 @@
 
 namespace vornak::tool {
 namespace {
-
-const auto &shownOf(const VideoRule &)
-{
-    return s_VideoShown;
-}
-const auto &shownOf(const AudioRule &)
-{
-    return s_AudioShown;
-}
-const auto &shownOf(const ContainerEntry &)
-{
-    return s_ContainerShown;
-}
-
-const auto &comparisonsOf(const VideoRule &)
-{
-    return s_VideoComparisons;
-}
-const auto &comparisonsOf(const AudioRule &)
-{
-    return s_AudioComparisons;
-}
-
-template <class Rule>
-std::string nameOf(const Rule &rule)
-{
-    return codecText(idOf(rule));
-}
-std::string nameOf(const ContainerEntry &entry)
-{
-    return containerText(entry.formatId);
-}
-
-// ---- text --------------------------------------------------------------------------------
-
-/// What a limit asks of a source; empty: nothing.
-template <class Rule, class Source>
-std::string limitText(const Property<Rule, Source> &property, const Rule &rule)
-{
-    const int limit = property.in(rule);
-    const char *bound = property.bound == Bound::AtMost ? "at most" : "at least";
-    if (property.unit == Unit::ExceptionBits && limit != 0)
-        return fmt::format("but not {}", fmt::join(playExceptionTexts(limit), "|"));
-    if (limit <= 0) return {};
-    switch (property.unit) {
-    case Unit::ProfileBits:
-        return fmt::format("profile {}", fmt::join(profileTexts(limit, idOf(rule)), "|"));
-    case Unit::Level:
-        return fmt::format("level {} {}", bound, limit);
-    case Unit::Channels:
-        return fmt::format("{} {}", bound, channelsText(limit));
-    case Unit::SampleRate:
-        return fmt::format("{} {} Hz", bound, limit);
-    case Unit::BitRate:
-        return fmt::format("{} {} bit/s", bound, limit);
-    default:
-        return fmt::format("{} {}", bound, limit);
-    }
-}
-
-/// A pair of sizes; one alone limits nothing, and with a tolerance both are to be met.
-template <class Rule, class Source>
-std::string sizeText(const Comparison<Rule, Source> &row, const Rule &rule)
-{
-    const int width = row.first->in(rule), height = row.second->in(rule);
-    const int tolerance = row.closeness->in(rule);
-    if (width <= 0 && height <= 0) return {};
-    if (width <= 0 || height <= 0)
-        return fmt::format("half a pair of sizes ({}x{}, no limit)", width, height);
-    if (tolerance > 0) return fmt::format("within {} pixels of {}x{}", tolerance, width, height);
-    return fmt::format("{} {}x{}", row.first->bound == Bound::AtMost ? "at most" : "at least",
-                       width, height);
-}
-
-template <class Rule>
-std::string limitsText(const Rule &rule)
-{
-    std::vector<std::string> limits;
-    for (const auto *property : shownOf(rule))
-        for (const auto &row : comparisonsOf(rule)) {
-            if (row.first != property) continue;
-            std::string limit = row.second ? sizeText(row, rule) : limitText(*property, rule);
-            if (!limit.empty()) limits.push_back(std::move(limit));
-        }
-    return limits.empty() ? "no limits" : fmt::format("{}", fmt::join(limits, ", "));
-}
 
 /// @param all  elements that the table was made of, unless no record is valid
 std::string countText(std::size_t valid, int all, const char *element)
@@ -141,7 +55,7 @@ private:
     template <class Record>
     void addRecord(int depth, std::size_t position, const Record &record)
     {
-        add(depth, fmt::format("{} {}{}{} (line {})", position, colours().good, nameOf(record),
+        add(depth, fmt::format("{} {}{}{} (line {})", position, colours().good, ruleName(record),
                                colours().reset, session_.lineOf(&record)));
         if constexpr (requires { comparisonsOf(record); }) add(depth + 1, limitsText(record));
         for (const auto *property : shownOf(record))
@@ -221,7 +135,7 @@ Json tableOf(const Record *table, const ProfileSession &session)
     for (; idOf(*table) != kEndOfTable; ++table) {
         Json json = {{"position", list.size()},
                      {"line", session.lineOf(table)},
-                     {isContainer ? "container" : "codec", nameOf(*table)},
+                     {isContainer ? "container" : "codec", ruleName(*table)},
                      {isContainer ? "formatId" : "codecId", idOf(*table)}};
         for (const auto *property : shownOf(*table)) addProperty(*property, *table, json);
         addInner(*table, session, json);
