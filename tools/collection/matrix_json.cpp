@@ -55,11 +55,6 @@ Json columnFields(const MatrixColumn &column)
     return json;
 }
 
-std::string jsonText(std::string_view text)
-{
-    return Json(text).dump();
-}
-
 } // namespace
 
 MatrixRow explainRow(const SeenFile &file, const MatrixResults &results,

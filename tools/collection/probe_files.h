@@ -22,7 +22,7 @@ struct ProbeTotals {
  * @param known  lines that may still hold; null: none
  * @param write  takes the lines, one at a time, and whether they are new
  */
-ProbeTotals probeFiles(const MediaNames &media, const ProbedLinesFile *known,
+ProbeTotals probeFiles(const MediaNames &media, ProbedLinesFile *known,
                        const std::function<void(std::string_view line, bool isNew)> &write);
 
 } // namespace vornak::tool

@@ -144,14 +144,20 @@ void ProbedLinesFile::learn(const std::string &text)
     while (!rest.empty()) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-        if (const auto parts = splitLine(line)) lines_.insert_or_assign(parts->file, *parts);
+        if (const auto parts = splitLine(line)) lines_.push_back(*parts);
     }
 }
 
-const LineParts *ProbedLinesFile::find(std::string_view filePart) const
+const LineParts *ProbedLinesFile::find(std::string_view filePart)
 {
-    const auto found = lines_.find(filePart);
-    return found == lines_.end() ? nullptr : &found->second;
+    if (expected_ >= lines_.size() || lines_[expected_].file != filePart) {
+        if (places_.empty())
+            for (std::size_t i = 0; i < lines_.size(); ++i) places_[lines_[i].file] = i;
+        const auto found = places_.find(filePart);
+        if (found == places_.end()) return nullptr;
+        expected_ = found->second;
+    }
+    return &lines_[expected_++];
 }
 
 void ProbedLinesFile::add(std::string_view line, bool isNew)

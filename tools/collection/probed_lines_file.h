@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace vornak::tool {
 
@@ -24,8 +25,9 @@ class ProbedLinesFile {
 public:
     explicit ProbedLinesFile(const std::string &path);
 
-    /// The line of a file in this state, by the part that filePart() makes, or null. Any thread.
-    const LineParts *find(std::string_view filePart) const;
+    /// The line of a file in this state, by the part that filePart() makes, or null. Quick where
+    /// they are asked for in the order that they have.
+    const LineParts *find(std::string_view filePart);
 
     /// Adds a line with its end. @param isNew  it took work, so it is on the disk soon
     void add(std::string_view line, bool isNew);
@@ -45,9 +47,11 @@ private:
 
     OutputPlace place_;
     std::optional<Descriptor> part_;
-    std::string old_;                                       ///< the file as it is
-    std::string leftover_;                                  ///< lines that killed runs have made
-    std::unordered_map<std::string_view, LineParts> lines_; ///< by their first parts
+    std::string old_;      ///< the file as it is
+    std::string leftover_; ///< lines that killed runs have made
+    std::vector<LineParts> lines_;
+    std::size_t expected_ = 0; ///< of them, the one that is likely to be asked for next
+    std::unordered_map<std::string_view, std::size_t> places_; ///< by the first parts, once needed
     std::optional<std::size_t> same_; ///< bytes of the file that are to stay; none: it is left
     std::string pending_;             ///< to be written
 };

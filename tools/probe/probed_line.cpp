@@ -19,7 +19,7 @@ constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
 // alone.
 constexpr std::string_view kSkipped = ",\"skipped\":";
 constexpr std::string_view kMedia = ",\"error\":";
-constexpr std::string_view kBeside = ",\"subtitles\":";
+constexpr std::string_view kBeside = ",\"folderChanged\":";
 
 constexpr std::string_view s_ErrorCodes[] = {"cannot-open", "cannot-probe"};
 constexpr std::string_view s_Kinds[] = {"srt", "vtt"};
@@ -91,10 +91,10 @@ std::optional<SubtitleSearch> subtitlesOf(const JsonFields &fields)
 
 std::string filePart(const std::string &path, const std::optional<FileState> &state)
 {
-    static const std::string s_Probe = Json(printable(probeVersion())).dump();
+    static const std::string s_Probe = jsonText(printable(probeVersion()));
     const std::string start =
         fmt::format(R"({}"version":{},"probe":{},"path":{},"pathHex":"{}",)", kLineStart, kVersion,
-                    s_Probe, Json(printable(path)).dump(), hexBytes(path));
+                    s_Probe, jsonText(printable(path)), hexBytes(path));
     if (!state) return start + R"("size":null,"changed":null)";
     return start + fmt::format(R"("size":{},"changed":{})", state->size, state->changed);
 }
@@ -106,14 +106,18 @@ std::string mediaPart(const ProbeResult &probe)
     return ',' + inner({{"error", error}, {"media", nullptr}});
 }
 
-std::string besidePart(const std::optional<SubtitleSearch> &subtitles)
+std::string besideStart(std::optional<std::int64_t> folderChanged)
 {
-    Json json = {{"subtitles", nullptr}, {"subtitlesError", nullptr}};
-    if (subtitles) {
-        json["subtitles"] = jsonOf(*subtitles);
-        json["subtitlesError"] = errorOf(*subtitles);
-    }
-    return ',' + inner(json) + '}';
+    return fmt::format("{}{}", kBeside, folderChanged ? std::to_string(*folderChanged) : "null");
+}
+
+std::string besidePart(const std::optional<SubtitleSearch> &subtitles,
+                       std::optional<std::int64_t> folderChanged)
+{
+    if (!subtitles)
+        return besideStart(std::nullopt) + R"(,"subtitles":null,"subtitlesError":null})";
+    return fmt::format(R"({},"subtitles":{},"subtitlesError":{}}})", besideStart(folderChanged),
+                       jsonOf(*subtitles).dump(), errorOf(*subtitles).dump());
 }
 
 std::string joinLine(const LineParts &parts, std::size_t skipped)

@@ -42,7 +42,12 @@ struct LineParts {
 /// The three parts anew.
 std::string filePart(const std::string &path, const std::optional<FileState> &state);
 std::string mediaPart(const ProbeResult &probe);
-std::string besidePart(const std::optional<SubtitleSearch> &subtitles);
+/// @param folderChanged  when the folder of a video was changed, as FileState has it; none: unknown
+std::string besidePart(const std::optional<SubtitleSearch> &subtitles,
+                       std::optional<std::int64_t> folderChanged);
+
+/// What the third part begins with.
+std::string besideStart(std::optional<std::int64_t> folderChanged);
 
 /// The whole line with its end.
 std::string joinLine(const LineParts &parts, std::size_t skipped);

@@ -30,6 +30,16 @@ Json pathFields(const std::string &path)
     return {{"path", printable(path)}, {"pathHex", hexBytes(path)}};
 }
 
+std::string jsonText(std::string_view printableText)
+{
+    std::string json = "\"";
+    for (const char c : printableText) {
+        if (c == '"' || c == '\\') json += '\\';
+        json += c;
+    }
+    return json + '"';
+}
+
 Json textOrNull(const char *text)
 {
     return text ? Json(printable(text)) : Json();

@@ -23,6 +23,9 @@ std::string listHead(std::string_view document, const Json &fields = Json::objec
 /// A file's path as text, and its bytes.
 Json pathFields(const std::string &path);
 
+/// A text that is printable, as a document has it: what is written often goes without a tree.
+std::string jsonText(std::string_view printableText);
+
 /// Printable text; null for a null or empty one.
 Json textOrNull(const char *text);
 Json textOrNull(const std::string &text);
