@@ -1,7 +1,6 @@
 // The pages of docs/: what they list is what there is, and what they show is what happens.
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
-#include "tools/check/finding.h"
 #include "tools/check/schema.h"
 #include "tools/decide/reason_text.h"
 #include "tools/profile/id_names.h"
@@ -123,7 +122,7 @@ TEST(ProfileGuide, ListsProfilesAndSubtypesByTheirOwner)
     EXPECT_EQ(codeSpans(section("### Subtypes")), subtypes);
 }
 
-TEST(ProfileGuide, ListsElementsAttributesAndFindings)
+TEST(ProfileGuide, ListsElementsAndAttributes)
 {
     std::vector<Names> attributes, documented;
     for (const tool::AttributeRow &row : tool::attributeRows()) {
@@ -143,13 +142,12 @@ TEST(ProfileGuide, ListsElementsAttributesAndFindings)
     }
     EXPECT_EQ(documentedElements, elements);
     EXPECT_EQ(documented, attributes);
+}
 
-    std::vector<Names> findings, documentedFindings;
-    for (const tool::FaultKind &kind : tool::s_FaultKinds)
-        findings.push_back({kind.id, tool::severityName(kind.severity)});
-    for (const Names &row : rows(section("## Reference: what check reports")))
-        documentedFindings.push_back({codeSpans(row[0]).front(), row[1]});
-    EXPECT_EQ(documentedFindings, findings);
+TEST(FindingsPage, IsWhatIsListed)
+{
+    const std::string list = run({VORNAK_CLI, "profile", "check", "--list"}).out;
+    EXPECT_TRUE(page("profile-check.md").ends_with("\n\n" + list)) << "it is to end with\n" << list;
 }
 
 TEST(JsonGuide, ListsTheReasonCodes)

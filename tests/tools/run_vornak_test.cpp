@@ -82,7 +82,7 @@ TEST_F(RunVornak, ReadsListsAndProfilesOnStandardInput)
         {"decide -p - a.wav", kProfile, 0, kOneKept, ""},
         {"decide -p - --json a.wav", kProfile, 0, R"("profile":{"path":"-","pathHex":"2d",)", ""},
         {"command -p - a.wav", kProfile, 0, kOneKept, ""},
-        {"profile check -", kProfile, 0, "standard input: nothing found\n", ""},
+        {"profile check --severity error -", kProfile, 0, "standard input: nothing found\n", ""},
         {"profile show -", kProfile, 0, "Player", ""},
         {"decide -p - a.wav", "<DEVICE NAME='a'>\n<", 2, "",
          "vornak: standard input:2: not well-formed XML"},

@@ -8,10 +8,11 @@
 namespace vornak::tool {
 namespace {
 
-constexpr ElementCheck s_ElementChecks[] = {checkChildren,  checkAttributes, checkNeeded, checkName,
-                                            checkNameLists, checkNumbers,    checkLimits};
-constexpr RuleCheck s_VideoChecks[] = {checkVideoTarget};
-constexpr RuleCheck s_AudioChecks[] = {checkFrequencies, checkAudioTarget};
+constexpr ElementCheck s_ElementChecks[] = {checkChildren, checkAttributes, checkNeeded,
+                                            checkName,     checkNameLists,  checkNumbers,
+                                            checkLimits,   checkBitRates,   checkOption};
+constexpr RuleCheck s_VideoChecks[] = {checkVideoTarget, checkPixels};
+constexpr RuleCheck s_AudioChecks[] = {checkFrequencies, checkAudioTarget, checkPcm};
 constexpr RuleCheck s_ContainerChecks[] = {checkContainerTarget, checkAnnouncement};
 
 /// Runs the checks over an element and those that the loader looks at in it.
@@ -70,6 +71,7 @@ void checkAudioRules(Place place, const AudioRule *table, pugi::xml_node parent,
     const auto rules = places(table, audioRules(parent));
     if (table && rules.empty()) reportNoneValid(parent, report);
     checkAudioReach(rules, report);
+    checkAudioOutput(rules, report);
     for (const auto &rule : rules) {
         place.audio = rule;
         for (const RuleCheck check : s_AudioChecks) check(place, report);
@@ -82,6 +84,7 @@ void checkVideoRules(const VideoRule *table, pugi::xml_node video, Report &repor
     const auto rules = places(table, videoRules(video));
     if (table && rules.empty()) reportNoneValid(video, report);
     checkVideoReach(rules, report);
+    checkVideoOutput(rules, report);
     for (const auto &rule : rules) {
         const Place place{rule, {}, {}};
         for (const RuleCheck check : s_VideoChecks) check(place, report);
@@ -91,16 +94,22 @@ void checkVideoRules(const VideoRule *table, pugi::xml_node video, Report &repor
 
 } // namespace
 
-std::vector<Finding> checkProfile(const std::string &path)
+std::vector<Finding> checkProfile(const std::string &path, std::string &text)
 {
     const ProfileDocument document(path);
     const ProfileSession session(path);
     const TRANSCODE_DEVICE_PROFILE_ST &profile = session.profile();
     Report report(document);
+    checkEncoding(document.device(), report);
     checkBeside(document.device(), report);
     checkElements(document.device(), report);
     checkAudioRules({}, profile.pAudioTable, document.device().child("MUSIC"), report);
     checkVideoRules(profile.pVideoTable, document.device().child("VIDEO"), report);
+    applySilencers(document.device(), report);
+    if (document.isConverted())
+        // the file has other bytes than the text
+        for (Finding &finding : report.findings()) finding.edit.reset();
+    text = document.text();
     return std::move(report).sorted();
 }
 

@@ -13,8 +13,14 @@
 
 namespace vornak::tool {
 
-/// All that is found in a profile, by line; throws ProfileError for one that can't be loaded.
-std::vector<Finding> checkProfile(const std::string &path);
+/// All that is found in a profile, by place; throws ProfileError for one that can't be loaded.
+/// @param text  receives the text in which the findings have their places
+std::vector<Finding> checkProfile(const std::string &path, std::string &text);
+inline std::vector<Finding> checkProfile(const std::string &path)
+{
+    std::string text;
+    return checkProfile(path, text);
+}
 
 /// An element that the loader looks at, accepted or not.
 struct ElementPlace {
@@ -43,6 +49,12 @@ std::optional<int> codecOf(pugi::xml_node element);
 using ElementCheck = void (*)(const ElementPlace &, Report &);
 using RuleCheck = void (*)(const Place &, Report &);
 
+// the file as text
+void checkEncoding(pugi::xml_node device, Report &report);
+
+/// Drops the findings that comments in the profile silence, and reports the comments that don't.
+void applySilencers(pugi::xml_node device, Report &report);
+
 // what stands where
 void checkBeside(pugi::xml_node device, Report &report);
 void checkChildren(const ElementPlace &place, Report &report);
@@ -54,6 +66,7 @@ void checkName(const ElementPlace &place, Report &report);
 void checkNameLists(const ElementPlace &place, Report &report);
 void checkNumbers(const ElementPlace &place, Report &report);
 void checkLimits(const ElementPlace &place, Report &report);
+void checkBitRates(const ElementPlace &place, Report &report);
 void checkFrequencies(const Place &place, Report &report);
 
 // whether a rule can be reached: a whole table at once
@@ -66,5 +79,12 @@ void checkVideoTarget(const Place &place, Report &report);
 void checkAudioTarget(const Place &place, Report &report);
 void checkContainerTarget(const Place &place, Report &report);
 void checkAnnouncement(const Place &place, Report &report);
+
+// what the transcoder is told
+void checkOption(const ElementPlace &place, Report &report);
+void checkPixels(const Place &place, Report &report);
+void checkPcm(const Place &place, Report &report);
+void checkVideoOutput(std::span<const RulePlace<VideoRule>> rules, Report &report);
+void checkAudioOutput(std::span<const RulePlace<AudioRule>> rules, Report &report);
 
 } // namespace vornak::tool

@@ -14,37 +14,48 @@ namespace {
 constexpr int kMostSuggestions = 200;
 constexpr std::size_t kLongestExcerpt = 60;
 
-} // namespace
-
-const char *severityName(Severity severity)
+/// Whether a byte goes on with a character of UTF-8.
+bool isWithinCharacter(char c)
 {
-    constexpr const char *s_Names[] = {"error", "warning", "note"};
-    return s_Names[static_cast<std::size_t>(severity)];
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
-void Report::add(Fault fault, int line, pugi::xml_node element, std::string problem,
+} // namespace
+
+void Report::add(Fault fault, std::size_t offset, pugi::xml_node element, std::string problem,
                  std::string advice)
 {
     findings_.push_back(
-        {line, fault, excerpt(element.name()), {}, std::move(problem), std::move(advice)});
+        {offset, fault, excerpt(element.name()), {}, std::move(problem), std::move(advice)});
 }
 
 void Report::add(Fault fault, pugi::xml_node element, std::string problem, std::string advice)
 {
-    add(fault, lineOf(element), element, std::move(problem), std::move(advice));
+    add(fault, document_.offsetOf(element), element, std::move(problem), std::move(advice));
 }
 
 void Report::add(Fault fault, pugi::xml_node element, pugi::xml_attribute attribute,
                  std::string problem, std::string advice)
 {
-    const int line = attribute ? written(element, attribute).line : lineOf(element);
-    add(fault, line, element, std::move(problem), std::move(advice));
+    if (!attribute) return add(fault, element, std::move(problem), std::move(advice));
+    const std::size_t offset = written(element, attribute).name;
+    add(fault, offset, element, std::move(problem), std::move(advice));
     findings_.back().attribute = excerpt(attribute.name());
 }
 
-std::string_view Report::writtenValue(pugi::xml_node element, pugi::xml_attribute attribute)
+void Report::mendValue(pugi::xml_node element, pugi::xml_attribute attribute,
+                       std::string_view value)
 {
-    return written(element, attribute).value;
+    const auto &place = written(element, attribute);
+    mend({place.value, place.size, std::string(value)});
+}
+
+void Report::mendByRemoval(pugi::xml_node element, pugi::xml_attribute attribute)
+{
+    const auto &place = written(element, attribute);
+    const std::size_t end = place.value + place.size + 1;
+    const std::size_t before = document_.text().find_last_not_of(" \t\r\n", place.name - 1) + 1;
+    mend({before, end - before, {}});
 }
 
 const ProfileDocument::WrittenAttribute &Report::written(pugi::xml_node element,
@@ -61,6 +72,12 @@ const ProfileDocument::WrittenAttribute &Report::written(pugi::xml_node element,
     return written_[attribute.hash_value()];
 }
 
+std::string_view Report::writtenValue(pugi::xml_node element, pugi::xml_attribute attribute)
+{
+    const auto &place = written(element, attribute);
+    return std::string_view(document_.text()).substr(place.value, place.size);
+}
+
 std::string Report::suggest(std::string_view word, const std::vector<std::string> &known,
                             std::string otherwise)
 {
@@ -72,7 +89,24 @@ std::string Report::suggest(std::string_view word, const std::vector<std::string
 
 std::vector<Finding> Report::sorted() &&
 {
-    std::ranges::stable_sort(findings_, {}, &Finding::line);
+    std::ranges::stable_sort(findings_, {}, &Finding::offset);
+    int line = 0, column = 0;
+    std::size_t counted = 0; // the bytes before which characters are counted
+    for (Finding &finding : findings_) {
+        finding.line = document_.lineAt(finding.offset);
+        if (finding.line != line) {
+            line = finding.line;
+            column = 1;
+            counted = document_.startOfLine(line);
+        }
+        const auto begin = document_.text().begin();
+        column +=
+            static_cast<int>(std::count_if(begin + static_cast<std::ptrdiff_t>(counted),
+                                           begin + static_cast<std::ptrdiff_t>(finding.offset),
+                                           [](char c) { return !isWithinCharacter(c); }));
+        counted = finding.offset;
+        finding.column = column;
+    }
     return std::move(findings_);
 }
 
@@ -80,7 +114,7 @@ std::string excerpt(std::string_view text)
 {
     if (text.size() <= kLongestExcerpt) return printable(text);
     std::size_t end = kLongestExcerpt;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    while (end > 0 && isWithinCharacter(text[end])) --end;
     return fmt::format("{}... ({} bytes)", printable(text.substr(0, end)), text.size());
 }
 

@@ -23,16 +23,14 @@ int numberIn(pugi::xml_node element, const char *name)
     return readNumber(findAttribute(name)->unit, element.attribute(name).value()).value;
 }
 
-/// "write 41 for level 4.1", if that is what the text means.
-std::string levelAdvice(const LevelScale &scale, const char *text)
+/// The level that a text such as "4.1" means, as streams code it; nothing: there is none.
+std::optional<long> levelMeant(const LevelScale &scale, const char *text)
 {
     double level = std::strtod(text, nullptr);
     if (level >= 10) level /= 10;
     const auto coded = std::lround(std::clamp(level, 0.0, 99.0) * scale.factor);
-    if (std::ranges::find(scale.levels, coded) != scale.levels.end())
-        return fmt::format("write {} for level {:.1f}", coded, level);
-    return fmt::format("the levels of {} are {}", codecText(scale.codecId),
-                       fmt::join(scale.levels, ", "));
+    if (std::ranges::find(scale.levels, coded) == scale.levels.end()) return std::nullopt;
+    return coded;
 }
 
 void checkLevel(pugi::xml_node element, Report &report)
@@ -48,10 +46,17 @@ void checkLevel(pugi::xml_node element, Report &report)
                           "limit the size in its place");
     const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
     if (!scale || std::ranges::find(scale->levels, level) != scale->levels.end()) return;
+    const std::optional<long> meant = levelMeant(*scale, attribute.value());
     report.add(Fault::LevelScale, element, attribute,
                fmt::format("{} is read as {}, which is no level of {}", shown(attribute), level,
                            codecText(scale->codecId)),
-               levelAdvice(*scale, attribute.value()));
+               meant ? fmt::format("write {} for level {:.1f}", *meant,
+                                   static_cast<double>(*meant) / scale->factor)
+                     : fmt::format("the levels of {} are {}", codecText(scale->codecId),
+                                   fmt::join(scale->levels, ", ")));
+    const std::string_view text = attribute.value();
+    if (meant && text.size() == 3 && text[1] == '.')
+        report.mendValue(element, attribute, std::to_string(*meant));
 }
 
 void checkWildcard(pugi::xml_node element, unsigned elements, Report &report)

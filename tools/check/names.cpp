@@ -72,18 +72,6 @@ void checkNarrowName(const ElementPlace &place, pugi::xml_attribute name, int co
                            row->others, codecText(codec)));
 }
 
-/// The entries of a list that bars separate, without empty ones.
-std::vector<std::string> splitAtBars(std::string_view list)
-{
-    std::vector<std::string> entries;
-    while (!list.empty()) {
-        const std::string_view entry = list.substr(0, list.find('|'));
-        if (!entry.empty()) entries.emplace_back(entry);
-        list.remove_prefix(std::min(list.size(), entry.size() + 1));
-    }
-    return entries;
-}
-
 /// `NAME="aac" PROFILE="lc"` for a name that is made of both, "aac-lc" or "lc aac"; else empty.
 std::string codecAndProfile(const std::string &name)
 {
@@ -101,7 +89,7 @@ std::string codecAndProfile(const std::string &name)
             const std::string profile = fmt::format("{}", fmt::join(rest, "_"));
             int id = 0;
             if (CodecNameToID(codec.c_str(), &id) == 0 && codecHasProfile(id, profile.c_str()))
-                return fmt::format("write NAME=\"{}\" PROFILE=\"{}\"", codec, profile);
+                return fmt::format("NAME=\"{}\" PROFILE=\"{}\"", codec, profile);
         }
     return {};
 }
@@ -111,13 +99,16 @@ void checkCodecName(const ElementPlace &place, pugi::xml_attribute name, Report 
     const std::optional<int> codec = codecOf(place.element);
     if (!codec) {
         const std::string both = codecAndProfile(name.value());
-        return report.add(Fault::UnknownCodec, place.element, name,
-                          fmt::format("{} is no codec known here: the {} is left out", shown(name),
-                                      place.row.name),
-                          both.empty()
-                              ? report.suggest(name.value(), knownCodecs(place.row.element),
-                                               "see the list of codecs")
-                              : both);
+        report.add(Fault::UnknownCodec, place.element, name,
+                   fmt::format("{} is no codec known here: the {} is left out", shown(name),
+                               place.row.name),
+                   both.empty() ? report.suggest(name.value(), knownCodecs(place.row.element),
+                                                 "see the list of codecs")
+                                : "write " + both);
+        const auto &written = report.written(place.element, name);
+        if (!both.empty() && !place.element.attribute("PROFILE"))
+            report.mend({written.name, written.value + written.size + 1 - written.name, both});
+        return;
     }
     if (suits(*codec, place.row.element))
         checkNarrowName(place, name, *codec, report);
@@ -167,7 +158,7 @@ struct ListKind {
 };
 
 /// What to write for known names with other separators between them; empty for all else.
-std::string barAdvice(std::string written, const ListKind &kind)
+std::string withBars(std::string written, const ListKind &kind)
 {
     std::ranges::replace_if(
         written, [](char c) { return kOtherSeparators.find(c) != std::string_view::npos; }, '|');
@@ -176,8 +167,7 @@ std::string barAdvice(std::string written, const ListKind &kind)
     const bool areKnown = std::ranges::all_of(
         names, [&](const std::string &name) { return kind.lookup(name.c_str(), &bit) == 0; });
     if (names.empty() || !areKnown) return {};
-    return fmt::format("names are separated by \"|\": write \"{}\"",
-                       excerpt(fmt::format("{}", fmt::join(names, "|"))));
+    return fmt::format("{}", fmt::join(names, "|"));
 }
 
 void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKind &kind,
@@ -198,12 +188,14 @@ void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKi
     const bool noneIsLeft = std::ranges::none_of(names, isKnown);
     for (const ListedName &listed : names) {
         if (isKnown(listed)) continue;
-        const std::string bars = barAdvice(listed.written, kind);
+        const std::string bars = withBars(listed.written, kind);
         report.add(kind.fault, place.element, list,
                    fmt::format("\"{}\" is no {} known here: it is ignored{}", excerpt(listed.name),
                                kind.what, noneIsLeft ? kind.ifNoneIsLeft : ""),
-                   bars.empty() ? report.suggest(listed.name, known, oneOf(known, "leave it out"))
-                                : bars);
+                   bars.empty()
+                       ? report.suggest(listed.name, known, oneOf(known, "leave it out"))
+                       : fmt::format("names are separated by \"|\": write \"{}\"", excerpt(bars)));
+        if (!bars.empty() && names.size() == 1) report.mendValue(place.element, list, bars);
     }
 }
 

@@ -61,15 +61,51 @@ bool isUnit(std::string_view text)
     });
 }
 
-std::string stopAdvice(const WrittenNumber &number)
+/// What to write instead; without a value where that can't be told for sure.
+struct Mend {
+    std::string advice, value;
+};
+
+/// "44.1K" as 44100, where that is a whole number; else empty.
+std::string wholeNumber(const WrittenNumber &number)
 {
     const std::string_view rest = number.rest;
+    const std::size_t end = std::min(rest.find_first_not_of("0123456789", 1), rest.size());
+    const std::size_t zeros = rest.substr(end) == "K" || rest.substr(end) == "k"   ? 3
+                              : rest.substr(end) == "M" || rest.substr(end) == "m" ? 6
+                                                                                   : 0;
+    if (end < 2 || end - 1 > zeros) return {};
+    return fmt::format("{}{}{:0<{}}", number.read, rest.substr(1, end - 1), "", zeros - (end - 1));
+}
+
+/// "5.1" as 6: the speakers, and the one for low sounds.
+std::string channelCount(const WrittenNumber &number)
+{
+    if (number.row.unit != Unit::Channels || (number.rest != ".1" && number.rest != ".0"))
+        return {};
+    return std::to_string(number.made.value + (number.rest == ".1" ? 1 : 0));
+}
+
+Mend mendOfStop(const WrittenNumber &number)
+{
+    const std::string_view rest = number.rest;
+    const std::string read(number.read);
     if (number.hasDigits() && std::ranges::all_of(rest, isSpace))
-        return "remove the blank after it";
+        return {"remove the blank after it", read};
     if (number.hasDigits() && isUnit(rest))
-        return fmt::format("leave out \"{}\", which follows the number", excerpt(rest));
-    return takesSuffixes(number.row.unit) ? "write a whole number; K is 1000, M is 1000000"
-                                          : "write a whole number";
+        return {fmt::format("leave out \"{}\", which follows the number", excerpt(rest)), read};
+    if (number.hasDigits() && rest.starts_with('.')) {
+        if (const std::string count = channelCount(number); !count.empty())
+            return {
+                fmt::format("{} is {} channels: write {}", shown(number.attribute), count, count),
+                count};
+        if (const std::string whole = takesSuffixes(number.row.unit) ? wholeNumber(number) : "";
+            !whole.empty())
+            return {fmt::format("write {}", whole), whole};
+    }
+    return {takesSuffixes(number.row.unit) ? "write a whole number; K is 1000, M is 1000000"
+                                           : "write a whole number",
+            {}};
 }
 
 void reportStop(const WrittenNumber &number, Report &report)
@@ -82,10 +118,12 @@ void reportStop(const WrittenNumber &number, Report &report)
                           fmt::format("{} ends at '{}' {}: this attribute takes no K or M",
                                       shown(number.attribute), c, read),
                           "write the number out");
+    const Mend mend = mendOfStop(number);
     report.add(Fault::NumberStops, number.place.element, number.attribute,
                fmt::format("{} ends at '{}' {}", shown(number.attribute),
                            excerpt(number.rest.substr(0, 1)), read),
-               stopAdvice(number));
+               mend.advice);
+    if (!mend.value.empty()) report.mendValue(number.place.element, number.attribute, mend.value);
 }
 
 void reportOverflow(const WrittenNumber &number, Report &report)
@@ -109,14 +147,26 @@ void reportMeaning(const WrittenNumber &number, Report &report)
                    fmt::format("{} has no effect", shown(number.attribute)), "write 1 or 0");
 }
 
+void reportLeadingBlank(const WrittenNumber &number, Report &report)
+{
+    report.add(Fault::LeadingBlank, number.place.element, number.attribute,
+               fmt::format("{} begins with a blank and gives 0", shown(number.attribute)),
+               "remove the blank");
+    const std::string_view text = number.attribute.value();
+    const std::size_t start = text.find_first_not_of(" \t\r\n");
+    if (start != std::string_view::npos)
+        report.mendValue(number.place.element, number.attribute, text.substr(start));
+}
+
 void checkNumber(const WrittenNumber &number, Report &report)
 {
     if (takesSuffixes(number.row.unit) && isSpace(*number.attribute.value()))
-        return report.add(
-            Fault::LeadingBlank, number.place.element, number.attribute,
-            fmt::format("{} begins with a blank and gives 0", shown(number.attribute)),
-            "remove the blank");
+        return reportLeadingBlank(number, report);
     if (!number.rest.empty()) reportStop(number, report);
+    if (number.rest.empty() && !number.hasDigits())
+        report.add(Fault::NumberStops, number.place.element, number.attribute,
+                   fmt::format("{} has no digits and gives 0", shown(number.attribute)),
+                   "write a whole number");
     if (number.hasSuffixInside())
         report.add(Fault::SuffixInside, number.place.element, number.attribute,
                    fmt::format("{} is read as {}: a K or M multiplies all before it",

@@ -100,7 +100,7 @@ void checkReach(std::span<const RulePlace<Record>> rules, const char *element, R
     for (std::size_t i = 1; i < std::min(rules.size(), kMostRules); ++i) {
         const int cover = findCover(rules, i);
         if (cover < 0) continue;
-        const int line = report.lineOf(rules[static_cast<std::size_t>(cover)].element);
+        const int line = report.document().lineOf(rules[static_cast<std::size_t>(cover)].element);
         report.add(Fault::UnreachableRule, rules[i].element,
                    fmt::format("no source gets to rule {} of this list: rule {} (line {}) takes "
                                "all that it would take",

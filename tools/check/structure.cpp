@@ -2,6 +2,7 @@
 #include "tools/check/checks.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <fmt/format.h>
 #include <string_view>
@@ -9,6 +10,8 @@
 
 namespace vornak::tool {
 namespace {
+
+constexpr std::size_t kLongestName = 64; // of attributes that are like a known one
 
 void reportUnknownChild(const ElementPlace &place, pugi::xml_node child, Report &report)
 {
@@ -35,16 +38,21 @@ void checkChildElement(const ElementPlace &place, pugi::xml_node child, Report &
                    "move its rules into the first one");
 }
 
+bool isText(pugi::xml_node node)
+{
+    return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
 void reportText(pugi::xml_node text, const char *where, pugi::xml_node element, Report &report)
 {
     constexpr std::string_view kBlanks = " \t\r\n";
     std::string_view words = text.value();
     const std::size_t blanks = words.find_first_not_of(kBlanks);
-    const auto lines = std::ranges::count(words.substr(0, blanks), '\n');
+    if (blanks == std::string_view::npos) return;
     words.remove_prefix(blanks);
     words = words.substr(0, words.find_last_not_of(kBlanks) + 1);
     report.add(
-        Fault::StrayText, report.lineOf(text) + static_cast<int>(lines), element,
+        Fault::StrayText, report.document().offsetOf(text) + blanks, element,
         fmt::format("the text \"{}\" {} {} is ignored", excerpt(words), where, element.name()),
         "values belong into attributes");
 }
@@ -69,24 +77,84 @@ void checkAmpersands(const ElementPlace &place, pugi::xml_attribute attribute, R
     const std::string_view written = report.writtenValue(place.element, attribute);
     for (std::size_t at = written.find('&'); at != std::string_view::npos;
          at = written.find('&', at + 1))
-        if (!isReference(written.substr(at)))
-            return report.add(Fault::BareAmpersand, place.element, attribute,
-                              fmt::format("{} holds a bare \"&\", for which other readers of XML "
-                                          "refuse the file",
-                                          shown(attribute)),
-                              "write &amp; in its place");
+        if (!isReference(written.substr(at))) {
+            report.add(Fault::BareAmpersand, place.element, attribute,
+                       fmt::format("{} holds a bare \"&\", for which other readers of XML refuse "
+                                   "the file",
+                                   shown(attribute)),
+                       "write &amp; in its place");
+            const std::size_t value = report.written(place.element, attribute).value;
+            return report.mend({value + at + 1, 0, "amp;"});
+        }
+}
+
+/// The known name that is the same but for MAX or MIN before it, or one that people write for it;
+/// empty: there is none.
+std::string nameWithSameStem(std::string_view name, const std::vector<std::string> &known)
+{
+    constexpr struct {
+        std::string_view written, meant;
+    } s_Synonyms[] = {{"SAMPLERATE", "FREQUENCY"}, {"RATE", "FREQUENCY"}, {"MIMETYPE", "MIME"},
+                      {"CONTAINER", "NAME"},       {"CODEC", "NAME"},     {"TYPE", "SUBTYPE"}};
+    const auto stemOf = [](std::string_view text) {
+        const bool isBound = text.starts_with("MAX") || text.starts_with("MIN");
+        text.remove_prefix(isBound ? 3 : 0);
+        while (text.starts_with('_') || text.starts_with('-')) text.remove_prefix(1);
+        return text;
+    };
+    std::string upper(name.substr(0, kLongestName));
+    std::ranges::transform(upper, upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    std::string_view stem = stemOf(upper);
+    for (const auto &row : s_Synonyms)
+        if (row.written == stem) stem = row.meant;
+    const bool isMin = upper.starts_with("MIN");
+    std::string found;
+    for (const std::string &each : known)
+        if (stemOf(each) == stem && (found.empty() || (isMin && each.starts_with("MIN"))))
+            found = each;
+    return found;
+}
+
+/// An attribute that is known but for the case of its letters gets its name.
+void mendLetterCase(pugi::xml_node element, pugi::xml_attribute attribute,
+                    const std::vector<std::string> &known, Report &report)
+{
+    const std::string_view name = attribute.name();
+    const auto isSame = [&](const std::string &each) {
+        return std::ranges::equal(name, each, [](unsigned char a, unsigned char b) {
+            return std::toupper(a) == std::toupper(b);
+        });
+    };
+    const auto meant = std::ranges::find_if(known, isSame);
+    if (meant != known.end() && !element.attribute(meant->c_str()))
+        report.mend({report.written(element, attribute).name, name.size(), *meant});
 }
 
 void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
 {
     const AttributeRow *row = findAttribute(attribute.name());
     if (row && (row->elements & place.row.element) != 0) return;
+    const std::vector<std::string> own = attributeNames(place.row.element);
     const std::string problem = fmt::format("unknown attribute {} of {} is ignored",
                                             excerpt(attribute.name()), place.row.name);
-    report.add(
-        Fault::UnknownAttribute, place.element, attribute, problem,
-        row ? fmt::format("it belongs to {}", elementNames(row->elements))
-            : report.suggest(attribute.name(), attributeNames(place.row.element), "remove it"));
+    const std::string alike = nameWithSameStem(attribute.name(), own);
+    report.add(Fault::UnknownAttribute, place.element, attribute, problem,
+               row              ? fmt::format("it belongs to {}", elementNames(row->elements))
+               : !alike.empty() ? fmt::format("did you mean {}?", alike)
+                                : report.suggest(attribute.name(), own, "remove it"));
+    mendLetterCase(place.element, attribute, own, report);
+}
+
+/// A kind of files for which there is no section.
+void checkKinds(const ElementPlace &place, Report &report)
+{
+    if (place.row.element != kDevice) return;
+    const bool hasMusic = !!place.element.child("MUSIC"), hasVideo = !!place.element.child("VIDEO");
+    if (hasMusic == hasVideo) return;
+    report.add(Fault::KindUnserved, place.element,
+               fmt::format("DEVICE has no {}, so no rule serves {}", hasMusic ? "VIDEO" : "MUSIC",
+                           hasMusic ? "videos" : "music files"),
+               "add it, unless the player takes none");
 }
 
 } // namespace
@@ -94,7 +162,7 @@ void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Re
 void checkBeside(pugi::xml_node device, Report &report)
 {
     for (const pugi::xml_node node : device.parent().children()) {
-        if (node.type() == pugi::node_pcdata) reportText(node, "beside", device, report);
+        if (isText(node)) reportText(node, "beside", device, report);
         if (node.type() != pugi::node_element || node == device) continue;
         const ElementRow *row = findElement(node.name());
         const Fault fault = !row                      ? Fault::UnknownElement
@@ -110,7 +178,7 @@ void checkChildren(const ElementPlace &place, Report &report)
 {
     for (const pugi::xml_node child : place.element.children()) {
         if (child.type() == pugi::node_element) checkChildElement(place, child, report);
-        if (child.type() == pugi::node_pcdata) reportText(child, "in", place.element, report);
+        if (isText(child)) reportText(child, "in", place.element, report);
     }
 }
 
@@ -119,12 +187,15 @@ void checkAttributes(const ElementPlace &place, Report &report)
     std::unordered_set<std::string_view> seen;
     for (const pugi::xml_attribute attribute : place.element.attributes()) {
         checkAmpersands(place, attribute, report);
-        if (!seen.insert(attribute.name()).second)
+        if (!seen.insert(attribute.name()).second) {
             report.add(Fault::DuplicateAttribute, place.element, attribute,
                        fmt::format("{} is ignored: only the first {} counts", shown(attribute),
                                    excerpt(attribute.name())),
                        "remove one of them");
-        else
+            if (std::strcmp(attribute.value(), place.element.attribute(attribute.name()).value()) ==
+                0)
+                report.mendByRemoval(place.element, attribute);
+        } else
             checkAttribute(place, attribute, report);
     }
 }
@@ -153,6 +224,7 @@ void checkNeeded(const ElementPlace &place, Report &report)
         if (place.row.element == need.element &&
             std::ranges::none_of(childNames(need.element), isThere))
             report.add(need.fault, place.element, need.problem, need.advice);
+    checkKinds(place, report);
 }
 
 } // namespace vornak::tool

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <stdexcept>
+#include <sys/stat.h>
 
 namespace vornak::tool {
 
@@ -23,7 +24,7 @@ void addOutputOptions(CLI::App &command, ProfileOutput &output)
     command.add_flag("--force", output.replace, "Replace the file if there is one");
 }
 
-void writeProfile(const std::string &text, const ProfileOutput &output)
+void writeProfile(const std::string &text, const ProfileOutput &output, unsigned mode)
 {
     if (output.path.empty()) return writeOut(text);
     const OutputPlace place(output.path, output.replace);
@@ -34,6 +35,7 @@ void writeProfile(const std::string &text, const ProfileOutput &output)
     file.close();
     if (!file)
         throw std::runtime_error(fmt::format("{}: can't be written whole", printable(output.path)));
+    if (mode != 0) chmod(work.path().c_str(), mode);
     work.moveTo(place);
 }
 

@@ -17,6 +17,7 @@ struct ProfileOutput {
 void addOutputOptions(CLI::App &command, ProfileOutput &output);
 
 /// Writes the profile. A file appears whole or not at all; throws a line for the user.
-void writeProfile(const std::string &text, const ProfileOutput &output);
+/// @param mode  of the file; 0: as new ones are
+void writeProfile(const std::string &text, const ProfileOutput &output, unsigned mode = 0);
 
 } // namespace vornak::tool

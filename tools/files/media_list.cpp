@@ -59,12 +59,6 @@ bool isWalked(std::string_view folder)
     return !folder.starts_with('.') && folder != "@eaDir";
 }
 
-/// Not what a file system without attributes keeps them in, "._film.mkv".
-bool isMedia(std::string_view file)
-{
-    return hasMediaName(file) && !file.starts_with("._");
-}
-
 std::string textOf(int error)
 {
     return std::generic_category().message(error);
@@ -88,7 +82,8 @@ std::string MediaItem::openablePath() const
     return "/proc/self/fd/" + std::to_string(folder->descriptor()) + path.substr(path.rfind('/'));
 }
 
-MediaList::MediaList(MediaNames names, std::istream &list) : names_(std::move(names)), list_(list)
+MediaList::MediaList(MediaNames names, std::istream &list, IsWanted isWanted)
+    : names_(std::move(names)), list_(list), isWanted_(isWanted)
 {
     std::ranges::reverse(names_.arguments);
 }
@@ -175,7 +170,8 @@ std::optional<MediaItem> MediaList::enter(std::string path)
         const Kind kind = kindOf(*opened, *entry);
         if (kind == Kind::Folder && isWalked(name))
             folder.names.emplace_back(name) += '/';
-        else if (kind == Kind::File && isMedia(name))
+        else if (kind == Kind::File && isWanted_(name) &&
+                 !name.starts_with("._")) // where a file system without attributes keeps them
             folder.names.emplace_back(name);
         else if (kind == Kind::File || kind == Kind::Other)
             ++skipped_;

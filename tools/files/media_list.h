@@ -24,6 +24,9 @@ struct MediaItem {
     std::string openablePath() const;
 };
 
+/// Whether a file is called as audio and video files are.
+bool hasMediaName(std::string_view name);
+
 /// What a user named.
 struct MediaNames {
     std::vector<std::string> arguments;
@@ -40,7 +43,10 @@ struct MediaNames {
  */
 class MediaList {
 public:
-    MediaList(MediaNames names, std::istream &list);
+    using IsWanted = bool (*)(std::string_view name);
+
+    /// @param isWanted  whether a file in a folder is one, by its name
+    MediaList(MediaNames names, std::istream &list, IsWanted isWanted = hasMediaName);
 
     /// The next file, or none at the end.
     std::optional<MediaItem> next();
@@ -62,12 +68,10 @@ private:
 
     MediaNames names_; ///< the next argument last
     std::istream &list_;
+    IsWanted isWanted_;
     bool readsList_ = false;
     std::vector<Folder> folders_;
     std::size_t skipped_ = 0;
 };
-
-/// Whether a file is called as audio and video files are.
-bool hasMediaName(std::string_view name);
 
 } // namespace vornak::tool

@@ -3,6 +3,7 @@
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace vornak::tool {
@@ -82,6 +83,17 @@ std::vector<std::string> knownSubtypes(int containerId)
 std::vector<std::string> knownPlayExceptions()
 {
     return namesOf(playExceptionNames());
+}
+
+std::vector<std::string> splitAtBars(std::string_view list)
+{
+    std::vector<std::string> entries;
+    while (!list.empty()) {
+        const std::string_view entry = list.substr(0, list.find('|'));
+        if (!entry.empty()) entries.emplace_back(entry);
+        list.remove_prefix(std::min(list.size(), entry.size() + 1));
+    }
+    return entries;
 }
 
 std::string channelsText(int channels)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vornak::tool {
@@ -22,6 +23,9 @@ std::vector<std::string> playExceptionTexts(int bits);
 std::vector<std::string> knownContainers();
 std::vector<std::string> knownSubtypes(int containerId);
 std::vector<std::string> knownPlayExceptions();
+
+/// The names of a list, which bars separate, without empty ones.
+std::vector<std::string> splitAtBars(std::string_view list);
 
 /// Numbers with their units.
 std::string channelsText(int channels);

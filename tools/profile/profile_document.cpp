@@ -16,13 +16,15 @@
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace vornak::tool {
 namespace {
 
 // As the loader's reader parses: white space in attribute values stays as it is written. But text
-// beside the outermost element is kept, to be found.
-constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_fragment;
+// beside the outermost element, comments and the like are kept, to be found.
+constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_fragment |
+                                 pugi::parse_cdata | pugi::parse_comments | pugi::parse_declaration;
 
 /// The file's bytes, or nothing with the reason in errno. A profile is read more than once, so
 /// a pipe is refused.
@@ -136,7 +138,7 @@ void ProfileDocument::parse(const std::string &path)
 {
     pugi::xml_parse_result result = document_.load_buffer(text_.data(), text_.size(), kParseFlags);
     if (result.encoding != pugi::encoding_utf8 && result.status != pugi::status_out_of_memory) {
-        text_ = toUtf8(text_, result.encoding);
+        bytes_ = std::exchange(text_, toUtf8(text_, result.encoding));
         result =
             document_.load_buffer(text_.data(), text_.size(), kParseFlags, pugi::encoding_utf8);
     }
@@ -176,36 +178,38 @@ int ProfileDocument::lineAt(std::size_t offset) const
 
 int ProfileDocument::lineOf(pugi::xml_node element) const
 {
-    return lineAt(static_cast<std::size_t>(element.offset_debug()));
+    return lineAt(offsetOf(element));
+}
+
+std::size_t ProfileDocument::offsetOf(pugi::xml_node node) const
+{
+    const auto offset = static_cast<std::size_t>(node.offset_debug());
+    return node.type() == pugi::node_element ? offset - 1 : offset;
 }
 
 std::vector<ProfileDocument::WrittenAttribute>
 ProfileDocument::writtenAttributes(pugi::xml_node element) const
 {
     std::vector<WrittenAttribute> attributes;
-    std::size_t at = static_cast<std::size_t>(element.offset_debug()) + std::strlen(element.name());
+    std::size_t at = offsetOf(element) + 1 + std::strlen(element.name());
     for ([[maybe_unused]] const pugi::xml_attribute attribute : element.attributes()) {
         while (isBlank(text_[at])) ++at;
-        const int line = lineAt(at);
-        const std::size_t open = text_.find_first_of("\"'", at);
+        const std::size_t name = at, open = text_.find_first_of("\"'", at);
         at = text_.find(text_[open], open + 1) + 1;
-        const std::string_view value = std::string_view(text_).substr(open + 1, at - open - 2);
-        attributes.push_back({line, value});
+        attributes.push_back({name, open + 1, at - open - 2});
     }
     return attributes;
 }
 
 std::string ProfileDocument::writtenTag(pugi::xml_node element) const
 {
-    const auto name = static_cast<std::size_t>(element.offset_debug());
+    const std::size_t start = offsetOf(element);
     const std::vector<WrittenAttribute> attributes = writtenAttributes(element);
-    const std::size_t last = attributes.empty()
-                                 ? name
-                                 : static_cast<std::size_t>(attributes.back().value.end() -
-                                                            std::string_view(text_).begin());
+    const std::size_t last =
+        attributes.empty() ? start : attributes.back().value + attributes.back().size;
     const std::size_t end = text_.find('>', last);
     std::string tag;
-    for (const char c : std::string_view(text_).substr(name - 1, end + 2 - name))
+    for (const char c : std::string_view(text_).substr(start, end + 1 - start))
         if (!isBlank(c))
             tag += c;
         else if (!tag.ends_with(' '))

@@ -29,13 +29,26 @@ public:
     /// The DEVICE element that the loader takes; it has a NAME.
     pugi::xml_node device() const { return device_; }
 
+    /// The file as text: in UTF-8, whatever it is written in. All offsets count its bytes.
+    const std::string &text() const { return text_; }
+
+    /// The file as it is written.
+    const std::string &bytes() const { return isConverted() ? bytes_ : text_; }
+
+    bool isConverted() const { return !bytes_.empty(); }
+
     /// The line of an element's start tag, from 1.
     int lineOf(pugi::xml_node element) const;
+    int lineAt(std::size_t offset) const;
+    std::size_t startOfLine(int line) const { return lineStarts_[std::size_t(line) - 1]; }
 
-    /// An attribute as it is written.
+    /// Where an element's start tag begins, or a text; of a comment, what it says.
+    std::size_t offsetOf(pugi::xml_node node) const;
+
+    /// An attribute as it is written, with references such as "&amp;" in its value.
     struct WrittenAttribute {
-        int line;
-        std::string_view value; ///< with references such as "&amp;" in it
+        std::size_t name, value; ///< offsets
+        std::size_t size;        ///< of the value
     };
 
     /// The attributes of the element, in their order.
@@ -51,12 +64,11 @@ public:
 
 private:
     std::string writtenTag(pugi::xml_node element) const;
-    int lineAt(std::size_t offset) const;
     void parse(const std::string &path);
     void findLines();
     pugi::xml_node findDevice(const std::string &path) const;
 
-    std::string text_; // as parsed: UTF-8
+    std::string text_, bytes_; // of these the second where the first was made of it
     std::vector<std::size_t> lineStarts_;
     pugi::xml_document document_;
     pugi::xml_node device_;

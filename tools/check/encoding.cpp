@@ -1,0 +1,100 @@
+// Whether the file is written in the encoding that it says.
+#include "tools/check/checks.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fmt/format.h>
+#include <string>
+#include <string_view>
+
+namespace vornak::tool {
+namespace {
+
+constexpr const char *kNoUtf8 = "no UTF-8, as which it is read";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+/// The bytes of the character of UTF-8 at the start of a text that isn't empty; 0: it is none.
+std::size_t characterSize(std::string_view text)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const std::size_t size = byte(0) < 0x80   ? 1
+                             : byte(0) < 0xC2 ? 0
+                             : byte(0) < 0xE0 ? 2
+                             : byte(0) < 0xF0 ? 3
+                             : byte(0) < 0xF5 ? 4
+                                              : 0;
+    if (size > text.size()) return 0;
+    for (std::size_t i = 1; i < size; ++i)
+        if ((byte(i) & 0xC0) != 0x80) return 0;
+    return size;
+}
+
+/// Where a text stops being UTF-8; its end: nowhere.
+std::size_t endOfUtf8(std::string_view text)
+{
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t size = characterSize(text.substr(at));
+        if (size == 0) return at;
+        at += size;
+    }
+    return at;
+}
+
+bool isAscii(std::string_view text)
+{
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+/// The encoding that the file says, in lower case; empty where it says none.
+std::string declaredEncoding(pugi::xml_node device)
+{
+    std::string name;
+    for (const pugi::xml_node node : device.root().children())
+        if (node.type() == pugi::node_declaration) name = node.attribute("encoding").value();
+    std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
+    return name;
+}
+
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names)
+{
+    return std::ranges::find(names, name) != names.end();
+}
+
+/// What the bytes are in place of what they are said to be; empty: they are that.
+std::string otherEncoding(std::string_view bytes, const std::string &declared)
+{
+    const bool isLatin = isOneOf(declared, {"iso-8859-1", "latin1", "latin-1"});
+    const bool isUtf8 = endOfUtf8(bytes) == bytes.size();
+    const bool isWide = bytes.find('\0') != std::string_view::npos;
+    const bool isSaidWide = declared.starts_with("utf-16") || declared.starts_with("utf-32");
+    if (isWide) return declared.empty() || isSaidWide ? "" : "of wide characters";
+    if (isSaidWide) return "of bytes";
+    if (isAscii(bytes)) return {};
+    const bool isSaidUtf8 = isOneOf(declared, {"", "utf-8", "utf8"});
+    if (isUtf8) return isSaidUtf8 ? "" : "UTF-8";
+    return isLatin ? "" : kNoUtf8;
+}
+
+} // namespace
+
+void checkEncoding(pugi::xml_node device, Report &report)
+{
+    const std::string_view bytes = report.document().bytes();
+    if (bytes.starts_with(kUtf8Mark)) {
+        report.add(Fault::ByteOrderMark, 0, {},
+                   "the file begins with a byte-order mark, which not all readers pass over",
+                   "save it as UTF-8 without a mark");
+        report.mend({0, kUtf8Mark.size(), {}});
+    }
+    const std::string declared = declaredEncoding(device);
+    const std::string other = otherEncoding(bytes, declared);
+    if (other.empty()) return;
+    const std::size_t place = other == kNoUtf8 ? endOfUtf8(bytes) : 0;
+    report.add(Fault::EncodingMismatch, place, {},
+               fmt::format("the file is to be {}, but is {}",
+                           declared.empty() ? "utf-8" : excerpt(declared), other),
+               "save it as UTF-8, and declare that or nothing");
+}
+
+} // namespace vornak::tool
