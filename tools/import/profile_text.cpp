@@ -3,6 +3,7 @@
 #include "tools/import/names.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
+#include "tools/terminal/wrapped_text.h"
 
 #include <fmt/format.h>
 #include <utility>
@@ -35,24 +36,6 @@ std::string inComment(std::string text)
         text.insert(at + 1, 1, ' ');
     if (text.ends_with('-')) text += ' ';
     return text;
-}
-
-/// Words in lines of the usual width. @param hang  blanks before all but the first
-std::string wrapped(std::string_view text, std::size_t column, std::size_t hang)
-{
-    std::string lines;
-    for (const std::string &word : splitList(text, ' ')) {
-        if (column + word.size() + 1 > kWidth && !lines.empty()) {
-            lines += '\n' + std::string(hang, ' ');
-            column = hang;
-        } else if (!lines.empty()) {
-            lines += ' ';
-            ++column;
-        }
-        lines += word;
-        column += word.size();
-    }
-    return lines;
 }
 
 /// The attributes of an element, each after a blank.
@@ -161,13 +144,13 @@ public:
 private:
     void addHead(const std::string &made)
     {
-        text_ += "  " + wrapped(inComment(made), 2, 2) + "\n\n";
+        text_ += "  " + wrappedText(inComment(made), kWidth, 2, 2) + "\n\n";
         text_ += "  Rules are tried from top to bottom; the first that a file fits is taken. What "
                  "fits none is\n  transcoded to what the first rule of the list says.\n";
         if (player_.remarks.empty()) return;
         text_ += "\n  Not said, or said more strictly:\n";
         for (const Remark &remark : player_.remarks)
-            text_ += "  - " + wrapped(inComment(remarkText(remark)), 4, 4) + '\n';
+            text_ += "  - " + wrappedText(inComment(remarkText(remark)), kWidth, 4, 4) + '\n';
     }
 
     void addLine(std::size_t depth, std::string_view line)
@@ -209,7 +192,8 @@ private:
             text += (origin == *rule.origins.begin() ? text.empty() ? "From " : " From " : ", ") +
                     player_.origins[static_cast<std::size_t>(origin)];
         const std::size_t hang = 2 * depth + 5;
-        addLine(depth, fmt::format("<!-- {} -->", wrapped(inComment(text), hang, hang)));
+        addLine(depth,
+                fmt::format("<!-- {} -->", wrappedText(inComment(text), kWidth, hang, hang)));
     }
 
     void addRule(std::size_t depth, const PictureRule &rule)
