@@ -202,7 +202,7 @@ void MediaFile::findStreams(Search search)
         headerBitrates_.push_back(parameters.bit_rate);
         if (namesBitrate(parameters.codec_id)) parameters.bit_rate = 0;
     }
-    context_->fps_probe_size = 0; // the frame rate is found otherwise, if at all
+    if (search == Search::Usual) context_->fps_probe_size = 0; // the frame rate is not asked for
     if (search == Search::Far) {
         context_->probesize = kMostForStreams / 2; // some is read again, at the end
         context_->max_analyze_duration = 60 * AV_TIME_BASE;

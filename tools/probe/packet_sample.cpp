@@ -109,14 +109,22 @@ int zerosAtEnd(const AVPacket &packet)
     return zeros > kFew ? zeros : 0;
 }
 
+bool isVideo(const AVStream &stream)
+{
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+}
+
 void addPacket(Sampling &stream, const AVPacket &packet, const AVStream &source)
 {
     constexpr int kPicturesForFields = 4;
 
     stream.found.bytes += packet.size - zerosAtEnd(packet);
-    stream.found.seconds += static_cast<double>(packet.duration) * av_q2d(source.time_base);
     const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    // two pictures that are packed into one have the same time, and last once
+    if (!isVideo(source) || stream.times.empty() || time != stream.times.back())
+        stream.found.seconds += static_cast<double>(packet.duration) * av_q2d(source.time_base);
     if (time != AV_NOPTS_VALUE) stream.times.push_back(time);
+    stream.found.end = (packet.pos >= 0 ? packet.pos : stream.found.end) + packet.size;
     if (source.codecpar->codec_id == AV_CODEC_ID_MP3) stream.found.rateCodes |= rateCode(packet);
     stream.timed += packet.duration > 0 ? 1 : 0;
     if (++stream.found.packets > kPicturesForFields || !stream.fields) return;
@@ -141,20 +149,21 @@ PictureTimes withoutMissing(PictureTimes times, Ends open)
     return {times.begin() + left, times.end() - right};
 }
 
-/// How long the packets last: as they say, or by their times where they all lie on one line.
-double secondsOf(const Sampling &stream, const AVFormatContext &context, AVRational timeBase)
+/// How long the packets last: as they say, or of pictures, whose pace may change, by their times
+/// where they all lie on one line.
+double secondsOf(const Sampling &stream, const AVFormatContext &context, const AVStream &source)
 {
-    const double span = spanInSeconds(stream.times, timeBase);
+    const double span = spanInSeconds(stream.times, source.time_base);
     if (stream.timed == 0) return span;
     const double told = stream.found.seconds * stream.found.packets / stream.timed;
-    return isSoughtByBytes(context) ? told : std::max(told, span);
+    return isVideo(source) && !isSoughtByBytes(context) ? std::max(told, span) : told;
 }
 
-SampledStream finish(Sampling &&stream, const AVFormatContext &context, AVRational timeBase,
+SampledStream finish(Sampling &&stream, const AVFormatContext &context, const AVStream &source,
                      Ends open)
 {
     std::ranges::sort(stream.times);
-    stream.found.seconds = secondsOf(stream, context, timeBase);
+    stream.found.seconds = secondsOf(stream, context, source);
     stream.found.times = {withoutMissing(std::move(stream.times), open)};
     return std::move(stream.found);
 }
@@ -181,10 +190,8 @@ PacketSample readPackets(AVFormatContext &context, std::vector<Sampling> streams
         av_packet_unref(packet.get());
     }
     sample.begin = begin.value_or(0);
-    sample.end = avio_tell(context.pb);
     for (std::size_t i = 0; i < streams.size(); ++i)
-        sample.streams.push_back(finish(std::move(streams[i]), context,
-                                        context.streams[i]->time_base,
+        sample.streams.push_back(finish(std::move(streams[i]), context, *context.streams[i],
                                         {isPlace, !sample.isComplete}));
     return sample;
 }
@@ -266,8 +273,9 @@ PacketSample samplePlaces(AVFormatContext &context, Stretch stretch, std::int64_
         for (Sampling &stream : streams) stream.skip = true;
         PacketSample sample = readPackets(context, std::move(streams), size);
         // some seek to the last frame that they know of
-        const bool isThere = sample.bytes() > 0 &&
-                             (byBytes || std::abs(sample.begin - time) < stretch.seconds / kPlaces);
+        const bool isThere = byBytes
+                                 ? sample.bytes() > 0
+                                 : std::abs(sample.begin - time) < stretch.seconds / kPlaces;
         if (!isThere) continue;
         addPlace(sum, std::move(sample));
         ++found;

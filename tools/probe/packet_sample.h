@@ -14,6 +14,7 @@ namespace vornak::tool {
 
 struct SampledStream {
     std::int64_t bytes = 0;
+    std::int64_t end = 0; ///< where in the file the last of them is; not for places
     int packets = 0;
     double seconds = 0;              ///< that these bytes last
     std::vector<PictureTimes> times; ///< a run for each place, without a picture missing
@@ -31,7 +32,6 @@ struct SampleSize {
 struct PacketSample {
     std::vector<SampledStream> streams; ///< one entry a stream, or none at all
     double begin = 0;                   ///< seconds in the file, of the first packet
-    std::int64_t end = 0;               ///< how far in the file was read
     bool isComplete = false;            ///< the file has no more; of places: each had something
 
     std::int64_t bytes() const; ///< of all streams

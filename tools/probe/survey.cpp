@@ -37,6 +37,13 @@ bool isMp4(const AVFormatContext &context)
     return std::string_view(context.iformat->name).starts_with("mov,");
 }
 
+/// Whether a format's packets are of one size and have often little in them.
+bool fillsUp(const AVFormatContext &context)
+{
+    const std::string_view format = context.iformat->name;
+    return format == "mpegts" || format == "asf";
+}
+
 std::span<AVStream *> streamsOf(const AVFormatContext &context)
 {
     return {context.streams, context.nb_streams};
@@ -159,6 +166,7 @@ SampleSize sizeOfStart(const Survey &survey)
     if (!needsRates(survey)) return {100, most}; // some seconds of pictures
     if (isBareStream(survey)) return {kAnyNumber, most};
     if (playedBytes(survey) <= kQuicklyRead) return {kAnyNumber, 4'000'000};
+    if (fillsUp(survey.context)) return {kAnyNumber, 1'000'000};
     return {250, most}; // of which libavformat has looked at the greater part already
 }
 
@@ -169,11 +177,12 @@ std::int64_t sizeOfPlace(const Survey &survey)
     return firstVideo(survey.played) ? 500'000 : 32'000;
 }
 
-/// Where the pictures' times are all that is asked for, the rest needn't be taken apart.
-void passOverSound(AVFormatContext &context)
+/// What isn't played counts nowhere, nor does sound where only the pictures' times are asked for.
+void passOver(const Survey &survey, bool andSound)
 {
-    for (AVStream *stream : streamsOf(context))
-        if (!isVideo(*stream)) stream->discard = AVDISCARD_ALL;
+    for (AVStream *stream : streamsOf(survey.context))
+        if (andSound ? !isVideo(*stream) : std::ranges::count(survey.played, stream) == 0)
+            stream->discard = AVDISCARD_ALL;
 }
 
 // What comes of it
@@ -185,14 +194,22 @@ bool isCut(const Survey &survey)
            !isSoughtByBytes(survey.context) && !survey.file.isAtLimit();
 }
 
+std::int64_t endOfStart(const Survey &survey)
+{
+    if (const AVStream *video = firstVideo(survey.played)) return survey.start.of(*video).end;
+    std::int64_t end = 0;
+    for (const SampledStream &sound : survey.start.streams) end = std::max(end, sound.end);
+    return end;
+}
+
 /// The played bytes without what broadcasts and ASF fill up their packets with, as the start shows
-/// it. Other containers add next to nothing.
+/// it up to its last picture, since much of the next one may have been read. Other containers add
+/// next to nothing.
 double payloadBytes(const Survey &survey)
 {
-    const std::string_view format = survey.context.iformat->name;
-    const auto read = static_cast<double>(survey.start.end - survey.file.dataStart());
+    const double read = static_cast<double>(endOfStart(survey) - survey.file.dataStart());
     const double bytes = playedBytes(survey);
-    if ((format != "mpegts" && format != "asf") || read <= 0) return bytes;
+    if (!fillsUp(survey.context) || read <= 0) return bytes;
     return bytes * std::min(1.0, static_cast<double>(survey.start.bytes()) / read);
 }
 
@@ -311,7 +328,7 @@ void takeSamples(Survey &survey)
 
     const bool rates = needsRates(survey);
     if (!rates && !needsTimes(survey)) return;
-    if (!rates) passOverSound(survey.context);
+    passOver(survey, !rates);
     survey.file.limitReading(kMostRead);
     survey.start = samplePackets(survey.context, sizeOfStart(survey));
     takeRates(survey);
@@ -319,6 +336,8 @@ void takeSamples(Survey &survey)
         survey.file.limitReading(kMostRead);
         survey.places = takePlaces(survey);
         takeRates(survey);
+        if (isBareStream(survey)) // all that was counted counts, the start too
+            survey.rates.front().sampled = rateOf(payloadBytes(survey), countedDuration(survey));
     }
     nameSteadyMp3(survey);
 }
