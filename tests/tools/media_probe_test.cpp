@@ -683,6 +683,7 @@ TEST_F(MediaProbe, SaysWhatIsWrong)
         {folder_->write("text.txt", "Some words.\n"), kNothing},
         {folder_->write("text.nfo", "Some words.\n"), kNothing},
         {folder_->write("noise", noise), kNothing},
+        {folder_->write("noise.bin", noise), kNothing},
         {folder_->write("noise.mp3", noise), kNothing},
         {folder_->write("noise.mp4", noise), noMoov},
         {folder_->write("cut.mp4", clipped), noMoov},

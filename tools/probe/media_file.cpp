@@ -115,10 +115,11 @@ AVIOContext *makeIo(void *file, int (*read)(void *, std::uint8_t *, int),
     throw std::bad_alloc();
 }
 
-/// Text files pass for pictures made of characters.
-bool isText(const AVFormatContext &context)
+/// Pictures made of characters, for which text files pass, and any that is called ".bin".
+bool isOfCharacters(const AVFormatContext &context)
 {
-    return std::string_view(context.iformat->name) == "tty";
+    constexpr std::string_view formats[] = {"adf", "bin", "idf", "tty", "xbin"};
+    return std::ranges::find(formats, context.iformat->name) != std::end(formats);
 }
 
 std::string notMedia()
@@ -186,7 +187,7 @@ void MediaFile::openMedia(const std::string &path)
         avformat_open_input(&context, nameForGuessing(path).c_str(), nullptr, &options);
     av_dict_free(&options);
     context_.reset(context); // null after a failure
-    if (status < 0 || isText(*context)) {
+    if (status < 0 || isOfCharacters(*context)) {
         error_ = notMedia();
         context_.reset();
     }

@@ -53,6 +53,20 @@ std::string_view takeStatusLine()
     return std::exchange(s_HasStatusLine, false) ? kClearLine : std::string_view();
 }
 
+/// What names a path that is longer than any that the system takes is cut in its middle, between
+/// characters.
+std::string inOneLine(std::string_view message)
+{
+    constexpr std::size_t kShown = 100; // of each end
+
+    const auto isWithin = [&](std::size_t at) { return (message[at] & 0xC0) == 0x80; };
+    if (message.size() < PATH_MAX) return std::string(message);
+    std::size_t head = kShown, tail = message.size() - kShown;
+    while (isWithin(head)) --head;
+    while (isWithin(tail)) ++tail;
+    return fmt::format("{} ... {}", message.substr(0, head), message.substr(tail));
+}
+
 bool isColoured()
 {
     if (s_ColourUse != ColourUse::Auto) return s_ColourUse == ColourUse::Always;
@@ -99,7 +113,7 @@ std::mutex &standardErrorMutex()
 void complain(std::string_view message)
 {
     const std::lock_guard alone(standardErrorMutex());
-    writeAll(STDERR_FILENO, fmt::format("{}vornak: {}\n", takeStatusLine(), message));
+    writeAll(STDERR_FILENO, fmt::format("{}vornak: {}\n", takeStatusLine(), inOneLine(message)));
 }
 
 void setStatusLine(std::string_view text)
@@ -112,10 +126,7 @@ void setStatusLine(std::string_view text)
 
 std::string aboutFile(const std::string &path, std::string_view why)
 {
-    constexpr std::size_t kShown = 60; // of each end
-    if (path.size() < PATH_MAX) return fmt::format("{}: {}", printable(path), why);
-    return fmt::format("{} ... {}: {}", printable(path.substr(0, kShown)),
-                       printable(path.substr(path.size() - kShown)), why);
+    return fmt::format("{}: {}", printable(path), why);
 }
 
 int complainOf(const std::string &path, std::string_view why)

@@ -19,11 +19,11 @@ std::size_t outputWidth();
 int standardOutput();
 
 /// Writes "vornak: MESSAGE" and a line end to standard error, where a reader or a terminal that has
-/// gone is no error. Texts from outside come printable().
+/// gone is no error. Texts from outside come printable(); a message with a path that is longer than
+/// any that the system takes is cut in its middle.
 void complain(std::string_view message);
 
-/// "PATH: WHY", with the path printable, and cut in its middle where it is longer than any that the
-/// system takes.
+/// "PATH: WHY", with the path printable.
 std::string aboutFile(const std::string &path, std::string_view why);
 
 /// Complains so; returns the exit status that goes with it.
