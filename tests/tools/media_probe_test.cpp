@@ -353,6 +353,11 @@ std::string asFromPipe(std::string avi)
     return replaced(overwritten(avi, "strh", 40, {"\0\0\0\x40", 4}), "idx1", "JUNK");
 }
 
+std::string withoutThird(std::string film)
+{
+    return film.substr(0, film.size() * 2 / 3);
+}
+
 std::string withoutStatedRates(std::string mp4)
 {
     return replaced(std::move(mp4), "btrt", "free");
@@ -423,6 +428,9 @@ const Told s_Told[] = {
     {"not_played.ts", "-map 0 -map 1 FAST -c:a adpcm_ima_wav", -1, 0},
     {"small_frames.ts", "-map 0 -map 1 FAST -c:a truehd -strict -2", -1, -1176500},
     {"packed.ts", "-map 0 -c:v libxvid -bf 2", -242700, 0},
+    {"cut.mkv",
+     "-map 0 -map 1 -vf loop=1:150:150 -af aloop=1:288000:288000 FAST -c:a ac3 -b:a 448k", -1,
+     448000, false, withoutThird},
     {"places.mkv", "-map 0 -map 2 FAST -b:v 2M -c:a aac -b:a 192k", 0, -kAac},
     {"places.ts", "-map 0 -map 2 FAST -b:v 2M -c:a aac -b:a 192k", 0, -kAac},
     // the pictures at the end of what is read of a file are not all that belong there

@@ -363,7 +363,7 @@ TEST(BitRates, AreStatedOrWhatTheOthersLeave)
     };
     for (const auto &c : cases) {
         Rates rates = c.in;
-        settleBitRates(rates, {c.whole, 2});
+        settleBitRates(rates, {c.whole, 0.5, 2});
         for (std::size_t i = 0; i < rates.size(); ++i)
             EXPECT_EQ(rates[i].estimated ? -rates[i].bitrate : rates[i].bitrate, c.out[i])
                 << &c - cases << ' ' << i;

@@ -99,9 +99,10 @@ std::int64_t restFor(const StreamRate *taker, std::span<const StreamRate> stream
     return rest;
 }
 
-bool agree(std::int64_t rest, std::int64_t sampled, int times)
+bool agree(std::int64_t rest, std::int64_t sampled, const WholeRate &whole)
 {
-    return rest > 0 && (sampled <= 0 || (rest > sampled / times && rest / times < sampled));
+    const double times = static_cast<double>(rest) / static_cast<double>(sampled);
+    return rest > 0 && (sampled <= 0 || (times > whole.least && times < whole.most));
 }
 
 } // namespace
@@ -151,7 +152,7 @@ bool isBelievable(const WholeRate &whole, std::span<const StreamRate> streams)
 {
     const StreamRate *taker = findTakerOfRest(streams);
     return whole.rate > 0 &&
-           (!taker || agree(restFor(taker, streams, whole.rate), taker->sampled, whole.tolerance));
+           (!taker || agree(restFor(taker, streams, whole.rate), taker->sampled, whole));
 }
 
 void settleBitRates(std::span<StreamRate> streams, const WholeRate &whole)

@@ -45,8 +45,8 @@ bool guessesDuration(const AVFormatContext &context);
 
 /// Bits per second of all streams together, as a file's size and duration give them.
 struct WholeRate {
-    std::int64_t rate = 0; ///< 0: unknown
-    int tolerance = 1;     ///< how many times what was seen of a stream may be more, or less
+    std::int64_t rate = 0;      ///< 0: unknown
+    double least = 1, most = 1; ///< how many times what was seen of a stream it may have
 };
 
 /// Whether what the others leave of the whole agrees with what was seen of the stream that would

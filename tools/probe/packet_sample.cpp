@@ -273,9 +273,8 @@ PacketSample samplePlaces(AVFormatContext &context, Stretch stretch, std::int64_
         for (Sampling &stream : streams) stream.skip = true;
         PacketSample sample = readPackets(context, std::move(streams), size);
         // some seek to the last frame that they know of
-        const bool isThere = byBytes
-                                 ? sample.bytes() > 0
-                                 : std::abs(sample.begin - time) < stretch.seconds / kPlaces;
+        const bool isThere = byBytes ? sample.bytes() > 0
+                                     : std::abs(sample.begin - time) < stretch.seconds / kPlaces;
         if (!isThere) continue;
         addPlace(sum, std::move(sample));
         ++found;

@@ -220,11 +220,11 @@ int toleranceOf(const Survey &survey)
     return survey.places.isComplete ? 2 : 10;
 }
 
-WholeRate wholeRate(const Survey &survey, int tolerance)
+WholeRate wholeRate(const Survey &survey, double least, double most)
 {
     // all of a small file was seen, so its size has nothing left to tell
     if (survey.start.isComplete || isCut(survey)) return {};
-    return {rateOf(payloadBytes(survey), survey.duration), tolerance};
+    return {rateOf(payloadBytes(survey), survey.duration), least, most};
 }
 
 void takeRates(Survey &survey)
@@ -265,14 +265,14 @@ bool hasUnsteadyTable(const Survey &survey)
 }
 
 /// Whether the start leaves anything open. Films and songs often begin with silence, and behind
-/// frames of one rate others may follow.
+/// frames of one rate others may follow. Where all has much less than the start, it may be cut.
 bool needsPlaces(const Survey &survey)
 {
     if (survey.start.isComplete) return false;
     if (needsTimes(survey) && hasUnsteadyTable(survey)) return true;
     return isBareStream(survey) || countOpenRates(survey) > 1 ||
            (countOpenRates(survey) == 1 &&
-            (hasSteadyMp3(survey) || !isBelievable(wholeRate(survey, 2), survey.rates)));
+            (hasSteadyMp3(survey) || !isBelievable(wholeRate(survey, 0.8, 2), survey.rates)));
 }
 
 double secondsOf(const PacketSample &sample, const std::vector<AVStream *> &played)
@@ -318,7 +318,7 @@ PacketSample takePlaces(const Survey &survey)
     PacketSample places = samplePlaces(survey.context, stretch, sizeOfPlace(survey));
     if (!places.streams.empty()) return places;
     places = samplePackets(survey.context, kReadOn);
-    places.isComplete = true;
+    places.isComplete = survey.file.isAtLimit(); // or it ends sooner than it says
     return places;
 }
 
@@ -369,7 +369,8 @@ Survey surveyFile(MediaFile &file)
     const bool hadOpenRates = needsRates(survey);
     takeSamples(survey);
     if (hadOpenRates) survey.duration = believedDuration(survey);
-    settleBitRates(survey.rates, wholeRate(survey, toleranceOf(survey)));
+    const int tolerance = toleranceOf(survey);
+    settleBitRates(survey.rates, wholeRate(survey, 1.0 / tolerance, tolerance));
     return survey;
 }
 
