@@ -9,7 +9,7 @@ namespace vornak::test {
 /// Interrupts this process every few milliseconds, without a restart. One at a time.
 class Alarms {
 public:
-    explicit Alarms(int milliseconds)
+    explicit Alarms(long milliseconds)
     {
         s_count = 0;
         struct sigaction action {};
