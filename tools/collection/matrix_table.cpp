@@ -21,11 +21,6 @@ std::string_view colourOf(Outcome outcome)
     return outcome < Outcome::Refused ? c.change : c.bad;
 }
 
-char letterOf(Outcome outcome)
-{
-    return s_Letters[static_cast<std::size_t>(outcome)];
-}
-
 std::string cellOf(const std::optional<FileResult> &result)
 {
     const Colours &c = colours();
@@ -57,6 +52,11 @@ std::string countText(std::size_t count, std::string_view what)
 }
 
 } // namespace
+
+char letterOf(Outcome outcome)
+{
+    return s_Letters[static_cast<std::size_t>(outcome)];
+}
 
 MatrixTable::MatrixTable(const std::vector<MatrixColumn> &columns, std::size_t width)
     : columns_(columns), width_(width)

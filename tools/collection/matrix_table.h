@@ -8,6 +8,9 @@
 
 namespace vornak::tool {
 
+/// What stands for an outcome.
+char letterOf(Outcome outcome);
+
 class MatrixTable {
 public:
     /// @param width  characters of a line that a name may not exceed; 0: no matter how many

@@ -86,10 +86,7 @@ ProbedLinesFile::ProbedLinesFile(const std::string &path) : place_(path, true)
 
 void ProbedLinesFile::refuseOther() const
 {
-    std::array<char, kLineStart.size()> start;
-    const Descriptor file(openOld(place_));
-    const ssize_t got = file ? read(file.get(), start.data(), start.size()) : 0;
-    if (got > 0 && std::string_view(start.data(), static_cast<std::size_t>(got)) != kLineStart)
+    if (place_.holdsOther(kLineStart))
         throw std::runtime_error(
             fmt::format("{}: holds something else than the lines of vornak probe, so it is not "
                         "replaced",

@@ -3,17 +3,22 @@
 #include "tools/collection/cell_reason.h"
 #include "tools/collection/matrix_csv.h"
 #include "tools/collection/matrix_json.h"
+#include "tools/collection/matrix_page.h"
 #include "tools/collection/matrix_table.h"
 #include "tools/commands/decision_options.h"
 #include "tools/commands/subcommands.h"
+#include "tools/commands/whole_file.h"
+#include "tools/files/output_place.h"
 #include "tools/profile/profile_search.h"
 #include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
+#include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <memory>
 
 namespace vornak::tool {
@@ -31,6 +36,8 @@ constexpr const char *kMatrixExamples = R"(Examples:
       which limits of which rules cost the most transcodes
   vornak matrix --profiles profiles --json --probed films.jsonl > matrix.json
       all cells, each with the reasons that decide words
+  vornak matrix --profiles profiles --html matrix.html --probed films.jsonl
+      the same as a page for a browser
 
 Exit status: 0 done, 1 some file can't be decided about by anybody or some profile can't be loaded,
 2 bad usage.)";
@@ -41,6 +48,7 @@ struct MatrixOptions : DecisionOptions {
     bool json = false;
     bool csv = false;
     bool reasons = false;
+    std::string page; ///< where it goes; empty: nowhere
 };
 
 std::vector<std::string> pathsOf(const MatrixOptions &options)
@@ -57,6 +65,7 @@ struct MatrixRun {
     const std::vector<MatrixColumn> &columns;
     const DecisionRequest request;
     const MediaNames &media;
+    const std::string page;
 };
 
 MatrixTotals writeTable(const MatrixRun &run)
@@ -96,21 +105,44 @@ MatrixTotals writeReasons(const MatrixRun &run)
     return totals;
 }
 
-MatrixTotals writeJson(const MatrixRun &run)
+/// Hands out each file with why its cells are as they are.
+template <class Emit>
+MatrixTotals explainAll(const MatrixRun &run, Emit emit)
 {
     useColours(ColourUse::Never); // the reasons are those of the text
-    MatrixJson json(run.columns);
-    writeOut(json.head(run.request));
-    const MatrixTotals totals = decideMatrix(
+    return decideMatrix(
         run.columns, run.request, run.media,
         [&](const SeenFile &file, const MatrixResults &results) {
             return explainRow(file, results, run.columns, run.request);
         },
         [&](const MatrixRow &row, MatrixTotals &totals) {
             count(row, totals);
-            writeOut(json.row(row));
+            emit(row);
         });
+}
+
+MatrixTotals writeJson(const MatrixRun &run)
+{
+    MatrixJson json(run.columns);
+    writeOut(json.head(run.request));
+    const MatrixTotals totals =
+        explainAll(run, [&](const MatrixRow &row) { writeOut(json.row(row)); });
     writeOut(json.tail(totals));
+    return totals;
+}
+
+MatrixTotals writePage(const MatrixRun &run)
+{
+    const OutputPlace place(run.page, true);
+    if (place.holdsOther(pageStart()))
+        throw std::runtime_error(
+            fmt::format("{}: holds something else than a page of vornak matrix, so it is not "
+                        "replaced",
+                        printable(run.page)));
+    MatrixPage page(run.columns, run.request);
+    const MatrixTotals totals = explainAll(run, [&](const MatrixRow &row) { page.add(row); });
+    writeWholeFile(page.text(totals), place);
+    writeOut(MatrixTable(run.columns, outputWidth()).sums(totals));
     return totals;
 }
 
@@ -120,11 +152,12 @@ int runMatrix(const MatrixOptions &options)
     checkMedia(options.media, std::ranges::count(options.profiles, "-") > 0);
     const DecisionRequest request = requestOf(options);
     const std::vector<MatrixColumn> columns = loadColumns(pathsOf(options));
-    const MatrixRun run{columns, request, options.media};
-    const auto write = options.json      ? writeJson
-                       : options.csv     ? writeCsv
-                       : options.reasons ? writeReasons
-                                         : writeTable;
+    const MatrixRun run{columns, request, options.media, options.page};
+    const auto write = options.json            ? writeJson
+                       : options.csv           ? writeCsv
+                       : options.reasons       ? writeReasons
+                       : !options.page.empty() ? writePage
+                                               : writeTable;
     const MatrixTotals totals = write(run);
     const bool lacksPlayer =
         std::ranges::any_of(columns, [](const MatrixColumn &column) { return !column.session; });
@@ -151,11 +184,18 @@ void addMatrix(CLI::App &app, int &status)
                     ->add_flag("--csv", options->csv,
                                "Print a line of comma-separated values for each file")
                     ->excludes(json);
+    auto *reasons = command
+                        ->add_flag("--reasons", options->reasons,
+                                   "Print which reasons cost how many files, for all players")
+                        ->excludes(json)
+                        ->excludes(csv);
     command
-        ->add_flag("--reasons", options->reasons,
-                   "Print which reasons cost how many files, for all players")
+        ->add_option("--html", options->page,
+                     "Write a page for a browser to this file, and print the sums")
+        ->type_name("FILE")
         ->excludes(json)
-        ->excludes(csv);
+        ->excludes(csv)
+        ->excludes(reasons);
     addMatchingOptions(*command, *options);
     command->add_flag("--force", options->force, "Transcode whatever the rules say");
     addColourOption(*command);

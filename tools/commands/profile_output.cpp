@@ -1,17 +1,10 @@
 #include "tools/commands/profile_output.h"
 
+#include "tools/commands/whole_file.h"
 #include "tools/files/output_place.h"
-#include "tools/terminal/held_signals.h"
 #include "tools/terminal/output.h"
-#include "tools/terminal/printable.h"
-#include "tools/transcode/work_file.h"
 
 #include <CLI/CLI.hpp>
-
-#include <fmt/format.h>
-#include <fstream>
-#include <stdexcept>
-#include <sys/stat.h>
 
 namespace vornak::tool {
 
@@ -27,16 +20,7 @@ void addOutputOptions(CLI::App &command, ProfileOutput &output)
 void writeProfile(const std::string &text, const ProfileOutput &output, unsigned mode)
 {
     if (output.path.empty()) return writeOut(text);
-    const OutputPlace place(output.path, output.replace);
-    const HeldSignals signals; // until nothing of the work is left
-    const WorkFile work(place.folder());
-    std::ofstream file(work.path(), std::ios::binary);
-    file << text;
-    file.close();
-    if (!file)
-        throw std::runtime_error(fmt::format("{}: can't be written whole", printable(output.path)));
-    if (mode != 0) chmod(work.path().c_str(), mode);
-    work.moveTo(place);
+    writeWholeFile(text, OutputPlace(output.path, output.replace), mode);
 }
 
 } // namespace vornak::tool

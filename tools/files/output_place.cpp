@@ -60,6 +60,14 @@ void OutputPlace::open(const std::string &path)
     if (name_.empty()) refuse(path_, EISDIR);
 }
 
+bool OutputPlace::holdsOther(std::string_view start) const
+{
+    std::string there(start.size(), '\0');
+    const Descriptor file(openat(folder(), name_.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    const ssize_t got = file ? read(file.get(), there.data(), there.size()) : 0;
+    return got > 0 && there.substr(0, static_cast<std::size_t>(got)) != start;
+}
+
 bool OutputPlace::isLink() const
 {
     struct stat info = {};

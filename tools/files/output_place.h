@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vornak::tool {
 
@@ -19,6 +20,9 @@ public:
     int folder() const { return folder_->get(); }
     const std::string &name() const { return name_; }
     bool replaces() const { return replaces_; }
+
+    /// Whether there is a file that begins otherwise; an empty one doesn't.
+    bool holdsOther(std::string_view start) const;
 
 private:
     bool isLink() const;
