@@ -24,7 +24,8 @@ TEST_P(Transcript, IsWhatHappens)
 
 INSTANTIATE_TEST_SUITE_P(Pages, Transcript,
                          testing::Values("collections", "command", "decide", "length", "profile",
-                                         "profile-diff", "subtitles", "transcode", "whole-output"),
+                                         "profile-check", "profile-diff", "subtitles", "transcode",
+                                         "whole-output"),
                          [](const auto &page) {
                              std::string name = page.param;
                              std::ranges::replace(name, '-', '_');

@@ -97,7 +97,7 @@ Mend mendOfStop(const WrittenNumber &number)
     if (number.hasDigits() && rest.starts_with('.')) {
         if (const std::string count = channelCount(number); !count.empty())
             return {
-                fmt::format("{} is {} channels: write {}", shown(number.attribute), count, count),
+                fmt::format("{} is {} channels: write {}", number.attribute.value(), count, count),
                 count};
         if (const std::string whole = takesSuffixes(number.row.unit) ? wholeNumber(number) : "";
             !whole.empty())
