@@ -143,7 +143,7 @@ TEST_F(Installed, HostsAnswerAndLeaveNothing)
         EXPECT_EQ(shell("./host-cpp t.xml").status, c.status == 2 ? 2 : 0) << c.profile;
     }
     for (const char *host : {"host-c ", "host-cpp "})
-        EXPECT_EQ(shell(checked + host + kProfile).err, "") << host;
+        EXPECT_EQ(shell(checked + std::string(host).append(kProfile)).err, "") << host;
 }
 
 // A program that opens the library itself is passed over unless it exports what it defines.

@@ -79,7 +79,8 @@ inline void expectDocExamples(
     constexpr std::string_view kEnd = "\f\n";
     const std::string mark = "\nprintf '\\f\\n'\n";
     std::string script = "exec 2>&1 </dev/null\n" + prologue + mark;
-    for (const DocExample &example : examples) script += example.command + "\n" + end + mark;
+    for (const DocExample &example : examples)
+        script.append(example.command).append("\n").append(end).append(mark);
     const std::string printed = runShell(script).out;
     std::size_t from = printed.find(kEnd);
     EXPECT_EQ(printed.substr(0, from), "");
