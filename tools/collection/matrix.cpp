@@ -51,6 +51,11 @@ std::vector<MatrixColumn> loadColumns(const std::vector<std::string> &paths)
     return columns;
 }
 
+bool lacksPlayer(const std::vector<MatrixColumn> &columns)
+{
+    return std::ranges::any_of(columns, [](const MatrixColumn &column) { return !column.session; });
+}
+
 std::vector<std::string> profilesIn(const std::string &folder)
 {
     std::vector<std::string> paths;

@@ -27,6 +27,9 @@ struct MatrixColumn {
 /// first thread starts.
 std::vector<MatrixColumn> loadColumns(const std::vector<std::string> &paths);
 
+/// Whether some profile can't be loaded.
+bool lacksPlayer(const std::vector<MatrixColumn> &columns);
+
 /// The profiles in a folder, by the names that end in ".xml", in their order. Throws
 /// std::runtime_error for a folder that can't be read or has none.
 std::vector<std::string> profilesIn(const std::string &folder);

@@ -1,4 +1,5 @@
 #include "tools/commands/decision_options.h"
+#include "tools/commands/expecting.h"
 #include "tools/commands/subcommands.h"
 #include "tools/decide/decision_json.h"
 #include "tools/decide/decision_text.h"
@@ -37,16 +38,19 @@ constexpr const char *kDecideExamples = R"(Examples:
       a line for each film whose picture or sound is transcoded, and how many share a reason
   vornak decide -p phone.xml --json /media/films > films.json
       all that lies below a folder, as a JSON document
+  vornak decide -p tv.xml --save-expectation tv.txt /media/films
+      the decisions with their reasons, a line each; --expect tv.txt says later what changed
   find . -name '*.ts' -print0 | vornak decide -p tv.xml --null -
       the names on standard input; without --null one a line
 
-Exit status: 0 all files are decided (a refusal is a decision), 1 some are not, 2 bad usage or a
-profile that can't be loaded.)";
+Exit status: 0 all files are decided (a refusal is a decision), 1 some are not, or not as expected,
+2 bad usage or a profile that can't be loaded.)";
 
 struct DecideOptions : DecisionOptions {
     bool explain = false;
     bool brief = false;
     bool json = false;
+    ExpectingOptions expecting;
     std::vector<std::string> only; ///< names of the outcomes to show; empty: all
 };
 
@@ -133,11 +137,19 @@ std::string sumOf(const DecideOptions &options, const Totals &totals)
     return (totals.shown > 0 ? "\n" : "") + textOf(totals) + countedReasons(totals);
 }
 
+int runExpecting(const DecideOptions &options, const DecisionRequest &request)
+{
+    const std::vector<MatrixColumn> player = loadColumns({options.profile});
+    if (lacksPlayer(player)) return kUnusable; // which has been said
+    return runExpecting(options.expecting, player, request, options.media);
+}
+
 int runDecide(const DecideOptions &options)
 {
     claimStandardOutput();
     const DecisionRequest request = resolve(options);
     const std::set<Outcome> shown = outcomesOf(options);
+    if (options.expecting.isAsked()) return runExpecting(options, request);
     const ProfileSession session(options.profile);
     const int hardwareAgent = options.json || options.explain ? askForHardware() : 0;
     writeHead(options, request, session);
@@ -167,14 +179,19 @@ void addDecide(CLI::App &app, int &status)
         "Add the hardware transcoder, the elements, and every rule visited with all that refuses "
         "the file there");
     auto *json = command->add_flag("--json", options->json, "Print a JSON document");
-    command->add_flag("--brief", options->brief, "One line a file: its outcome and the one reason")
-        ->excludes(explain)
-        ->excludes(json);
-    addRepeatable(*command, "--only", options->only,
-                  "Show the files of this outcome alone, or of several with commas between them; "
-                  "all are counted")
-        ->type_name(fmt::format("{}", fmt::join(outcomeNames(), "|")))
-        ->delimiter(',');
+    auto *brief =
+        command
+            ->add_flag("--brief", options->brief, "One line a file: its outcome and the one reason")
+            ->excludes(explain)
+            ->excludes(json);
+    auto *only =
+        addRepeatable(
+            *command, "--only", options->only,
+            "Show the files of this outcome alone, or of several with commas between them; "
+            "all are counted")
+            ->type_name(fmt::format("{}", fmt::join(outcomeNames(), "|")))
+            ->delimiter(',');
+    addExpectingOptions(*command, options->expecting, {explain, json, brief, only});
     addColourOption(*command);
     command->footer(kDecideExamples);
     command->callback([options, &status] { status = runDecide(*options); });

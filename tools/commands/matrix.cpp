@@ -6,6 +6,7 @@
 #include "tools/collection/matrix_page.h"
 #include "tools/collection/matrix_table.h"
 #include "tools/commands/decision_options.h"
+#include "tools/commands/expecting.h"
 #include "tools/commands/subcommands.h"
 #include "tools/commands/whole_file.h"
 #include "tools/files/output_place.h"
@@ -38,9 +39,11 @@ constexpr const char *kMatrixExamples = R"(Examples:
       all cells, each with the reasons that decide words
   vornak matrix --profiles profiles --html matrix.html --probed films.jsonl
       the same as a page for a browser
+  vornak matrix --profiles profiles --probed films.jsonl --save-expectation films.txt
+      all decisions with their reasons, a line each; --expect films.txt says later what changed
 
 Exit status: 0 done, 1 some file can't be decided about by anybody or some profile can't be loaded,
-2 bad usage.)";
+or some decision is not as expected, 2 bad usage.)";
 
 struct MatrixOptions : DecisionOptions {
     std::vector<std::string> profiles;
@@ -49,6 +52,7 @@ struct MatrixOptions : DecisionOptions {
     bool csv = false;
     bool reasons = false;
     std::string page; ///< where it goes; empty: nowhere
+    ExpectingOptions expecting;
 };
 
 std::vector<std::string> pathsOf(const MatrixOptions &options)
@@ -152,6 +156,8 @@ int runMatrix(const MatrixOptions &options)
     checkMedia(options.media, std::ranges::count(options.profiles, "-") > 0);
     const DecisionRequest request = requestOf(options);
     const std::vector<MatrixColumn> columns = loadColumns(pathsOf(options));
+    if (options.expecting.isAsked())
+        return runExpecting(options.expecting, columns, request, options.media);
     const MatrixRun run{columns, request, options.media, options.page};
     const auto write = options.json            ? writeJson
                        : options.csv           ? writeCsv
@@ -159,9 +165,7 @@ int runMatrix(const MatrixOptions &options)
                        : !options.page.empty() ? writePage
                                                : writeTable;
     const MatrixTotals totals = write(run);
-    const bool lacksPlayer =
-        std::ranges::any_of(columns, [](const MatrixColumn &column) { return !column.session; });
-    return totals.unreadable > 0 || lacksPlayer ? kIncomplete : kDone;
+    return totals.unreadable > 0 || lacksPlayer(columns) ? kIncomplete : kDone;
 }
 
 } // namespace
@@ -189,13 +193,14 @@ void addMatrix(CLI::App &app, int &status)
                                    "Print which reasons cost how many files, for all players")
                         ->excludes(json)
                         ->excludes(csv);
-    command
-        ->add_option("--html", options->page,
-                     "Write a page for a browser to this file, and print the sums")
-        ->type_name("FILE")
-        ->excludes(json)
-        ->excludes(csv)
-        ->excludes(reasons);
+    auto *page = command
+                     ->add_option("--html", options->page,
+                                  "Write a page for a browser to this file, and print the sums")
+                     ->type_name("FILE")
+                     ->excludes(json)
+                     ->excludes(csv)
+                     ->excludes(reasons);
+    addExpectingOptions(*command, options->expecting, {json, csv, reasons, page});
     addMatchingOptions(*command, *options);
     command->add_flag("--force", options->force, "Transcode whatever the rules say");
     addColourOption(*command);

@@ -149,6 +149,15 @@ std::string resultLine(const Decision &decision)
                        decision.isSeekable() ? "" : ", into an output that can't be sought in");
 }
 
+std::string outputLine(const Decision &decision)
+{
+    const bool sameContainer = decision.outputFormatId == decision.media.formatId;
+    return fmt::format("output: container {}, MIME type {}, DLNA profile {}",
+                       sameContainer ? printable(decision.media.containerName)
+                                     : containerText(decision.outputFormatId),
+                       announced(decision.mime), announced(decision.dlnaProfile));
+}
+
 std::string verdictText(const Visit &visit, RuleKind kind)
 {
     const std::string_view what = kind == RuleKind::Codec ? "codec" : "container";
@@ -234,15 +243,6 @@ std::string sourceText(const Decision &decision)
     return text + "; " + (track ? trackText(*track, media.audio.size()) : "no audio");
 }
 
-std::string outputText(const Decision &decision)
-{
-    const bool sameContainer = decision.outputFormatId == decision.media.formatId;
-    return fmt::format("container {}, MIME type {}, DLNA profile {}",
-                       sameContainer ? printable(decision.media.containerName)
-                                     : containerText(decision.outputFormatId),
-                       announced(decision.mime), announced(decision.dlnaProfile));
-}
-
 std::vector<ShownLine> decisionLines(const Decision &decision, const Explanation &explanation,
                                      const ProfileSession &session)
 {
@@ -252,7 +252,7 @@ std::vector<ShownLine> decisionLines(const Decision &decision, const Explanation
         lines.push_back(forbiddenLine(explanation, session));
     } else {
         lines.push_back({resultLine(decision)});
-        lines.push_back({"output: " + outputText(decision)});
+        lines.push_back({outputLine(decision)});
     }
     return lines;
 }

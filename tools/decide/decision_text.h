@@ -20,9 +20,6 @@ struct ShownLine {
 /// The file's container and streams, with the audio track that is decided about.
 std::string sourceText(const Decision &decision);
 
-/// What is announced of the output, which a refused file has not.
-std::string outputText(const Decision &decision);
-
 /// What happens to each part and why, and the output.
 std::vector<ShownLine> decisionLines(const Decision &decision, const Explanation &explanation,
                                      const ProfileSession &session);

@@ -201,15 +201,4 @@ std::string reasonsOf(const Decision &decision, const DecisionRequest &request,
     return text;
 }
 
-std::string allReasonsOf(const Decision &decision, const Explanation &explanation,
-                         const ProfileSession &session)
-{
-    std::string text;
-    if (decision.isVideo)
-        appendPart(text, "video", videoReasons(decision, explanation.video, session));
-    appendPart(text, "audio", audioReasons(decision, explanation.audio, session));
-    appendPart(text, "container", containerReasons(decision, explanation.container, session));
-    return text;
-}
-
 } // namespace vornak::tool

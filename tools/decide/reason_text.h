@@ -92,10 +92,6 @@ std::string containerReasons(const Decision &decision, const Part &part,
 std::string reasonsOf(const Decision &decision, const DecisionRequest &request,
                       const ProfileSession &session);
 
-/// Why each part is kept or not, in the same form.
-std::string allReasonsOf(const Decision &decision, const Explanation &explanation,
-                         const ProfileSession &session);
-
 /// What keeps a rule from excluding play exceptions that its set covers in part.
 /// @param rule  its name; empty: the text before has named it
 std::string partlyCoveredText(const std::string &rule, int covered, int exceptions);
