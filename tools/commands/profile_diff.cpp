@@ -1,5 +1,6 @@
 // vornak profile diff: what changes for a player's owner from one profile to another.
 #include "tools/profile/profile_diff.h"
+#include "tools/collection/decision_diff.h"
 #include "tools/commands/decision_options.h"
 #include "tools/commands/profile.h"
 #include "tools/profile/profile_file.h"
@@ -27,6 +28,8 @@ together wherever they stand, then those of one codec or container in their orde
 Examples:
   vornak profile diff old.xml new.xml
       nothing, if the player is served alike
+  vornak profile diff old.xml new.xml --probed films.jsonl
+      whose decision changes, and why
   vornak profile diff --json old.xml new.xml | jq -r '.differences[].attribute'
 
 Exit status: 0 no difference, 1 some, 2 bad usage or a profile that can't be loaded.
@@ -35,6 +38,9 @@ Exit status: 0 no difference, 1 some, 2 bad usage or a profile that can't be loa
 struct DiffOptions {
     std::string left, right;
     bool json = false;
+    MediaNames media;
+
+    bool isAboutMedia() const { return !media.arguments.empty() || !media.probed.empty(); }
 };
 
 using Difference = ProfileDifference;
@@ -148,8 +154,17 @@ std::string asJson(const DiffOptions &options, const std::vector<Difference> &di
     return json.dump(2) + '\n';
 }
 
+int runDecisionDiff(const DiffOptions &options)
+{
+    checkMedia(options.media, options.left == "-" || options.right == "-");
+    const std::vector<MatrixColumn> both = loadColumns({options.left, options.right});
+    if (lacksPlayer(both)) return kUnusable; // which has been said
+    return diffDecisions(both, options.media) > 0 ? kIncomplete : kDone;
+}
+
 int runProfileDiff(const DiffOptions &options)
 {
+    if (options.isAboutMedia()) return runDecisionDiff(options);
     const ProfileSession left(options.left), right(options.right);
     complainOfWarnings(options.left, left);
     complainOfWarnings(options.right, right);
@@ -174,7 +189,14 @@ void addProfileDiff(CLI::App &app, int &status)
         options->left = findProfile(options->left);
         options->right = findProfile(options->right);
     });
-    command->add_flag("--json", options->json, "Print one JSON document");
+    CLI::Option *media = addMediaArgument(*command, options->media);
+    media->description(
+        "Tell whose decision changes, of these files and folders, or of those that are "
+        "listed on standard input (-)");
+    CLI::Option *probed = addProbedOption(*command, options->media.probed, *media);
+    command->add_flag("--json", options->json, "Print one JSON document of the rules")
+        ->excludes(media)
+        ->excludes(probed);
     addColourOption(*command);
     command->footer(kProfileDiffFooter);
     command->callback([options, &status] { status = runProfileDiff(*options); });

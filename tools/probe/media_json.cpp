@@ -16,6 +16,8 @@ template <class Text>
 struct OrNull {
     Text &text;
 };
+template <class Text>
+OrNull(Text &) -> OrNull<Text>; // which GCC can tell by itself
 
 // The fields of each record, for both ways. One that is missing here doesn't compile.
 

@@ -1,0 +1,30 @@
+#include "tools/collection/decision_diff.h"
+
+#include "tools/collection/expectation.h"
+
+#include <fmt/format.h>
+
+namespace vornak::tool {
+
+std::size_t diffDecisions(const std::vector<MatrixColumn> &both, const MediaNames &media)
+{
+    useColours(ColourUse::Never);
+    const DecisionRequest request;
+    std::size_t changed = 0;
+    const MatrixTotals totals = decideMatrix(
+        both, request, media,
+        [&](const SeenFile &file, const MatrixResults &results) {
+            return changeText(cellOf(both[0], file.path, *results[0], request),
+                              cellOf(both[1], file.path, *results[1], request));
+        },
+        [&](const std::string &text, MatrixTotals &) {
+            writeOut(text);
+            changed += !text.empty();
+        });
+    writeOut(fmt::format("{}{} {}: {} decided alike, {} otherwise\n", changed > 0 ? "\n" : "",
+                         totals.files, totals.files == 1 ? "file" : "files", totals.files - changed,
+                         changed));
+    return changed;
+}
+
+} // namespace vornak::tool
