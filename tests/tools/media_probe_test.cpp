@@ -431,6 +431,7 @@ const Told s_Told[] = {
     {"cut.mkv",
      "-map 0 -map 1 -vf loop=1:150:150 -af aloop=1:288000:288000 FAST -c:a ac3 -b:a 448k", -1,
      448000, false, withoutThird},
+    {"cut.flac", "-map 1 -c:a flac", 0, -1044000, false, withoutThird},
     {"places.mkv", "-map 0 -map 2 FAST -b:v 2M -c:a aac -b:a 192k", 0, -kAac},
     {"places.ts", "-map 0 -map 2 FAST -b:v 2M -c:a aac -b:a 192k", 0, -kAac},
     // the pictures at the end of what is read of a file are not all that belong there

@@ -370,7 +370,10 @@ Survey surveyFile(MediaFile &file)
     takeSamples(survey);
     if (hadOpenRates) survey.duration = believedDuration(survey);
     const int tolerance = toleranceOf(survey);
-    settleBitRates(survey.rates, wholeRate(survey, 1.0 / tolerance, tolerance));
+    // where bytes are sought, a cut song has all its places
+    const bool maySeemWhole = isSoughtByBytes(survey.context) && !firstVideo(survey.played);
+    settleBitRates(survey.rates,
+                   wholeRate(survey, maySeemWhole ? 0.8 : 1.0 / tolerance, tolerance));
     return survey;
 }
 
