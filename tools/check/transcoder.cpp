@@ -53,6 +53,8 @@ constexpr std::string_view kFlagOptions =
     "find_stream_info|fix_sub_duration|hide_banner|stdin|stats|vstats|benchmark|"
     "xerror|deinterlace|qphist|psnr|dump|hex|debug_ts|isync|report";
 
+constexpr const char *kAppliancesMatroska = "mkvtimestamp_v2"; // a format of its transcoder
+
 // What is behind the codec's name in those of such encoders.
 constexpr std::string_view s_Hardware[] = {"amf",     "at",    "mediacodec",  "mf",
                                            "nvenc",   "omx",   "qsv",         "rkmpp",
@@ -175,14 +177,14 @@ std::vector<std::string> encoderNames(bool isVideo)
 
 bool isMuxer(std::string_view name)
 {
-    const std::vector<std::string> &known = muxerNames();
-    return lists(known, name);
+    return name == kAppliancesMatroska ||
+           av_guess_format(std::string(name).c_str(), nullptr, nullptr);
 }
 
 const std::vector<std::string> &muxerNames()
 {
     static const std::vector<std::string> s_names = [] {
-        std::vector<std::string> names = {"mkvtimestamp_v2"}; // the appliance's for Matroska
+        std::vector<std::string> names = {kAppliancesMatroska};
         void *state = nullptr;
         while (const AVOutputFormat *format = av_muxer_iterate(&state))
             names.emplace_back(format->name);
