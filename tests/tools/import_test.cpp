@@ -1,6 +1,6 @@
 // vornak profile new and import: what becomes of what is said, and of files that are no profiles.
 #include "tools/check/checks.h"
-#include "tools/import/import_file.h"
+#include "tools/import/foreign_profile.h"
 #include "tools/import/profile_text.h"
 
 #include "tests/support/doc_examples.h"

@@ -3,7 +3,7 @@
 
 #include "include/vornak_host.h"
 #include "tools/check/checks.h"
-#include "tools/import/import_file.h"
+#include "tools/import/foreign_profile.h"
 #include "tools/import/profile_text.h"
 
 #include "tests/support/loaded_profile.h"

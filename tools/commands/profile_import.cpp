@@ -1,8 +1,8 @@
 // vornak profile import: a profile from one of another system.
 #include "tools/commands/profile.h"
 #include "tools/commands/profile_output.h"
-#include "tools/import/import_file.h"
-#include "tools/import/note.h"
+#include "tools/import/foreign_profile.h"
+#include "tools/import/player.h"
 #include "tools/import/profile_text.h"
 #include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"

@@ -1,5 +1,8 @@
-// What is known of containers beside what players say: how ffmpeg makes them, what they hold.
+// What is known of containers beside what players say: how ffmpeg makes them, what they hold, and
+// as what files in them are announced.
 #pragma once
+
+#include "tools/import/player.h"
 
 #include <string>
 #include <string_view>
@@ -19,5 +22,8 @@ std::string mimeOf(int format, bool isMusic);
 
 /// Which of two containers is better to make: less is better.
 int rankOf(int format, bool isMusic);
+
+/// Empty: no name is certain.
+std::string dlnaNameOfMusic(const SoundLimits &limits, int format);
 
 } // namespace vornak::tool

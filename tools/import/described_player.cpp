@@ -4,8 +4,6 @@
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 #include "tools/import/container_facts.h"
-#include "tools/import/dlna_name.h"
-#include "tools/import/levels.h"
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
 #include "tools/profile/id_names.h"

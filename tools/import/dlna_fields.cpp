@@ -2,10 +2,8 @@
 
 #include "base/media_ids.h"
 #include "platform/registry_names.h"
-#include "tools/import/levels.h"
 #include "tools/import/names.h"
-#include "tools/import/oddities.h"
-#include "tools/import/sample_rates.h"
+#include "tools/import/said_limits.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
 
@@ -281,14 +279,13 @@ private:
 
     Union<PictureLimits> levels(const Field &field, int codec) const
     {
-        PictureLimits limits;
         const std::span<const int> known = knownLevels(codec);
         if (known.empty()) {
             note(field)(Remark::LeftOut,
                         codec == "mpeg2video"_codec
                             ? "the levels of MPEG-2 run backwards; the sizes say most of it"
                             : fmt::format("the levels of {} have no order", codecText(codec)));
-            return {limits};
+            return {PictureLimits{}};
         }
         std::vector<int> taken;
         for (const std::string &value : field.values)
@@ -296,26 +293,10 @@ private:
         const auto isTaken = [&](int level) {
             return std::ranges::find(taken, level) != taken.end();
         };
-        const auto gap = std::ranges::find_if_not(known, isTaken);
-        if (gap == known.end()) return {limits};
-        if (std::any_of(gap, known.end(), isTaken) || gap == known.begin())
-            note(field)(Remark::Stricter, "a rule limits levels upwards alone, so those above a "
-                                          "gap are transcoded");
-        if (gap == known.begin()) return {};
-        limits.level = gap[-1];
-        return {limits};
-    }
-
-    Union<PictureLimits> interlacing(const Field &field) const
-    {
-        PictureLimits limits;
-        if (!field.admits("false")) {
-            note(field)(Remark::Stricter, "no rule can turn away progressive pictures alone, so "
-                                          "nothing fits");
-            return {};
-        }
-        if (!field.admits("true")) limits.refused = playExceptionsNamed("interlaced");
-        return {limits};
+        if (!isTaken(known.front()))
+            note(field)(Remark::Stricter,
+                        "a rule limits levels upwards alone, so those above a gap are transcoded");
+        return levelsWhere(isTaken, codec, note(field));
     }
 
     Union<PictureLimits> picturesOf(const Field &field, int codec) const
@@ -325,7 +306,9 @@ private:
         if (field.name == "bitrate") return numbers(field, &PictureLimits::bitrate);
         if (field.name == "profile") return profiles<PictureLimits>(field, codec);
         if (field.name == "level") return levels(field, codec);
-        if (field.name == "interlaced") return interlacing(field);
+        if (field.name == "interlaced")
+            return interlacingWhere(field.admits("false"), field.admits("true"), "so nothing fits",
+                                    note(field));
         noteUnlimited(field);
         return {PictureLimits{}};
     }
@@ -379,18 +362,9 @@ private:
             else
                 joined.push_back(limits);
         }
-        Union<SoundLimits> said;
-        for (SoundLimits &limits : joined) {
-            const std::optional<SayableRates> rates = sayableRates(limits.sampleRate);
-            if (!rates || !rates->isExact)
-                note(restriction_.file, restriction_.line, restriction_.type)(
-                    Remark::Stricter, "rules name the usual sample rates alone");
-            if (!rates) continue;
-            limits.codec = codec;
-            limits.sampleRate = rates->range;
-            add(said, limits);
-        }
-        return said;
+        for (SoundLimits &limits : joined) limits.codec = codec;
+        return withSayableRates(joined,
+                                note(restriction_.file, restriction_.line, restriction_.type));
     }
 
     static bool isNext(const SoundLimits &before, const SoundLimits &after, int codec)

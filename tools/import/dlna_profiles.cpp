@@ -4,6 +4,8 @@
 #include "tools/import/container_facts.h"
 #include "tools/import/dlna_document.h"
 #include "tools/import/dlna_fields.h"
+#include "tools/import/names.h"
+#include "tools/import/said_limits.h"
 #include "tools/import/text_file.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/nearest_name.h"
@@ -12,9 +14,24 @@
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
+#include <string_view>
 
 namespace vornak::tool {
 namespace {
+
+/// PROTOCOL:NETWORK:MIME:DETAILS, where the details are NAME=VALUE with semicolons between them.
+SinkEntry readEntry(const std::string &text)
+{
+    constexpr std::string_view kProfile = "DLNA.ORG_PN=";
+    SinkEntry entry{text, {}, {}};
+    const std::vector<std::string> parts = splitList(text, ':');
+    if (parts.size() < 3 || lowerCase(parts[0]) != "http-get") return entry;
+    entry.mime = parts[2];
+    if (parts.size() < 4) return entry;
+    for (const std::string &detail : splitList(parts[3], ';'))
+        if (detail.starts_with(kProfile)) entry.profile = detail.substr(kProfile.size());
+    return entry;
+}
 
 constexpr std::size_t kMostWays = 100'000;
 constexpr std::size_t kMostWishes = 1000;
@@ -148,6 +165,26 @@ private:
 };
 
 } // namespace
+
+std::vector<SinkEntry> readSinkProtocolInfo(const std::string &list)
+{
+    std::vector<SinkEntry> entries;
+    std::string entry;
+    const auto finish = [&] {
+        for (const std::string &text : splitList(entry, '\n')) entries.push_back(readEntry(text));
+        entry.clear();
+    };
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        if (list[i] == '\\' && i + 1 < list.size())
+            entry += list[++i];
+        else if (list[i] == ',')
+            finish();
+        else
+            entry += list[i];
+    }
+    finish();
+    return entries;
+}
 
 Player readDlnaProfiles(const std::string &path, const std::vector<SinkEntry> &wanted, bool relaxed)
 {

@@ -2,9 +2,8 @@
 
 #include "base/media_ids.h"
 #include "platform/registry_names.h"
-#include "tools/import/levels.h"
 #include "tools/import/names.h"
-#include "tools/import/sample_rates.h"
+#include "tools/import/said_limits.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
 
@@ -17,28 +16,21 @@
 
 namespace vornak::tool {
 
+template <class Limits>
+using Kept = std::optional<Union<Limits>>;
+
 /// What a property is to a Device profile.
 struct JellyfinProperty {
-    enum Kind {
-        PictureNumber,
-        SoundNumber,
-        PictureProfile,
-        SoundProfile,
-        Level,
-        Depth,
-        SoundDepth,
-        Dynamics,
-        Interlacing,
-        Unlimited
-    };
+    template <class Limits>
+    using Keep = Kept<Limits> (*)(const JellyfinCondition &condition, int codec, const Note &note);
 
     const char *name;
-    int number; // that stands for the name
-    Kind kind;
-    const char *what; // that is not limited, or null
-    Range PictureLimits::*pictureRange = nullptr;
-    Range SoundLimits::*soundRange = nullptr;
-    int least = 1; // of the values that are known
+    int number;                   // that stands for the name
+    Keep<PictureLimits> pictures; // null: it is none of pictures
+    Keep<SoundLimits> sounds;
+    const char *unlimited;     // what isn't limited, or null
+    int least = 1;             // of the values that are known
+    bool takesUnknown = false; // whether a rule takes streams of which it isn't known
 };
 
 namespace {
@@ -46,50 +38,11 @@ namespace {
 using Property = JellyfinProperty;
 using Condition = JellyfinCondition;
 
-constexpr Property s_Properties[] = {
-    {"AudioChannels", 0, Property::SoundNumber, nullptr, nullptr, &SoundLimits::channels},
-    {"AudioBitrate", 1, Property::SoundNumber, nullptr, nullptr, &SoundLimits::bitrate, 1000},
-    {"AudioProfile", 2, Property::SoundProfile, nullptr},
-    {"Width", 3, Property::PictureNumber, nullptr, &PictureLimits::width},
-    {"Height", 4, Property::PictureNumber, nullptr, &PictureLimits::height},
-    {"Has64BitOffsets", 5, Property::Unlimited, "the size of offsets in the file"},
-    {"PacketLength", 6, Property::Unlimited, "the length of packets"},
-    {"VideoBitDepth", 7, Property::Depth, nullptr},
-    {"VideoBitrate", 8, Property::PictureNumber, nullptr, &PictureLimits::bitrate, nullptr, 1000},
-    {"VideoFramerate", 9, Property::Unlimited, "the frame rate"},
-    {"VideoLevel", 10, Property::Level, nullptr},
-    {"VideoProfile", 11, Property::PictureProfile, nullptr},
-    {"VideoTimestamp", 12, Property::Unlimited, "time stamps in a transport stream"},
-    {"IsAnamorphic", 13, Property::Unlimited, "the shape of pixels"},
-    {"RefFrames", 14, Property::Unlimited, "the number of reference frames"},
-    {"NumAudioStreams", 16, Property::Unlimited, "the number of audio tracks"},
-    {"NumVideoStreams", 17, Property::Unlimited, "the number of video tracks"},
-    {"IsSecondaryAudio", 18, Property::Unlimited, "which of several audio tracks is played"},
-    {"VideoCodecTag", 19, Property::Unlimited, "the codec's tag in the file"},
-    {"IsAvc", 20, Property::Unlimited, "how the units of a stream are set apart"},
-    {"IsInterlaced", 21, Property::Interlacing, nullptr},
-    {"AudioSampleRate", 22, Property::SoundNumber, nullptr, nullptr, &SoundLimits::sampleRate,
-     8000},
-    {"AudioBitDepth", 23, Property::SoundDepth, nullptr},
-    {"VideoRangeType", 24, Property::Dynamics, nullptr},
-    {"NumStreams", 25, Property::Unlimited, "the number of streams"},
-    {"VideoRotation", 26, Property::Unlimited, "by how much a picture is turned"},
-};
-
 constexpr NamedNumber s_Tests[] = {{"Equals", Condition::Equals},
                                    {"NotEquals", Condition::NotEquals},
                                    {"LessThanEqual", Condition::AtMost},
                                    {"GreaterThanEqual", Condition::AtLeast},
                                    {"EqualsAny", Condition::AnyOf}};
-
-const Property *findProperty(const std::string &word)
-{
-    const auto *const found = std::ranges::find_if(s_Properties, [&](const Property &row) {
-        const NamedNumber named{row.name, row.number};
-        return findNamed({&named, 1}, word) != nullptr;
-    });
-    return found == std::end(s_Properties) ? nullptr : found;
-}
 
 std::optional<std::int64_t> numberIn(const std::string &text)
 {
@@ -125,12 +78,12 @@ bool comparesNumbers(const Condition &condition)
     return condition.test == Condition::AtMost || condition.test == Condition::AtLeast;
 }
 
-/// The same of words, which have no order, with a rule for when two are the same.
-template <class IsSame>
-bool keepsWord(const Condition &condition, IsSame isSame)
+/// The same of words, in lower case, which have no order.
+bool keepsWord(const Condition &condition, const char *word)
 {
     if (comparesNumbers(condition)) return false;
-    const bool isAny = std::ranges::any_of(condition.values, isSame);
+    const bool isAny =
+        std::ranges::find(condition.values, word, lowerCase) != condition.values.end();
     return condition.test == Condition::NotEquals ? !isAny : isAny;
 }
 
@@ -161,8 +114,8 @@ std::vector<Range> rangesThatKeep(const Condition &condition)
 }
 
 /// The union of limits by one number.
-template <class Limits>
-Union<Limits> numbersThatKeep(const Condition &condition, Range Limits::*range, const Note &note)
+template <class Limits, Range Limits::*range>
+Kept<Limits> keepNumbers(const Condition &condition, int, const Note &note)
 {
     const std::vector<Range> ranges = rangesThatKeep(condition);
     const bool isUnderstood = std::ranges::any_of(
@@ -176,6 +129,12 @@ Union<Limits> numbersThatKeep(const Condition &condition, Range Limits::*range, 
         add(all, limits);
     }
     return all;
+}
+
+Kept<SoundLimits> keepRates(const Condition &condition, int codec, const Note &note)
+{
+    return withSayableRates(
+        *keepNumbers<SoundLimits, &SoundLimits::sampleRate>(condition, codec, note), note);
 }
 
 /// The names of profiles as ffmpeg writes them: "High 4:2:2", "Profile 0", "Simple Profile".
@@ -223,68 +182,59 @@ std::optional<int> profilesThatKeep(const Condition &condition, int codec, const
     return kept == known ? 0 : kept;
 }
 
+template <class Limits>
+Kept<Limits> keepProfiles(const Condition &condition, int codec, const Note &note)
+{
+    const std::optional<int> profiles = profilesThatKeep(condition, codec, note);
+    if (!profiles) return Union<Limits>{};
+    Limits limits;
+    limits.profiles = *profiles;
+    return Union<Limits>{limits};
+}
+
 /// Levels have an upper end alone.
-Union<PictureLimits> levelsThatKeep(const Condition &condition, int codec, const Note &note)
+Kept<PictureLimits> keepLevels(const Condition &condition, int codec, const Note &note)
 {
     constexpr int s_Mpeg2Levels[] = {4, 6, 8, 10}; // from high to low
     const auto kept = [&](int level) { return keeps(condition, level); };
+    const Union<PictureLimits> none;
     noteUnknown(condition, note);
     if (codec == "mpeg2video"_codec) {
-        if (std::ranges::all_of(s_Mpeg2Levels, kept)) return {PictureLimits{}};
+        if (std::ranges::all_of(s_Mpeg2Levels, kept)) return Union<PictureLimits>(1);
         note(Remark::Stricter, "the levels of MPEG-2 run backwards, so its files are transcoded");
-        return {};
+        return none;
     }
+    if (!knownLevels(codec).empty()) return levelsWhere(kept, codec, note);
     PictureLimits limits;
-    const std::span<const int> known = knownLevels(codec);
-    if (known.empty()) {
-        if (condition.test == Condition::AtLeast && kept(1)) return {limits};
-        limits.level = static_cast<int>(std::clamp<std::int64_t>(
-            numberIn(condition.values.empty() ? "" : condition.values.front()).value_or(0), 0,
-            std::numeric_limits<int>::max()));
-        if (condition.test == Condition::AtMost && limits.level > 0) return {limits};
-        note(Remark::Stricter, fmt::format("a rule limits levels upwards alone, so {} is "
-                                           "transcoded",
-                                           codecText(codec)));
-        return {};
-    }
-    const auto gap = std::ranges::find_if_not(known, kept);
-    if (gap == known.end()) return {limits};
-    if (std::any_of(gap, known.end(), kept))
-        note(Remark::Stricter, "a rule limits levels upwards alone, so those above a gap are "
-                               "transcoded");
-    if (gap == known.begin()) return {};
-    limits.level = gap[-1];
-    return {limits};
+    if (condition.test == Condition::AtLeast && kept(1)) return Union<PictureLimits>{limits};
+    limits.level = static_cast<int>(std::clamp<std::int64_t>(
+        numberIn(condition.values.empty() ? "" : condition.values.front()).value_or(0), 0,
+        std::numeric_limits<int>::max()));
+    if (condition.test == Condition::AtMost && limits.level > 0)
+        return Union<PictureLimits>{limits};
+    note(Remark::Stricter,
+         fmt::format("a rule limits levels upwards alone, so {} is transcoded", codecText(codec)));
+    return none;
 }
 
-Union<PictureLimits> refusing(const char *oddities)
-{
-    PictureLimits limits;
-    limits.refused = playExceptionsNamed(oddities);
-    return {limits};
-}
-
-Union<PictureLimits> depthsThatKeep(const Condition &condition, const Note &note)
+Kept<PictureLimits> keepDepths(const Condition &condition, int, const Note &note)
 {
     if (!keeps(condition, 8)) {
         if (keeps(condition, 10) || keeps(condition, 12))
             note(Remark::Stricter, "no rule can turn away 8 bits alone, so all is transcoded");
-        return {};
+        return Union<PictureLimits>{};
     }
     const bool has10 = keeps(condition, 10);
     const bool has12 = keeps(condition, 12);
     return refusing(has10 ? has12 ? "" : "12bit" : has12 ? "10bit" : "10bit|12bit");
 }
 
-Union<PictureLimits> dynamicsThatKeep(const Condition &condition, const Note &note)
+Kept<PictureLimits> keepDynamics(const Condition &condition, int, const Note &note)
 {
-    const auto kept = [&](const char *type) {
-        return keepsWord(condition,
-                         [&](const std::string &value) { return lowerCase(value) == type; });
-    };
+    const auto kept = [&](const char *type) { return keepsWord(condition, type); };
     if (!kept("sdr")) {
         note(Remark::Stricter, "no rule can turn away SDR alone, so all is transcoded");
-        return {};
+        return Union<PictureLimits>{};
     }
     const bool hdr10 =
         kept("hdr10") && (condition.test != Condition::NotEquals || kept("hdr10plus"));
@@ -301,32 +251,10 @@ Union<PictureLimits> dynamicsThatKeep(const Condition &condition, const Note &no
                                    : "hdr|dolby_vision");
 }
 
-Union<PictureLimits> interlacingThatKeeps(const Condition &condition, const Note &note)
+Kept<PictureLimits> keepInterlacing(const Condition &condition, int, const Note &note)
 {
-    const auto kept = [&](const char *flag) {
-        return keepsWord(condition,
-                         [&](const std::string &value) { return lowerCase(value) == flag; });
-    };
-    if (!kept("false")) {
-        note(Remark::Stricter, "no rule can turn away progressive pictures alone, so all is "
-                               "transcoded");
-        return {};
-    }
-    return refusing(kept("true") ? "" : "interlaced");
-}
-
-Union<SoundLimits> withSayableRates(const Union<SoundLimits> &all, const Note &note)
-{
-    Union<SoundLimits> sayable;
-    for (SoundLimits limits : all) {
-        const std::optional<SayableRates> rates = sayableRates(limits.sampleRate);
-        if (!rates || !rates->isExact)
-            note(Remark::Stricter, "rules name the usual sample rates alone");
-        if (!rates) continue;
-        limits.sampleRate = rates->range;
-        add(sayable, limits);
-    }
-    return sayable;
+    return interlacingWhere(keepsWord(condition, "false"), keepsWord(condition, "true"),
+                            "so all is transcoded", note);
 }
 
 /// The bits of a sample of PCM, by the codec's name; 0: unknown.
@@ -341,11 +269,63 @@ int pcmDepth(int codec)
                      numberIn(name.substr(digit, name[digit] == '8' ? 1 : 2)).value_or(0));
 }
 
-void noteUnlimited(const Property &property, const char *otherwise, const Note &note)
+Kept<SoundLimits> keepSampleBits(const Condition &condition, int codec, const Note &note)
 {
-    note(Remark::LeftOut, property.kind == Property::Unlimited
-                              ? fmt::format("a Device profile doesn't limit {}", property.what)
-                              : otherwise);
+    if (const int depth = pcmDepth(codec); depth > 0)
+        return keeps(condition, depth) ? Union<SoundLimits>(1) : Union<SoundLimits>();
+    note(Remark::LeftOut, fmt::format("a Device profile doesn't limit the bits of a sample of {}",
+                                      codecText(codec)));
+    return std::nullopt;
+}
+
+constexpr auto s_KeepWidth = keepNumbers<PictureLimits, &PictureLimits::width>;
+constexpr auto s_KeepHeight = keepNumbers<PictureLimits, &PictureLimits::height>;
+constexpr auto s_KeepBitrate = keepNumbers<PictureLimits, &PictureLimits::bitrate>;
+constexpr auto s_KeepSoundBitrate = keepNumbers<SoundLimits, &SoundLimits::bitrate>;
+constexpr auto s_KeepChannels = keepNumbers<SoundLimits, &SoundLimits::channels>;
+constexpr auto s_KeepPictureProfiles = keepProfiles<PictureLimits>;
+constexpr auto s_KeepSoundProfiles = keepProfiles<SoundLimits>;
+
+constexpr Property s_Properties[] = {
+    {"AudioChannels", 0, nullptr, s_KeepChannels, nullptr},
+    {"AudioBitrate", 1, nullptr, s_KeepSoundBitrate, nullptr, 1000},
+    {"AudioProfile", 2, nullptr, s_KeepSoundProfiles, nullptr, 1, true},
+    {"Width", 3, s_KeepWidth, nullptr, nullptr},
+    {"Height", 4, s_KeepHeight, nullptr, nullptr},
+    {"Has64BitOffsets", 5, nullptr, nullptr, "the size of offsets in the file"},
+    {"PacketLength", 6, nullptr, nullptr, "the length of packets"},
+    {"VideoBitDepth", 7, keepDepths, nullptr, nullptr},
+    {"VideoBitrate", 8, s_KeepBitrate, nullptr, nullptr, 1000},
+    {"VideoFramerate", 9, nullptr, nullptr, "the frame rate"},
+    {"VideoLevel", 10, keepLevels, nullptr, nullptr, 1, true},
+    {"VideoProfile", 11, s_KeepPictureProfiles, nullptr, nullptr, 1, true},
+    {"VideoTimestamp", 12, nullptr, nullptr, "time stamps in a transport stream"},
+    {"IsAnamorphic", 13, nullptr, nullptr, "the shape of pixels"},
+    {"RefFrames", 14, nullptr, nullptr, "the number of reference frames"},
+    {"NumAudioStreams", 16, nullptr, nullptr, "the number of audio tracks"},
+    {"NumVideoStreams", 17, nullptr, nullptr, "the number of video tracks"},
+    {"IsSecondaryAudio", 18, nullptr, nullptr, "which of several audio tracks is played"},
+    {"VideoCodecTag", 19, nullptr, nullptr, "the codec's tag in the file"},
+    {"IsAvc", 20, nullptr, nullptr, "how the units of a stream are set apart"},
+    {"IsInterlaced", 21, keepInterlacing, nullptr, nullptr},
+    {"AudioSampleRate", 22, nullptr, keepRates, nullptr, 8000},
+    {"AudioBitDepth", 23, nullptr, keepSampleBits, nullptr},
+    {"VideoRangeType", 24, keepDynamics, nullptr, nullptr},
+    {"NumStreams", 25, nullptr, nullptr, "the number of streams"},
+    {"VideoRotation", 26, nullptr, nullptr, "by how much a picture is turned"},
+};
+
+/// What keeps the condition by a property that may not be one of such streams.
+template <class Limits>
+Kept<Limits> keptBy(Property::Keep<Limits> keep, const char *stream, const Condition &condition,
+                    int codec, const Note &note)
+{
+    if (keep) return keep(condition, codec, note);
+    note(Remark::LeftOut,
+         condition.property->unlimited
+             ? fmt::format("a Device profile doesn't limit {}", condition.property->unlimited)
+             : fmt::format("it is no property of {}", stream));
+    return std::nullopt;
 }
 
 } // namespace
@@ -360,8 +340,8 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
     object.noteUnknown(player);
     const std::string said =
         printable(fmt::format("{}{} {} {}", object.place(), property, test, value));
-    const NamedNumber *const knownTest = findNamed(s_Tests, test.empty() ? "Equals" : test);
-    const Property *const knownProperty = findProperty(property);
+    const auto *const knownTest = findNamed(s_Tests, test.empty() ? "Equals" : test);
+    const auto *const knownProperty = findNamed(s_Properties, property);
     if (!knownTest || !knownProperty) {
         noteAt(player, file, object.line(), said)(Remark::LeftOut, "no condition that is known");
         return std::nullopt;
@@ -377,67 +357,21 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
     return condition;
 }
 
-std::optional<Union<PictureLimits>> picturesThatKeep(const Condition &condition, int codec,
-                                                     const Note &note)
+template <>
+Kept<PictureLimits> thatKeep(const Condition &condition, int codec, const Note &note)
 {
-    const Property &property = *condition.property;
-    switch (property.kind) {
-    case Property::PictureNumber:
-        return numbersThatKeep(condition, property.pictureRange, note);
-    case Property::PictureProfile: {
-        const std::optional<int> profiles = profilesThatKeep(condition, codec, note);
-        if (!profiles) return Union<PictureLimits>{};
-        PictureLimits limits;
-        limits.profiles = *profiles;
-        return Union<PictureLimits>{limits};
-    }
-    case Property::Level:
-        return levelsThatKeep(condition, codec, note);
-    case Property::Depth:
-        return depthsThatKeep(condition, note);
-    case Property::Dynamics:
-        return dynamicsThatKeep(condition, note);
-    case Property::Interlacing:
-        return interlacingThatKeeps(condition, note);
-    default:
-        noteUnlimited(property, "it is no property of a picture", note);
-        return std::nullopt;
-    }
+    return keptBy(condition.property->pictures, "a picture", condition, codec, note);
 }
 
-std::optional<Union<SoundLimits>> soundsThatKeep(const Condition &condition, int codec,
-                                                 const Note &note)
+template <>
+Kept<SoundLimits> thatKeep(const Condition &condition, int codec, const Note &note)
 {
-    const Property &property = *condition.property;
-    switch (property.kind) {
-    case Property::SoundNumber:
-        return withSayableRates(numbersThatKeep(condition, property.soundRange, note), note);
-    case Property::SoundProfile: {
-        const std::optional<int> profiles = profilesThatKeep(condition, codec, note);
-        if (!profiles) return Union<SoundLimits>{};
-        SoundLimits limits;
-        limits.profiles = *profiles;
-        return Union<SoundLimits>{limits};
-    }
-    case Property::SoundDepth:
-        if (const int depth = pcmDepth(codec); depth > 0)
-            return keeps(condition, depth) ? Union<SoundLimits>{SoundLimits{}}
-                                           : Union<SoundLimits>{};
-        note(Remark::LeftOut, fmt::format("a Device profile doesn't limit the bits of a sample of "
-                                          "{}",
-                                          codecText(codec)));
-        return std::nullopt;
-    default:
-        noteUnlimited(property, "it is no property of sound", note);
-        return std::nullopt;
-    }
+    return keptBy(condition.property->sounds, "sound", condition, codec, note);
 }
 
 bool takesUnknown(const Condition &condition)
 {
-    const Property::Kind kind = condition.property->kind;
-    return kind == Property::PictureProfile || kind == Property::SoundProfile ||
-           kind == Property::Level;
+    return condition.property->takesUnknown;
 }
 
 std::vector<Condition> negationOf(const Condition &condition)

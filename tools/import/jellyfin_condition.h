@@ -1,9 +1,9 @@
 // A condition of a Jellyfin device profile, and what a Device profile can say of it.
 #pragma once
 
+#include "tools/import/json_object.h"
 #include "tools/import/limits.h"
-#include "tools/import/note.h"
-#include "tools/import/object_reader.h"
+#include "tools/import/player.h"
 
 #include <optional>
 #include <string>
@@ -31,10 +31,13 @@ std::optional<JellyfinCondition> readCondition(ObjectReader &object, const std::
 
 /// What keeps the condition: a union, the stricter one where it can't be said exactly. Nothing: a
 /// Device profile has no limit of that kind.
-std::optional<Union<PictureLimits>> picturesThatKeep(const JellyfinCondition &condition, int codec,
-                                                     const Note &note);
-std::optional<Union<SoundLimits>> soundsThatKeep(const JellyfinCondition &condition, int codec,
-                                                 const Note &note);
+template <class Limits>
+std::optional<Union<Limits>> thatKeep(const JellyfinCondition &condition, int codec,
+                                      const Note &note);
+template <>
+std::optional<Union<PictureLimits>> thatKeep(const JellyfinCondition &, int, const Note &);
+template <>
+std::optional<Union<SoundLimits>> thatKeep(const JellyfinCondition &, int, const Note &);
 
 /// What holds where the condition does not: all of these.
 std::vector<JellyfinCondition> negationOf(const JellyfinCondition &condition);

@@ -1,13 +1,11 @@
 #include "tools/import/jellyfin_profile.h"
 
 #include "base/media_ids.h"
-#include "tools/import/common_codecs.h"
 #include "tools/import/container_facts.h"
-#include "tools/import/dlna_name.h"
 #include "tools/import/jellyfin_condition.h"
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
-#include "tools/import/oddities.h"
+#include "tools/import/said_limits.h"
 #include "tools/import/text_file.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
@@ -157,7 +155,8 @@ private:
     }
 
     /// The row of the type; null, with a remark, if it isn't known.
-    const NamedNumber *readType(ObjectReader &object, std::span<const NamedNumber> types)
+    template <std::size_t Size>
+    const NamedNumber *readType(ObjectReader &object, const NamedNumber (&types)[Size])
     {
         const std::string written = object.text("Type");
         const NamedNumber *type = findNamed(types, written.empty() ? "0" : written);
@@ -419,17 +418,6 @@ private:
     auto &cacheOf(const PictureLimits *) { return pictures_; }
     auto &cacheOf(const SoundLimits *) { return sounds_; }
 
-    static auto thatKeep(const JellyfinCondition &condition, int codec, const Note &note,
-                         const PictureLimits *)
-    {
-        return picturesThatKeep(condition, codec, note);
-    }
-    static auto thatKeep(const JellyfinCondition &condition, int codec, const Note &note,
-                         const SoundLimits *)
-    {
-        return soundsThatKeep(condition, codec, note);
-    }
-
     /// Tells what else is turned away on account of what a set refuses.
     static void noteOddities(const Union<SoundLimits> &, const Union<SoundLimits> &, const Note &)
     {}
@@ -459,8 +447,8 @@ private:
     {
         Union<Limits> whereItApplies = {Limits{}};
         for (const JellyfinCondition &condition : set.conditions)
-            if (const auto kept = thatKeep(condition, codec, noteAt(condition.line, condition.text),
-                                           static_cast<Limits *>(nullptr)))
+            if (const auto kept =
+                    thatKeep<Limits>(condition, codec, noteAt(condition.line, condition.text)))
                 whereItApplies = intersection(whereItApplies, *kept);
         Union<Limits> alternatives = whereItApplies;
         for (const JellyfinCondition &condition : set.applying)
@@ -484,7 +472,7 @@ private:
     {
         bool isExact = true;
         const Note inexact = [&](Remark::Kind, const std::string &) { isExact = false; };
-        const auto kept = thatKeep(condition, codec, inexact, static_cast<Limits *>(nullptr));
+        const auto kept = thatKeep<Limits>(condition, codec, inexact);
         return kept && isExact ? *kept : Union<Limits>{Limits{}};
     }
 
@@ -496,7 +484,7 @@ private:
         const Note inexact = [&](Remark::Kind, const std::string &) { isExact = false; };
         Union<Limits> all = {Limits{}};
         for (const JellyfinCondition &negated : negationOf(condition)) {
-            const auto kept = thatKeep(negated, codec, inexact, static_cast<Limits *>(nullptr));
+            const auto kept = thatKeep<Limits>(negated, codec, inexact);
             if (!kept) isExact = false;
             if (isExact) all = intersection(all, *kept);
         }

@@ -1,10 +1,14 @@
-// What two limits leave in common, and which of them takes all that the other takes.
+// What two limits leave in common, which of them takes all that the other takes, and the regions
+// that several cut out.
 #pragma once
 
 #include "tools/import/player.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <optional>
+#include <vector>
 
 namespace vornak::tool {
 
@@ -41,6 +45,30 @@ Union<Limits> intersection(const Union<Limits> &one, const Union<Limits> &other)
         for (const Limits &right : other)
             if (const std::optional<Limits> common = intersection(left, right)) add(both, *common);
     return both;
+}
+
+/// Regions beyond that many are left out, which costs files of a smaller region what only the
+/// other limits would take of them.
+inline constexpr std::size_t kMostRegions = 400;
+
+/// The limits and what they have in common, each before all that contain it.
+template <class Limits>
+std::vector<Limits> regionsOf(const std::vector<Limits> &all)
+{
+    std::vector<Limits> regions;
+    const auto addNew = [&](const Limits &region) {
+        if (std::ranges::find(regions, region) == regions.end()) regions.push_back(region);
+    };
+    for (const Limits &limits : all) addNew(limits);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        for (std::size_t j = 0; j < regions.size() && regions.size() < kMostRegions; ++j)
+            if (const auto common = intersection(all[i], regions[j])) addNew(*common);
+    const auto containing = [&](const Limits &region) {
+        return std::ranges::count_if(
+            all, [&](const Limits &limits) { return contains(limits, region); });
+    };
+    std::ranges::stable_sort(regions, std::ranges::greater{}, containing);
+    return regions;
 }
 
 } // namespace vornak::tool

@@ -1,4 +1,4 @@
-// The registry's ids of names that are known to be in it, and lists of them.
+// The registry's ids of names, lists of them, and levels as people write them.
 #pragma once
 
 #include "base/media_ids.h"
@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,5 +54,21 @@ int allProfilesOf(int codec);
 std::vector<std::string> splitList(std::string_view list, char separator);
 
 std::string lowerCase(std::string_view text);
+
+std::vector<int> commonPictures();
+std::vector<int> commonSounds();
+
+/// All containers, those with subtypes in place of the containers that have them.
+std::vector<int> allContainers();
+
+/// The ids for a container's name: MP4 without a further word means its general brands. None: the
+/// name isn't known.
+std::vector<int> containersNamed(const std::string &name);
+
+/// The levels of the codec, rising, as its streams code them; empty: they have no known order.
+std::span<const int> knownLevels(int codec);
+
+/// What a stream says for a level such as "4.1"; nothing: the codec has no such level.
+std::optional<int> codedLevel(int codec, const std::string &level);
 
 } // namespace vornak::tool

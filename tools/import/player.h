@@ -1,8 +1,9 @@
 // What a player takes, in plain records: what the readers of other formats and `profile new` make,
-// and what becomes a Device profile.
+// and what becomes a Device profile. What that doesn't say, or says otherwise, are its remarks.
 #pragma once
 
 #include <compare>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -83,5 +84,14 @@ struct Player {
 
 /// The position of an origin, which is added if it is new.
 int originOf(Player &player, const std::string &origin);
+
+/// Takes note of what is said more strictly, or not at all. The reason is printable.
+using Note = std::function<void(Remark::Kind kind, const std::string &reason)>;
+
+/// Notes as the player's remarks about a line. @param what  before each reason; empty: nothing
+Note noteAt(Player &player, const std::string &file, int line, const std::string &what);
+
+/// The name of a file without its folder, printable.
+std::string shownFileName(const std::string &path);
 
 } // namespace vornak::tool

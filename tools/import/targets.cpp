@@ -2,7 +2,7 @@
 
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
-#include "tools/import/oddities.h"
+#include "tools/import/said_limits.h"
 #include "tools/profile/id_names.h"
 
 #include <algorithm>

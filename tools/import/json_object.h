@@ -1,16 +1,37 @@
-// The members of a JSON object whose keys and enumerations are written in any letter case.
+// A JSON document in which each value knows its line, and its objects, whose keys and enumerations
+// are written in any letter case.
 #pragma once
 
-#include "tools/import/json_value.h"
-#include "tools/import/note.h"
+#include "tools/import/names.h"
+#include "tools/import/player.h"
 
+#include <algorithm>
+#include <iterator>
 #include <set>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vornak::tool {
+
+struct JsonMember;
+
+struct JsonValue {
+    enum Kind { Null, Flag, Number, Text, List, Object };
+
+    Kind kind = Null;
+    int line = 0;     ///< where it begins, from 1
+    std::string text; ///< of a text, a number as it is written, or "true" and "false"
+    std::vector<JsonMember> members; ///< of a list without names
+};
+
+struct JsonMember {
+    std::string name;
+    JsonValue value;
+};
+
+/// Parses a document; throws ImportError for what is no JSON or nests deeper than any profile.
+JsonValue parseJson(const std::string &path, const std::string &text);
 
 /// A value of an enumeration, which may be written as its name or its number.
 struct NamedNumber {
@@ -19,7 +40,14 @@ struct NamedNumber {
 };
 
 /// The row that is meant, or null.
-const NamedNumber *findNamed(std::span<const NamedNumber> rows, std::string_view word);
+template <class Row, std::size_t Size>
+const Row *findNamed(const Row (&rows)[Size], std::string_view word)
+{
+    const auto *const row = std::ranges::find_if(rows, [word](const Row &each) {
+        return lowerCase(each.name) == lowerCase(word) || std::to_string(each.number) == word;
+    });
+    return row == std::end(rows) ? nullptr : row;
+}
 
 class ObjectReader {
 public:

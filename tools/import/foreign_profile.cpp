@@ -1,8 +1,7 @@
-#include "tools/import/import_file.h"
+#include "tools/import/foreign_profile.h"
 
 #include "tools/import/dlna_profiles.h"
 #include "tools/import/jellyfin_profile.h"
-#include "tools/import/sink_protocol_info.h"
 #include "tools/import/text_file.h"
 
 #include <filesystem>
