@@ -198,6 +198,11 @@ TEST(ProfileImport, FilesThatAreNoProfiles)
         {"values.json", "{\"a\": [" + repeated("1,", 300'000) + "1]}", ":1: it holds more values"},
         {"long.json", "{\"DirectPlayProfiles\": [" + repeated(direct + ",", 1000) + direct + "]}",
          ":1: DirectPlayProfiles is longer"},
+        {"any.json",
+         "{\"CodecProfiles\": [{\"Conditions\": [{\"Condition\": \"EqualsAny\", \"Property\": "
+         "\"Width\",\n\"Value\": \"" +
+             repeated("1|", 1001) + "\"}]}]}",
+         ":1: CodecProfiles[0].Conditions[0].Value lists more"},
         {"nul.json", std::string("{\"a\0\": 1}", 9), ":1: not well-formed JSON"},
         {"large.json", "{\"a\": \"" + repeated("0123456789", 400'001) + "\"}", ": it is larger"},
         {"text.txt", "DirectPlayProfiles", ": it is neither a JSON object"},

@@ -195,12 +195,8 @@ inline Imported import(const tool::ImportOptions &options)
             imported.leftOut.insert({remark.file, remark.line});
         else
             imported.isStricter = true;
-    const auto isOfMadeUpName = [](tool::Fault fault) {
-        return fault == tool::Fault::UnknownPn || fault == tool::Fault::UnknownMime;
-    };
     for (const tool::Finding &finding : tool::checkProfile(path))
-        if (tool::kindOf(finding.fault).severity != tool::Severity::Note &&
-            !isOfMadeUpName(finding.fault))
+        if (tool::kindOf(finding.fault).severity != tool::Severity::Note)
             imported.faults.push_back(std::to_string(finding.line) + ": " + finding.problem);
     return imported;
 }

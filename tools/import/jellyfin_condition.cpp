@@ -4,6 +4,7 @@
 #include "platform/registry_names.h"
 #include "tools/import/names.h"
 #include "tools/import/said_limits.h"
+#include "tools/import/text_file.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
 
@@ -37,6 +38,8 @@ namespace {
 
 using Property = JellyfinProperty;
 using Condition = JellyfinCondition;
+
+constexpr std::size_t kMostValues = 1000;
 
 constexpr NamedNumber s_Tests[] = {{"Equals", Condition::Equals},
                                    {"NotEquals", Condition::NotEquals},
@@ -353,7 +356,11 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
                         false,
                         object.line(),
                         said};
-    if (condition.test == Condition::AnyOf) condition.values = splitList(value, '|');
+    if (condition.test != Condition::AnyOf) return condition;
+    condition.values = splitList(value, '|');
+    if (condition.values.size() > kMostValues)
+        throw ImportError(file, object.line(),
+                          fmt::format("{}Value lists more than any profile", object.place()));
     return condition;
 }
 

@@ -441,18 +441,33 @@ private:
         return parts;
     }
 
+    /// What keeps both; of very many cases the first, so that it is stricter.
+    template <class Limits>
+    Union<Limits> both(const Union<Limits> &one, Union<Limits> other, const Note &note) const
+    {
+        constexpr std::size_t kMostCases = 100;
+        const bool areMany = other.size() > kMostCases;
+        if (areMany) other.resize(kMostCases);
+        Union<Limits> common = intersection(one, other);
+        if (areMany || common.size() > kMostCases)
+            note(Remark::Stricter, "more cases than rules are made for: it holds in some");
+        if (common.size() > kMostCases) common.resize(kMostCases);
+        return common;
+    }
+
     /// A union as the conditions of a set leave it.
     template <class Limits>
     Union<Limits> narrowedBy(const LimitSet &set, int codec, const Union<Limits> &all)
     {
         Union<Limits> whereItApplies = {Limits{}};
         for (const JellyfinCondition &condition : set.conditions)
-            if (const auto kept =
-                    thatKeep<Limits>(condition, codec, noteAt(condition.line, condition.text)))
-                whereItApplies = intersection(whereItApplies, *kept);
+            if (const Note note = noteAt(condition.line, condition.text);
+                const auto kept = thatKeep<Limits>(condition, codec, note))
+                whereItApplies = both(whereItApplies, *kept, note);
         Union<Limits> alternatives = whereItApplies;
         for (const JellyfinCondition &condition : set.applying)
-            alternatives = intersection(alternatives, whereItMay<Limits>(condition, codec));
+            alternatives = both(alternatives, whereItMay<Limits>(condition, codec),
+                                noteAt(condition.line, condition.text));
         for (const JellyfinCondition &condition : set.applying)
             for (const Limits &limits : whereNot<Limits>(condition, codec))
                 add(alternatives, limits);
@@ -486,7 +501,7 @@ private:
         for (const JellyfinCondition &negated : negationOf(condition)) {
             const auto kept = thatKeep<Limits>(negated, codec, inexact);
             if (!kept) isExact = false;
-            if (isExact) all = intersection(all, *kept);
+            if (isExact) all = both(all, *kept, noteAt(condition.line, condition.text));
         }
         if (isExact && takesUnknown(condition) && !condition.isRequired)
             noteAt(condition.line, condition.text)(

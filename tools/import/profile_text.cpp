@@ -1,10 +1,12 @@
 #include "tools/import/profile_text.h"
 
 #include "tools/import/names.h"
+#include "tools/profile/dlna_names.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
 #include "tools/terminal/wrapped_text.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 
@@ -135,7 +137,9 @@ public:
     {
         text_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!--\n";
         addHead(made);
-        text_ += fmt::format("-->\n<DEVICE NAME=\"{}\">\n", escaped(printable(player_.name)));
+        text_ += "-->\n";
+        addSilencers(rules);
+        text_ += fmt::format("<DEVICE NAME=\"{}\">\n", escaped(printable(player_.name)));
         addSection("MUSIC", rules.music);
         addSection("VIDEO", rules.video);
         return std::move(text_) + "</DEVICE>\n";
@@ -151,6 +155,30 @@ private:
         text_ += "\n  Not said, or said more strictly:\n";
         for (const Remark &remark : player_.remarks)
             text_ += "  - " + wrappedText(inComment(remarkText(remark)), kWidth, 4, 4) + '\n';
+    }
+
+    /// Keeps the check from doubting names that the foreign profile states.
+    void addSilencers(const DeviceRules &rules)
+    {
+        const std::vector<std::string> types = mimeTypes();
+        bool isPnKnown = true, isMimeKnown = true;
+        const auto look = [&](const SoundRule &rule) {
+            for (const ContainerRule &entry : rule.containers) {
+                const std::string &pn = entry.container.pn, &mime = entry.container.mime;
+                isPnKnown = isPnKnown && (pn.empty() || findDlnaName(pn));
+                const std::string type = lowerCase(mime.substr(0, mime.find_first_of("; ")));
+                isMimeKnown = isMimeKnown && (mime.empty() || std::ranges::count(types, type) > 0);
+            }
+        };
+        std::ranges::for_each(rules.music, look);
+        for (const PictureRule &rule : rules.video) std::ranges::for_each(rule.sounds, look);
+        if (!isPnKnown) addSilencer("unknown-pn");
+        if (!isMimeKnown) addSilencer("unknown-mime");
+    }
+
+    void addSilencer(const char *finding)
+    {
+        addLine(0, fmt::format("<!-- vornak: ignore {} (as the player states it) -->", finding));
     }
 
     void addLine(std::size_t depth, std::string_view line)

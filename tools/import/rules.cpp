@@ -306,12 +306,29 @@ void allowUnusualTargets(std::vector<SoundRule> &rules)
     }
 }
 
+void leaveOut(Player &player, std::string text)
+{
+    player.remarks.insert({{}, 0, Remark::Stricter, std::move(text)});
+}
+
+/// The limits to make rules for.
+template <class Rule>
+auto regions(const Ways &ways, int codec, Player &player)
+{
+    auto found = regionsOf(limitsOf<Rule>(ways, codec));
+    if (found.size() >= kMostRegions)
+        leaveOut(player, fmt::format("{}: its limits overlap in more ways than rules are made for; "
+                                     "where they do, some files are transcoded",
+                                     codecText(codec)));
+    return found;
+}
+
 /// The rules for the sound; none, if none of it can be made.
-std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surrounding)
+std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surrounding, Player &player)
 {
     std::vector<SoundRule> rules;
     for (const int codec : codecsOf<SoundRule>(ways, makeableSounds()))
-        for (const SoundLimits &region : regionsOf(limitsOf<SoundRule>(ways, codec))) {
+        for (const SoundLimits &region : regions<SoundRule>(ways, codec, player)) {
             const Ways taking = waysOf<SoundRule>(ways, region);
             rules.push_back({region, soundOption(region), containersOf(taking, codec, surrounding),
                              originsOf(taking, &Way::soundOrigins)});
@@ -320,11 +337,6 @@ std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surroundi
     putTargetFirst(rules, surrounding);
     dropNeedless(rules);
     return rules;
-}
-
-void leaveOut(Player &player, std::string text)
-{
-    player.remarks.insert({{}, 0, Remark::Stricter, std::move(text)});
 }
 
 /// A table for which there is no film, so that a rule without transcoding refuses what it takes.
@@ -380,10 +392,10 @@ std::vector<PictureRule> pictureRules(const Ways &ways, Player &player)
 {
     std::vector<PictureRule> rules;
     for (const int codec : codecsOf<PictureRule>(ways, makeablePictures()))
-        for (const PictureLimits &region : regionsOf(limitsOf<PictureRule>(ways, codec))) {
+        for (const PictureLimits &region : regions<PictureRule>(ways, codec, player)) {
             const Ways taking = waysOf<PictureRule>(ways, region);
             PictureRule rule{region, pictureOption(withWholeSize(region)),
-                             soundRules(taking, {false, codec, player.wishes}),
+                             soundRules(taking, {false, codec, player.wishes}, player),
                              originsOf(taking, &Way::pictureOrigins)};
             if (!rule.sounds.empty())
                 rules.push_back(std::move(rule));
@@ -458,7 +470,7 @@ DeviceRules makeRules(Player &player)
 {
     DeviceRules rules;
     rules.music = rulesOfSection(player, false, [&](const Ways &ways) {
-        return soundRules(ways, {true, 0, player.wishes});
+        return soundRules(ways, {true, 0, player.wishes}, player);
     });
     rules.video =
         rulesOfSection(player, true, [&](const Ways &ways) { return pictureRules(ways, player); });
