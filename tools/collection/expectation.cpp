@@ -1,21 +1,19 @@
 #include "tools/collection/expectation.h"
 
 #include "tools/decide/decision_text.h"
+#include "tools/files/text_lines.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <fstream>
-#include <stdexcept>
-#include <system_error>
 
 namespace vornak::tool {
 namespace {
 
 constexpr std::string_view kHead = "# vornak expectation 1: player | file | outcome | why";
 constexpr std::string_view kSeparator = " | ";
+constexpr std::size_t kFewestColumns = 4, kMostColumns = 16; // a decision has fewer lines
 
 /// A column, in which nothing can be taken for what stands between two.
 std::string column(const std::string &text)
@@ -156,20 +154,16 @@ std::string changeText(const ExpectedCell &was, const ExpectedCell &now)
 
 Expectation::Expectation(const std::string &path)
 {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::system_error(errno, std::generic_category(), printable(path));
-    std::size_t number = 0;
-    const auto refuse = [&](std::string_view why) {
-        throw std::runtime_error(fmt::format("{}:{}: {}", printable(path), number, why));
-    };
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (number == 1 && line != kHead) refuse("no expectation, or not one of version 1");
-        if (number == 1) continue;
-        if (file.eof()) refuse("cut, its end is missing");
+    TextLines lines(path);
+    std::string line;
+    if (!lines.next(line) || line != kHead)
+        lines.refuse(1, "no expectation, or not one of version 1");
+    while (lines.next(line)) {
+        const auto refuse = [&](std::string_view why) { lines.refuse(lines.number(), why); };
+        if (lines.isCut()) refuse("cut, its end is missing");
         if (!isShowable(line)) refuse("holds what can't be shown, and should be \\xNN");
         std::vector<std::string> columns = columnsOf(line);
-        if (columns.size() < 4)
+        if (columns.size() < kFewestColumns || columns.size() > kMostColumns)
             refuse("not as an expectation has it: player | file | outcome | why");
         ExpectedCell cell{std::move(columns[0]),
                           std::move(columns[1]),
@@ -179,7 +173,6 @@ Expectation::Expectation(const std::string &path)
             refuse("the same player and file as in a line before");
         cells_.push_back({std::move(cell)});
     }
-    if (file.bad() || number == 0) refuse("can't be read, or is empty");
 }
 
 std::string Expectation::compare(const ExpectedCell &now)

@@ -1,16 +1,14 @@
 #include "tools/decide/media_source.h"
 
 #include "tools/appliance/subtitle_files.h"
+#include "tools/files/text_lines.h"
 #include "tools/probe/probed_line.h"
 #include "tools/terminal/printable.h"
 
 #include <atomic>
-#include <cerrno>
 #include <fmt/format.h>
-#include <fstream>
 #include <iostream>
 #include <stdexcept>
-#include <system_error>
 
 namespace vornak::tool {
 namespace {
@@ -37,47 +35,21 @@ private:
 
 class Lines : public MediaSource {
 public:
-    explicit Lines(const std::string &path)
-        : title_(path == "-" ? "standard input" : printable(path)),
-          buffer_(std::make_unique_for_overwrite<char[]>(kMost))
-    {
-        if (path != "-") file_.open(path, std::ios::binary);
-        if (!file_) throw std::system_error(errno, std::generic_category(), title_);
-    }
+    explicit Lines(const std::string &path) : lines_(path) {}
 
     std::optional<Look> next() override
     {
-        for (std::string line; readNext(line);)
+        for (std::string line; lines_.next(line);)
             if (!line.empty())
-                return
-                    [this, line = std::move(line), number = number_] { return see(line, number); };
+                return [this, line = std::move(line), number = lines_.number()] {
+                    return see(line, number);
+                };
         return std::nullopt;
     }
 
     std::size_t skipped() const override { return skipped_; }
 
 private:
-    static constexpr std::streamsize kMost = 16'000'000; // bytes of a line, thousands of tracks
-
-    [[noreturn]] void refuse(std::size_t line, std::string_view why) const
-    {
-        throw std::runtime_error(fmt::format("{}:{}: {}", title_, line, why));
-    }
-
-    /// False at the end.
-    bool readNext(std::string &line)
-    {
-        std::istream &in = file_.is_open() ? file_ : std::cin;
-        if (!in) return false; // also of another thread, while one says what is wrong
-        in.getline(buffer_.get(), kMost);
-        ++number_;
-        if (in.bad()) refuse(number_, "can't be read");
-        if (in.fail() && !in.eof()) refuse(number_, "longer than any line of vornak probe");
-        const std::streamsize lineEnd = in.eof() ? 0 : 1;
-        line.assign(buffer_.get(), static_cast<std::size_t>(in.gcount() - lineEnd));
-        return !in.fail();
-    }
-
     SeenFile see(const std::string &line, std::size_t number)
     {
         try {
@@ -87,14 +59,11 @@ private:
             return {std::move(file.path), std::move(file.probe),
                     file.subtitles.value_or(SubtitleSearch())};
         } catch (const std::runtime_error &error) {
-            refuse(number, error.what());
+            lines_.refuse(number, error.what());
         }
     }
 
-    std::string title_;
-    std::ifstream file_; ///< not open: standard input
-    std::unique_ptr<char[]> buffer_;
-    std::size_t number_ = 0; ///< of the line that was read last
+    TextLines lines_;
     std::atomic<std::size_t> skipped_ = 0;
 };
 
