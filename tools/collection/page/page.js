@@ -7,6 +7,7 @@ const data = JSON.parse(byId('data').textContent);
 const number = new Intl.NumberFormat('en');
 const collator = new Intl.Collator('en', {numeric: true});
 
+const kTail = 12;  // characters at the end of a name that are shown in any case
 const kMargin = 5; // rows that are drawn above and below those in sight
 
 const grid = byId('grid'), matrix = byId('matrix'), detail = byId('detail');
@@ -188,9 +189,11 @@ function drawRow(index) {
 }
 
 function fileCell(row) {
-    const name = row.names[0], cut = name.lastIndexOf('/') + 1, others = row.names.length - 1;
+    const name = row.names[0], base = name.lastIndexOf('/') + 1, others = row.names.length - 1;
+    const tail = Math.max(base, name.length - kTail);
     return make('th', {scope: 'row', class: 'file', title: name}, make('span', {},
-        make('span', {class: 'folder'}, name.slice(0, cut)), make('span', {}, name.slice(cut)),
+        base ? make('span', {class: 'folder'}, name.slice(0, base)) : '',
+        make('span', {class: 'stem'}, name.slice(base, tail)), make('span', {}, name.slice(tail)),
         make('span', {class: 'more'}, others ? ` + ${number.format(others)}` : '')));
 }
 
@@ -276,8 +279,10 @@ function show(row, player) {
     detail.scrollTop = 0;
     document.body.classList.add('open');
     for (const old of body.querySelectorAll('[aria-selected]')) old.ariaSelected = null;
-    cellAt(state.row, state.column).ariaSelected = 'true';
-    title.focus();
+    const cell = cellAt(state.row, state.column);
+    cell.ariaSelected = 'true';
+    cell.scrollIntoView({block: 'nearest', inline: 'nearest'});
+    title.focus({preventScroll: true});
 }
 
 function openCell(cell) {
@@ -319,12 +324,14 @@ function start() {
         offer(tr, {player: Number(player),
                    reason: {number: index + 1, player: Number(player), outcome, part, text}});
     }
+    const longest = Math.max(...data.profiles.map(({name}) => name.length));
+    grid.style.setProperty('--head', `${Math.min(13, 2 + longest / 2)}rem`);
     byId('filter').hidden = grid.hidden = false;
 
     byId('filter').addEventListener('input', readForm);
     byId('filter').addEventListener('submit', event => event.preventDefault());
-    byId('filter').addEventListener('reset', () => setTimeout(() => choose({
-        text: '', player: -1, reason: null, outcomes: new Set(letters.keys())})));
+    byId('filter').addEventListener('reset', () => choose({
+        text: '', player: -1, reason: null, outcomes: new Set(letters.keys())}));
     byId('reason').addEventListener('click', () => {
         choose({reason: null});
         byId('text').focus();
