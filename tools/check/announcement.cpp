@@ -73,12 +73,13 @@ void checkPn(const Place &place, Report &report)
         return;
     }
     const pugi::xml_attribute pn = element.attribute("PN");
+    static const std::vector<std::string> s_known = dlnaNames();
     const DlnaName *name = findDlnaName(entry.pn);
     if (!name)
         return report.add(
             Fault::UnknownPn, element, pn,
             fmt::format("{} is no DLNA profile name known here", shown(pn)),
-            report.suggest(entry.pn, dlnaNames(), "write one that the player states, or none"));
+            report.suggest(entry.pn, s_known, "write one that the player states, or none"));
     const std::string why = contradiction(*name, place);
     if (!why.empty())
         report.add(Fault::ForeignPn, element, pn, fmt::format("{} {}", shown(pn), why),

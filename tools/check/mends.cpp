@@ -80,6 +80,25 @@ std::vector<Edit> editsOf(const std::vector<Finding> &findings)
     return edits;
 }
 
+std::vector<Edit> joined(const std::vector<Edit> &before, const std::vector<Edit> &edits)
+{
+    std::vector<Edit> all = before;
+    auto done = before.begin();
+    std::size_t added = 0, removed = 0; // bytes by the edits that are done
+    for (const Edit &edit : edits) {
+        const auto placeOf = [&](const Edit &other) { return other.offset + added - removed; };
+        while (done != before.end() && placeOf(*done) + done->text.size() <= edit.offset) {
+            added += done->text.size();
+            removed += done->size;
+            ++done;
+        }
+        if (done == before.end() || edit.offset + edit.size <= placeOf(*done))
+            all.push_back({edit.offset + removed - added, edit.size, edit.text});
+    }
+    std::ranges::stable_sort(all, {}, &Edit::offset);
+    return all;
+}
+
 std::string withEdits(const std::string &text, const std::vector<Edit> &edits)
 {
     std::string edited;

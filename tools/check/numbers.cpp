@@ -152,10 +152,10 @@ void reportLeadingBlank(const WrittenNumber &number, Report &report)
     report.add(Fault::LeadingBlank, number.place.element, number.attribute,
                fmt::format("{} begins with a blank and gives 0", shown(number.attribute)),
                "remove the blank");
-    const std::string_view text = number.attribute.value();
+    const auto &place = report.written(number.place.element, number.attribute);
+    const std::string_view text = report.writtenValue(number.place.element, number.attribute);
     const std::size_t start = text.find_first_not_of(" \t\r\n");
-    if (start != std::string_view::npos)
-        report.mendValue(number.place.element, number.attribute, text.substr(start));
+    if (start != std::string_view::npos) report.mend({place.value, start, {}});
 }
 
 void checkNumber(const WrittenNumber &number, Report &report)

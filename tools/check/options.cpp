@@ -30,11 +30,12 @@ std::string nameOfOption(std::string_view word)
 void checkEncoderName(std::string_view option, std::string_view encoder, const OptionPlace &place)
 {
     if (encoder == "copy" || encodedCodec(encoder)) return;
+    static const std::vector<std::string> s_known[] = {encoderNames(false), encoderNames(true)};
     const bool isVideo = std::string_view(place.element.name()) == "VCODEC";
     place.report.add(
         Fault::UnknownEncoder, place.element, place.attribute,
         fmt::format("{} {}: {} knows no such encoder", option, excerpt(encoder), askedCodecs()),
-        place.report.suggest(encoder, encoderNames(isVideo),
+        place.report.suggest(encoder, s_known[isVideo ? 1 : 0],
                              "see ffmpeg -encoders, unless the transcoder's ffmpeg knows more"));
 }
 

@@ -45,13 +45,28 @@ constexpr std::string_view kValueOptions =
     "hwaccel_device|hwaccel_output_format|init_hw_device|filter_hw_device|vaapi_device|"
     "qsv_device|thread_queue_size|stream_loop|readrate|loglevel|v|timelimit|progress|"
     "stats_period|max_error_rate|abort_on|time_base|timestamp|dts_delta_threshold|"
-    "dts_error_threshold|discard|display_rotation|sws_flags|sws_dither|resampler|"
-    "dither_method|apad|num_frames|vp|vlevel";
+    "dts_error_threshold|discard|display_rotation|chroma_intra_matrix|inter_matrix|"
+    "intra_matrix|vstats_file|vstats_version|canvas_size|timecode|adrift_threshold|"
+    "cpuflags|cpucount|frame_drop_threshold|sdp_file|copypriorss|dump_attachment|"
+    "max_alloc|reinit_filter|apad|num_frames|vp|vlevel";
 constexpr std::string_view kFlagOptions =
     "vn|an|sn|dn|y|n|re|shortest|copyts|start_at_zero|copyinkf|bitexact|"
     "autorotate|autoscale|accurate_seek|seek_timestamp|ignore_unknown|copy_unknown|"
     "find_stream_info|fix_sub_duration|hide_banner|stdin|stats|vstats|benchmark|"
-    "xerror|deinterlace|qphist|psnr|dump|hex|debug_ts|isync|report";
+    "xerror|deinterlace|qphist|psnr|dump|hex|debug_ts|isync|report|force_fps|"
+    "auto_conversion_filters|benchmark_all|recast_media";
+
+// Those of libswscale and libswresample
+constexpr std::string_view kScalerOptions =
+    "sws_flags|sws_dither|alphablend|param0|param1|src_range|dst_range|src_format|"
+    "dst_format|resampler|dither_method|dither_scale|filter_size|filter_type|"
+    "phase_shift|linear_interp|exact_rational|cheby|kaiser_beta|precision|"
+    "matrix_encoding|lfe_mix_level|center_mix_level|surround_mix_level|rematrix_volume|"
+    "rematrix_maxval|internal_sample_fmt|in_sample_fmt|out_sample_fmt|in_sample_rate|"
+    "out_sample_rate|in_channel_layout|out_channel_layout|in_chlayout|out_chlayout|"
+    "in_channel_count|out_channel_count|isf|osf|isr|osr|icl|ocl|ichl|ochl|ich|och|"
+    "clev|min_comp|min_hard_comp|max_soft_comp|comp_duration|first_pts|"
+    "output_sample_bits|resample_cutoff";
 
 constexpr const char *kAppliancesMatroska = "mkvtimestamp_v2"; // a format of its transcoder
 
@@ -120,7 +135,9 @@ OptionForm askForOption(const std::string &name)
     static const std::vector<std::string> s_values = splitAtBars(kValueOptions);
     const bool isNegated = name.starts_with("no") && lists(s_flags, name.substr(2));
     if (lists(s_flags, name) || isNegated) return OptionForm::Flag;
-    if (lists(s_values, name) || findLibraryOption(name.c_str()) || isForStreams(name))
+    static const std::vector<std::string> s_scalers = splitAtBars(kScalerOptions);
+    if (lists(s_values, name) || lists(s_scalers, name) || findLibraryOption(name.c_str()) ||
+        isForStreams(name))
         return OptionForm::Value;
     return OptionForm::Unknown;
 }
@@ -211,7 +228,8 @@ OptionForm formOfOption(const std::string &name)
 std::vector<std::string> optionNames()
 {
     std::vector<std::string> names = splitAtBars(kValueOptions);
-    std::ranges::move(splitAtBars(kFlagOptions), std::back_inserter(names));
+    for (const std::string_view more : {kFlagOptions, kScalerOptions})
+        std::ranges::move(splitAtBars(more), std::back_inserter(names));
     for (const AVClass *options : {avcodec_get_class(), avformat_get_class()})
         addOptions(options, names);
     return names;

@@ -94,6 +94,20 @@ std::vector<std::string> filesOf(const std::vector<std::string> &arguments)
     return files;
 }
 
+/// The mends of a profile, and of what they bring to light.
+std::vector<Edit> allEdits(const std::string &text, const std::vector<Finding> &findings)
+{
+    constexpr int kMostRounds = 4;
+    std::vector<Edit> edits = editsOf(findings);
+    for (int round = 1; round < kMostRounds && !edits.empty(); ++round) {
+        const ProfileInMemory mended(withEdits(text, edits));
+        const std::vector<Edit> more = editsOf(checkProfile(mended.path()));
+        if (more.empty()) break;
+        edits = joined(edits, more);
+    }
+    return edits;
+}
+
 /// Makes the mends in the file.
 void mend(const std::string &path, const std::string &text, const std::vector<Edit> &edits)
 {
@@ -109,7 +123,8 @@ CheckedProfile check(const std::string &path, const CheckOptions &options, std::
     try {
         std::string text;
         std::vector<Finding> findings = checkProfile(path, text);
-        const std::vector<Edit> edits = editsOf(findings);
+        const std::vector<Edit> edits =
+            options.fix.empty() ? std::vector<Edit>{} : allEdits(text, findings);
         if (options.fix == "diff") diff += diffOf(printable(profileTitle(path)), text, edits);
         if (options.fix == "write" && !edits.empty()) {
             mend(path, text, edits);

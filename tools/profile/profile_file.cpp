@@ -24,11 +24,17 @@ void writeAll(int descriptor, const char *text, std::size_t size)
     }
 }
 
-/// Open until the process ends.
-int keepStandardInput()
+int makeMemory()
 {
     const int memory = memfd_create("profile", MFD_CLOEXEC);
     if (memory < 0) fail();
+    return memory;
+}
+
+/// Open until the process ends.
+int keepStandardInput()
+{
+    const int memory = makeMemory();
     std::array<char, 65536> block;
     for (;;) {
         const ssize_t got = read(STDIN_FILENO, block.data(), block.size());
@@ -47,6 +53,11 @@ std::string profilePath(const std::string &name)
     if (name != "-") return name;
     static const int s_Kept = keepStandardInput();
     return "/proc/self/fd/" + std::to_string(s_Kept);
+}
+
+ProfileInMemory::ProfileInMemory(std::string_view text) : memory_(makeMemory())
+{
+    writeAll(memory_.get(), text.data(), text.size());
 }
 
 std::string profileTitle(const std::string &name)

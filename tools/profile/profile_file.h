@@ -1,7 +1,10 @@
 // Where a profile is read from: "-" is standard input, "./-" a file of that name.
 #pragma once
 
+#include "base/descriptor.h"
+
 #include <string>
+#include <string_view>
 
 namespace vornak::tool {
 
@@ -9,6 +12,19 @@ namespace vornak::tool {
 /// its end by the first call, and kept in memory. Before the first thread starts. Throws
 /// std::system_error.
 std::string profilePath(const std::string &name);
+
+/// A text as a file that has no name.
+class ProfileInMemory {
+public:
+    /// Throws std::system_error.
+    explicit ProfileInMemory(std::string_view text);
+
+    /// To open it at, as long as this lives.
+    std::string path() const { return "/proc/self/fd/" + std::to_string(memory_.get()); }
+
+private:
+    Descriptor memory_;
+};
 
 /// What the profile is called in messages.
 std::string profileTitle(const std::string &name);
