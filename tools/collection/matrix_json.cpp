@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <iterator>
 
 namespace vornak::tool {
 namespace {
@@ -73,21 +74,9 @@ void count(const MatrixRow &row, MatrixTotals &totals)
         if (row.cells[i]) totals.columns[i].reasons.add(row.cells[i]->reason);
 }
 
-std::size_t NumberedTexts::numberOf(std::string text)
+std::string NumberedParts::list() const
 {
-    const auto [place, isNew] = numbers_.try_emplace(std::move(text), texts_.size());
-    if (isNew) texts_.push_back(&place->first);
-    return place->second;
-}
-
-std::string NumberedTexts::list() const
-{
-    std::string list = "[";
-    for (const std::string *text : texts_) {
-        list += list.size() > 1 ? ",\n" : "\n";
-        list += *text;
-    }
-    return list + "\n]";
+    return fmt::format("[\n{}\n]", fmt::join(parts_, ",\n"));
 }
 
 std::string MatrixJson::head(const DecisionRequest &request) const
@@ -100,15 +89,21 @@ std::string MatrixJson::head(const DecisionRequest &request) const
 
 std::size_t MatrixJson::numberOf(const ShownLine &line)
 {
-    const std::string place = line.line > 0 ? fmt::format(",\"line\":{}", line.line) : "";
-    return texts_.numberOf(fmt::format(R"({{"text":{}{}}})", jsonText(line.text), place));
+    key_ = line.text;
+    key_ += '\n'; // which no text holds
+    fmt::format_to(std::back_inserter(key_), "{}", line.line);
+    return texts_.numberOf(key_, [&] {
+        const std::string place = line.line > 0 ? fmt::format(",\"line\":{}", line.line) : "";
+        return fmt::format(R"({{"text":{}{}}})", jsonText(line.text), place);
+    });
 }
 
 std::size_t MatrixJson::numberOf(const VisitedRules &walk)
 {
     std::string json = fmt::format("[{}", numberOf(ShownLine{walk.heading}));
     for (const ShownLine &rule : walk.rules) json += fmt::format(",{}", numberOf(rule));
-    return walks_.numberOf(json + ']');
+    json += ']';
+    return walks_.numberOf(json, [&] { return json; });
 }
 
 std::size_t MatrixJson::numberOf(const CellWhy &why)
@@ -117,12 +112,13 @@ std::size_t MatrixJson::numberOf(const CellWhy &why)
     std::vector<std::size_t> lines, visited;
     for (const ShownLine &line : why.lines) lines.push_back(numberOf(line));
     for (const VisitedRules &walk : why.visited) visited.push_back(numberOf(walk));
-    return whys_.numberOf(fmt::format(
+    const std::size_t text = numberOf(ShownLine{reason.text, reason.line});
+    const std::size_t ofMany = numberOf(ShownLine{reason.ofMany, reason.line});
+    const std::string json = fmt::format(
         R"({{"outcome":"{}","part":{},"code":"{}","reason":{},"ofMany":{},"lines":[{}],"visited":[{}]}})",
         nameOf(reason.outcome), reason.part.empty() ? "null" : jsonText(reason.part), reason.code,
-        numberOf(ShownLine{reason.text, reason.line}),
-        numberOf(ShownLine{reason.ofMany, reason.line}), fmt::join(lines, ","),
-        fmt::join(visited, ",")));
+        text, ofMany, fmt::join(lines, ","), fmt::join(visited, ","));
+    return whys_.numberOf(json, [&] { return json; });
 }
 
 std::string MatrixJson::row(const MatrixRow &row)

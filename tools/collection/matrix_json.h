@@ -1,5 +1,5 @@
 // The matrix as a JSON document, written piece by piece. Each text stands once, at its end.
-// docs/matrix.md describes it.
+// docs/collections.md describes it.
 #pragma once
 
 #include "tools/collection/matrix.h"
@@ -31,16 +31,27 @@ MatrixRow explainRow(const SeenFile &file, const MatrixResults &results,
 
 void count(const MatrixRow &row, MatrixTotals &totals);
 
-/// Texts, each once, by their numbers from 0.
-class NumberedTexts {
+/// Parts of a document, each once, by their numbers from 0.
+class NumberedParts {
 public:
-    std::size_t numberOf(std::string text);
+    /// @param key   by which the part is known
+    /// @param json  what it is as JSON, called for a new one
+    template <class MakeJson>
+    std::size_t numberOf(const std::string &key, MakeJson json)
+    {
+        const auto found = numbers_.find(key);
+        if (found != numbers_.end()) return found->second;
+        numbers_.emplace(key, parts_.size());
+        parts_.push_back(json());
+        return parts_.size() - 1;
+    }
+
     /// A list of JSON with a line for each.
     std::string list() const;
 
 private:
     std::unordered_map<std::string, std::size_t> numbers_;
-    std::vector<const std::string *> texts_; ///< by number
+    std::vector<std::string> parts_; ///< by number
 };
 
 class MatrixJson {
@@ -57,7 +68,8 @@ private:
     std::size_t numberOf(const CellWhy &why);
 
     const std::vector<MatrixColumn> &columns_;
-    NumberedTexts texts_, walks_, whys_; ///< as JSON
+    NumberedParts texts_, walks_, whys_;
+    std::string key_; ///< kept for its memory
     bool hasRows_ = false;
 };
 

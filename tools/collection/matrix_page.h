@@ -1,5 +1,5 @@
 // The matrix as a page of HTML that needs nothing but itself: what is read without scripts, and the
-// JSON document for the script in it. docs/matrix.md shows it.
+// JSON document for the script in it. docs/collections.md shows it.
 #pragma once
 
 #include "tools/collection/matrix_json.h"
