@@ -295,6 +295,23 @@ TEST(CollectionsPage, ShowsWhatItsCommandsPrintAndTheirJsonFollowsItsSchemas)
     EXPECT_EQ(followed.out, "4 documents\n1 document\n") << followed.err;
 }
 
+TEST(CollectionsPage, HasTheReasonsOfTheMatrixFromDecide)
+{
+    const ProcessResult both = run({"bash", "-c", R"script(
+        cd "$1"; media='--probed expectations/media.jsonl'
+        shown=$("$0" matrix --json --profiles profiles $media | jq -r '. as $m | .profiles | keys[] as $p
+            | $m.files[] | . as $file | $m.whys[.cells[$p]] | select(.part)
+            | $file.path + ": " + $file.source, (.lines[] | "  " + $m.texts[.].text),
+              (.visited[] | $m.visited[.]
+              | "  " + $m.texts[.[0]].text, (.[1:][] | "    " + $m.texts[.].text))')
+        [ "$(wc -l <<<"$shown")" -gt 500 ] &&
+        diff <(echo "$shown") <(for profile in profiles/*; do "$0" decide -p $profile --explain $media |
+                     sed '/^$/d; /^  *\(subtitles\|hardware\|elements\): /d; /^19 files/,$d'; done)
+        )script",
+                                    VORNAK_CLI, VORNAK_SOURCE_DIR "/examples"});
+    EXPECT_EQ(both.status, 0) << both.out;
+}
+
 TEST(TranscodingPage, ShowsWhatItsCommandsPrint)
 {
     const TempDir dir;

@@ -79,7 +79,10 @@ ProbedLinesFile::ProbedLinesFile(const std::string &path) : place_(path, true)
     keepPart();
     const Descriptor file(openOld(place_));
     if (!file && errno == ENOENT) return;
-    if (!file || !readAll(file.get(), old_)) fail("");
+    struct stat info = {};
+    if (!file || !readAll(file.get(), old_) || fstat(file.get(), &info) != 0 ||
+        fchmod(part_->get(), info.st_mode & 0777) != 0)
+        fail("");
     same_ = 0;
     learn(old_);
 }
