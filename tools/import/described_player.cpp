@@ -21,51 +21,28 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-struct Like {
-    const char *name, *playerName;
-    Words video, audio, music, containers;
+/// Lists of what the options take, with blanks between.
+constexpr struct Like {
+    const char *name, *playerName, *video, *audio, *music, *containers;
+} s_Likes[] = {
+    {"tv", "TV",
+     "h264:high:4.2,1920x1080 hevc:main10:5.1,3840x2160 vp9:profile2,3840x2160 "
+     "mpeg2video:main,1920x1080",
+     "ac3:6 eac3:6 aac:he_v2:6 mp3:2 mp2:2", "mp3:2 aac:he_v2:6 flac:6 pcm_s16le:2 wmav2:2",
+     "mpegts mp4 matroska"},
+    {"older-tv", "Older TV",
+     "mpeg2video:main,720x576 h264:high:4.0,1920x1080 mpeg4:advanced_simple,720x576",
+     "ac3:6 mp2:2 mp3:2 aac:lc:2", "mp3:2 pcm_s16le:2", "mpegps mpegts avi mp4"},
+    {"phone", "Phone",
+     "h264:main:3.1,1280x720 hevc:main:4.0,1920x1080 vp9:profile0,1920x1080 vp8,1280x720",
+     "aac:he_v2:2 opus:2 vorbis:2", "aac:he_v2:2 mp3:2 flac:2 opus:2 vorbis:2", "mp4 webm"},
+    {"desktop", "Desktop player", "h264 hevc vp9 av1 mpeg4 mpeg2video vp8 vc1 wmv3 mjpeg",
+     "aac ac3 eac3 mp3 opus vorbis flac dts mp2 pcm_s16le wmav2",
+     "flac mp3 aac alac opus vorbis pcm_s16le pcm_s24le wmav2 wavpack ape",
+     "matroska mp4 mpegts webm avi mpegps mov asf ogg"},
+    {"hifi", "Hi-fi streamer", "", "", "pcm_s16le:2 pcm_s24le:2 flac:2 alac:2 mp3:2 aac:2 vorbis:2",
+     ""},
 };
-
-const std::vector<Like> &likes()
-{
-    static const std::vector<Like> s_Likes = {
-        {"tv",
-         "TV",
-         {"h264:high:4.2,1920x1080", "hevc:main10:5.1,3840x2160", "vp9:profile2,3840x2160",
-          "mpeg2video:main,1920x1080"},
-         {"ac3:6", "eac3:6", "aac:he_v2:6", "mp3:2", "mp2:2"},
-         {"mp3:2", "aac:he_v2:6", "flac:6", "pcm_s16le:2", "wmav2:2"},
-         {"mpegts", "mp4", "matroska"}},
-        {"older-tv",
-         "Older TV",
-         {"mpeg2video:main,720x576", "h264:high:4.0,1920x1080", "mpeg4:advanced_simple,720x576"},
-         {"ac3:6", "mp2:2", "mp3:2", "aac:lc:2"},
-         {"mp3:2", "pcm_s16le:2"},
-         {"mpegps", "mpegts", "avi", "mp4"}},
-        {"phone",
-         "Phone",
-         {"h264:main:3.1,1280x720", "hevc:main:4.0,1920x1080", "vp9:profile0,1920x1080",
-          "vp8,1280x720"},
-         {"aac:he_v2:2", "opus:2", "vorbis:2"},
-         {"aac:he_v2:2", "mp3:2", "flac:2", "opus:2", "vorbis:2"},
-         {"mp4", "webm"}},
-        {"desktop",
-         "Desktop player",
-         {"h264", "hevc", "vp9", "av1", "mpeg4", "mpeg2video", "vp8", "vc1", "wmv3", "mjpeg"},
-         {"aac", "ac3", "eac3", "mp3", "opus", "vorbis", "flac", "dts", "mp2", "pcm_s16le",
-          "wmav2"},
-         {"flac", "mp3", "aac", "alac", "opus", "vorbis", "pcm_s16le", "pcm_s24le", "wmav2",
-          "wavpack", "ape"},
-         {"matroska", "mp4", "mpegts", "webm", "avi", "mpegps", "mov", "asf", "ogg"}},
-        {"hifi",
-         "Hi-fi streamer",
-         {},
-         {},
-         {"pcm_s16le:2", "pcm_s24le:2", "flac:2", "alac:2", "mp3:2", "aac:2", "vorbis:2"},
-         {}},
-    };
-    return s_Likes;
-}
 
 [[noreturn]] void refuse(const char *option, const std::string &value, const std::string &why)
 {
@@ -267,17 +244,17 @@ void takeOver(Value &value, const Value &from)
 void takeOverFrom(const Like &like, Description &description)
 {
     takeOver(description.name, std::string(like.playerName));
-    takeOver(description.video, like.video);
-    takeOver(description.audio, like.audio);
-    takeOver(description.music, like.music);
-    takeOver(description.containers, like.containers);
+    takeOver(description.video, splitList(like.video, ' '));
+    takeOver(description.audio, splitList(like.audio, ' '));
+    takeOver(description.music, splitList(like.music, ' '));
+    takeOver(description.containers, splitList(like.containers, ' '));
 }
 
 void takeOverFromLike(Description &description)
 {
     if (description.like.empty()) return;
     Words names;
-    for (const Like &like : likes()) {
+    for (const Like &like : s_Likes) {
         if (description.like == like.name) return takeOverFrom(like, description);
         names.emplace_back(like.name);
     }
@@ -290,7 +267,7 @@ void takeOverFromLike(Description &description)
 std::vector<std::string> likeNames()
 {
     Words names;
-    for (const Like &like : likes()) names.emplace_back(like.name);
+    for (const Like &like : s_Likes) names.emplace_back(like.name);
     return names;
 }
 

@@ -68,6 +68,9 @@ std::vector<int> codecsNamed(const std::string &name, bool picture)
     return {codec};
 }
 
+template <class Limits>
+constexpr bool kIsPicture = std::is_same_v<Limits, PictureLimits>;
+
 class Reader {
 public:
     Reader(const std::string &path, Player &player)
@@ -334,15 +337,6 @@ private:
         return all;
     }
 
-    template <class Limits>
-    static std::vector<int> commonCodecs()
-    {
-        if constexpr (std::is_same_v<Limits, PictureLimits>)
-            return commonPictures();
-        else
-            return commonSounds();
-    }
-
     /// The codecs of a list. Any codec stands as such only where none has limits, since a rule for
     /// any codec looks at none; else the common ones stand for it.
     template <class Limits>
@@ -351,7 +345,7 @@ private:
     {
         if (format == kWebm) return codecsOfWebm<Limits>(object, codecs);
         if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
-        std::vector<int> all = commonCodecs<Limits>();
+        std::vector<int> all = kIsPicture<Limits> ? commonPictures() : commonSounds();
         for (const LimitSet &set : sets_)
             for (const int id : set.codecs.ids)
                 if (set.kind == kind && std::ranges::find(all, id) == all.end()) all.push_back(id);
@@ -376,7 +370,7 @@ private:
     {
         noteAt(object.line(), object.place())(
             Remark::LeftOut, "a rule for WebM takes Matroska with the codecs of WebM, too");
-        std::vector<int> all = commonCodecs<Limits>();
+        std::vector<int> all = kIsPicture<Limits> ? commonPictures() : commonSounds();
         std::erase_if(all,
                       [&](int codec) { return !codecs.takes(codec) || !canHold(kWebm, codec); });
         return all;
@@ -400,8 +394,8 @@ private:
     template <class Limits>
     const Union<Limits> &limitsFor(int codec, int format, StreamKind kind)
     {
-        auto &known = cacheOf(static_cast<Limits *>(nullptr));
-        const auto [entry, isNew] = known.try_emplace({codec, format, kind});
+        const auto [entry, isNew] =
+            std::get<Known<Limits>>(known_).try_emplace({codec, format, kind});
         if (!isNew) return entry->second;
         Limits any;
         any.codec = codec;
@@ -415,29 +409,26 @@ private:
         return entry->second = std::move(all);
     }
 
-    auto &cacheOf(const PictureLimits *) { return pictures_; }
-    auto &cacheOf(const SoundLimits *) { return sounds_; }
-
     /// Tells what else is turned away on account of what a set refuses.
-    static void noteOddities(const Union<SoundLimits> &, const Union<SoundLimits> &, const Note &)
-    {}
-    static void noteOddities(const Union<PictureLimits> &before, const Union<PictureLimits> &after,
+    template <class Limits>
+    static void noteOddities(const Union<Limits> &before, const Union<Limits> &after,
                              const Note &note)
     {
-        for (const PictureLimits &limits : after) {
-            const bool isNew = std::ranges::none_of(before, [&](const PictureLimits &other) {
-                return other.refused == limits.refused;
-            });
-            if (isNew) tool::noteOddities(limits, note);
-        }
+        if constexpr (kIsPicture<Limits>)
+            for (const Limits &limits : after)
+                if (std::ranges::find(before, limits.refused, &Limits::refused) == before.end())
+                    tool::noteOddities(limits, note);
     }
 
-    static Union<SoundLimits> split(Union<SoundLimits> all) { return all; }
-    static Union<PictureLimits> split(const Union<PictureLimits> &all)
+    template <class Limits>
+    static Union<Limits> split(const Union<Limits> &all)
     {
-        Union<PictureLimits> parts;
-        for (const PictureLimits &limits : all)
-            for (const PictureLimits &part : splitByOddities(limits)) add(parts, part);
+        Union<Limits> parts;
+        if constexpr (!kIsPicture<Limits>)
+            return all;
+        else
+            for (const Limits &limits : all)
+                for (const Limits &part : splitByOddities(limits)) add(parts, part);
         return parts;
     }
 
@@ -517,8 +508,9 @@ private:
     std::string file_;
     Player &player_;
     std::vector<LimitSet> sets_;
-    std::map<std::tuple<int, int, StreamKind>, Union<PictureLimits>> pictures_;
-    std::map<std::tuple<int, int, StreamKind>, Union<SoundLimits>> sounds_;
+    template <class Limits>
+    using Known = std::map<std::tuple<int, int, StreamKind>, Union<Limits>>;
+    std::tuple<Known<PictureLimits>, Known<SoundLimits>> known_;
     std::size_t combinations_ = 0;
 };
 

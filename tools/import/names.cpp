@@ -75,14 +75,6 @@ int playExceptionsNamed(std::string_view names)
     return bitsNamed(names, PlayExceptionNameToID);
 }
 
-int allProfilesOf(int codec)
-{
-    int bits = 0;
-    for (const ProfileName &row : profileNames())
-        if (row.codecId == codec) bits |= row.bit;
-    return bits;
-}
-
 std::vector<std::string> splitList(std::string_view list, char separator)
 {
     constexpr std::string_view kBlanks = " \t\r\n";

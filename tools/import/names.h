@@ -47,9 +47,6 @@ int containerNamed(const std::string &name);
 int profilesNamed(std::string_view names);
 int playExceptionsNamed(std::string_view names);
 
-/// All profiles of a codec, as bits.
-int allProfilesOf(int codec);
-
 /// The pieces of a list without blanks around them; empty ones are left out.
 std::vector<std::string> splitList(std::string_view list, char separator);
 

@@ -77,13 +77,12 @@ void addSizes(Attributes &attributes, const PictureLimits &limits)
 {
     // a size alone limits nothing; there is no picture beyond this
     constexpr int kBeyond = 65535;
-    const auto addPair = [&](const char *width, int w, const char *height, int h, int none) {
-        if (w == 0 && h == 0) return;
-        attributes.addPlain(width, w == 0 ? none : w);
-        attributes.addPlain(height, h == 0 ? none : h);
-    };
-    addPair("MAXWIDTH", limits.width.most, "MAXHEIGHT", limits.height.most, kBeyond);
-    addPair("MINWIDTH", limits.width.least, "MINHEIGHT", limits.height.least, 1);
+    const bool isLimited = limits.width.most != 0 || limits.height.most != 0;
+    const auto orBeyond = [&](int size) { return isLimited && size == 0 ? kBeyond : size; };
+    attributes.addPlain("MAXWIDTH", orBeyond(limits.width.most));
+    attributes.addPlain("MAXHEIGHT", orBeyond(limits.height.most));
+    attributes.addPlain("MINWIDTH", limits.width.least);
+    attributes.addPlain("MINHEIGHT", limits.height.least);
 }
 
 std::string attributesOf(const PictureRule &rule)

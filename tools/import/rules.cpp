@@ -246,7 +246,7 @@ std::optional<PictureLimits> leadingPart(const PictureRule &rule,
         if ((size.most != 0 && size.least > size.most) || !isAlike(*earlier, part))
             return std::nullopt;
     }
-    return part.limits;
+    return asSaid(part.limits);
 }
 
 /// Whether what the rule takes can be made, and put into its first container.
@@ -260,19 +260,26 @@ bool isTarget(const PictureRule &rule)
            canHold(rule.sounds.front().containers.front().container.format, rule.limits.codec);
 }
 
+auto rankIn(const std::vector<int> &preferred, int codec)
+{
+    return std::ranges::find(preferred, codec) - preferred.begin();
+}
+
 /// The place in the order of targets: what is wished for, then what is preferred anyway.
 auto placeOf(const SoundRule &rule, const Surrounding &surrounding)
 {
     const auto wish = std::ranges::find_if(surrounding.wishes, [&](const Wish &each) {
         return each.isVideo != surrounding.isMusic && each.sound == rule.limits.codec;
     });
-    return std::pair(wish - surrounding.wishes.begin(), soundRankOf(rule.limits.codec));
+    return std::pair(wish - surrounding.wishes.begin(),
+                     rankIn(makeableSounds(), rule.limits.codec));
 }
 auto placeOf(const PictureRule &rule, const Surrounding &surrounding)
 {
     const auto wish = std::ranges::find(surrounding.wishes, rule.limits.codec, &Wish::picture);
-    return std::tuple(wish - surrounding.wishes.begin(), pictureRankOf(rule.limits.codec),
-                      isLimitedBelow(rule.limits), -targetArea(rule.limits));
+    return std::tuple(wish - surrounding.wishes.begin(),
+                      rankIn(makeablePictures(), rule.limits.codec), isLimitedBelow(rule.limits),
+                      -targetArea(rule.limits));
 }
 
 /// Puts the best target before all rules, of equals the last, which takes most, and behind it the

@@ -1,5 +1,6 @@
 #include "tools/import/targets.h"
 
+#include "base/media_ids.h"
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
 #include "tools/import/said_limits.h"
@@ -38,11 +39,12 @@ struct ProfileOption {
     const char *profile, *option;
 };
 struct PictureEncoder {
-    const char *codec, *option;
+    int codec;
+    const char *option;
     ProfileOption profiles[4];
 };
 constexpr PictureEncoder s_PictureEncoders[] = {
-    {"h264",
+    {"h264"_codec,
      "-c:v libx264 -preset veryfast",
      {{"high", " -profile:v high -pix_fmt yuv420p"},
       {"main", " -profile:v main -pix_fmt yuv420p"},
@@ -50,31 +52,35 @@ constexpr PictureEncoder s_PictureEncoders[] = {
       // which is what x264 makes of baseline, but doesn't know by this name
       {"constrained_baseline",
        " -x264-params cabac=0:bframes=0:8x8dct=0:weightp=0 -pix_fmt yuv420p"}}},
-    {"hevc",
+    {"hevc"_codec,
      "-c:v libx265 -preset veryfast",
      {{"main", " -pix_fmt yuv420p"}, {"main10", " -pix_fmt yuv420p10le"}}},
-    {"mpeg2video", "-c:v mpeg2video", {{"main", " -pix_fmt yuv420p"}}},
-    {"mpeg4", "-c:v mpeg4", {{"simple", " -pix_fmt yuv420p"}}},
-    {"vp9", "-c:v libvpx-vp9 -deadline realtime -cpu-used 6", {{"profile0", " -pix_fmt yuv420p"}}},
-    {"vp8", "-c:v libvpx -deadline realtime -cpu-used 6", {{"profile0", " -pix_fmt yuv420p"}}},
-    {"av1", "-c:v libsvtav1 -preset 10", {{"main", " -pix_fmt yuv420p"}}},
-    {"mpeg1video", "-c:v mpeg1video", {{"", " -pix_fmt yuv420p"}}},
-    {"msmpeg4v3", "-c:v msmpeg4", {{"", " -pix_fmt yuv420p"}}},
-    {"wmv2", "-c:v wmv2", {{"", " -pix_fmt yuv420p"}}},
-    {"theora", "-c:v libtheora", {{"", " -pix_fmt yuv420p"}}},
-    {"flv1", "-c:v flv", {{"", " -pix_fmt yuv420p"}}},
-    {"mjpeg", "-c:v mjpeg", {{"baseline", " -pix_fmt yuvj420p"}}},
+    {"mpeg2video"_codec, "-c:v mpeg2video", {{"main", " -pix_fmt yuv420p"}}},
+    {"mpeg4"_codec, "-c:v mpeg4", {{"simple", " -pix_fmt yuv420p"}}},
+    {"vp9"_codec,
+     "-c:v libvpx-vp9 -deadline realtime -cpu-used 6",
+     {{"profile0", " -pix_fmt yuv420p"}}},
+    {"vp8"_codec,
+     "-c:v libvpx -deadline realtime -cpu-used 6",
+     {{"profile0", " -pix_fmt yuv420p"}}},
+    {"av1"_codec, "-c:v libsvtav1 -preset 10", {{"main", " -pix_fmt yuv420p"}}},
+    {"mpeg1video"_codec, "-c:v mpeg1video", {{"", " -pix_fmt yuv420p"}}},
+    {"msmpeg4v3"_codec, "-c:v msmpeg4", {{"", " -pix_fmt yuv420p"}}},
+    {"wmv2"_codec, "-c:v wmv2", {{"", " -pix_fmt yuv420p"}}},
+    {"theora"_codec, "-c:v libtheora", {{"", " -pix_fmt yuv420p"}}},
+    {"flv1"_codec, "-c:v flv", {{"", " -pix_fmt yuv420p"}}},
+    {"mjpeg"_codec, "-c:v mjpeg", {{"baseline", " -pix_fmt yuvj420p"}}},
 };
 
 // The greatest picture that a level is for, by usual sizes.
 constexpr struct {
-    const char *codec;
+    int codec;
     int level; // up to this
     int width, height;
 } s_LevelSizes[] = {
-    {"h264", 19, 352, 288},  {"h264", 29, 352, 576},   {"h264", 30, 720, 576},
-    {"h264", 39, 1280, 720}, {"hevc", 59, 352, 288},   {"hevc", 89, 640, 360},
-    {"hevc", 92, 960, 540},  {"hevc", 119, 1280, 720},
+    {"h264"_codec, 19, 352, 288},  {"h264"_codec, 29, 352, 576},   {"h264"_codec, 30, 720, 576},
+    {"h264"_codec, 39, 1280, 720}, {"hevc"_codec, 59, 352, 288},   {"hevc"_codec, 89, 640, 360},
+    {"hevc"_codec, 92, 960, 540},  {"hevc"_codec, 119, 1280, 720},
 };
 
 struct Size {
@@ -85,9 +91,8 @@ struct Size {
 Size targetSize(const PictureLimits &limits)
 {
     Size size{1920, 1080};
-    const std::string codec = codecText(limits.codec);
     for (const auto &row : s_LevelSizes) {
-        if (row.codec != codec || limits.level == 0 || limits.level > row.level) continue;
+        if (row.codec != limits.codec || limits.level == 0 || limits.level > row.level) continue;
         size = {row.width, row.height};
         break;
     }
@@ -139,9 +144,7 @@ std::string filters(const PictureLimits &limits, Size size)
 
 const PictureEncoder *findPictureEncoder(int codec)
 {
-    const auto *const row =
-        std::ranges::find(s_PictureEncoders, codecText(codec),
-                          [](const PictureEncoder &encoder) { return std::string(encoder.codec); });
+    const auto *const row = std::ranges::find(s_PictureEncoders, codec, &PictureEncoder::codec);
     return row == std::end(s_PictureEncoders) ? nullptr : row;
 }
 
@@ -161,14 +164,15 @@ const char *findProfileOption(const PictureEncoder &encoder, const PictureLimits
 /// Empty: the encoder chooses by itself. Nothing: it can't keep the limit.
 std::optional<std::string> levelOption(const PictureLimits &limits)
 {
-    if (codecText(limits.codec) != "h264") return "";
+    if (limits.codec != "h264"_codec) return "";
     const int level = limits.level == 0 ? 41 : std::min(limits.level, 41);
     if (level < 10) return std::nullopt;
     return fmt::format(" -level {}.{}", level / 10, level % 10);
 }
 
 struct SoundEncoder {
-    const char *codec, *option;
+    int codec;
+    const char *option;
     const char *profile; // that it makes; empty: the codec has none
     int channels;        // that are made of more; 0: as many as the source has
     int stereo, more;    // kbit/s, of two channels and of more; 0: lossless
@@ -185,23 +189,23 @@ const std::vector<int> kAnyRates = {48000, 44100, 32000, 24000, 22050, 16000, 80
 const std::vector<SoundEncoder> &soundEncoders()
 {
     static const std::vector<SoundEncoder> s_Encoders = {
-        {"aac", "-c:a aac", "lc", 2, 160, 160, 320, false, kAacRates},
-        {"ac3", "-c:a ac3", "", 0, 192, 448, 640, true, kDolbyRates},
-        {"mp3", "-c:a libmp3lame", "", 2, 192, 192, 320, true, kMpegRates},
-        {"eac3", "-c:a eac3", "", 0, 192, 448, 768, true, kDolbyRates},
-        {"mp2", "-c:a mp2", "", 2, 224, 224, 384, true, kMpegRates},
-        {"opus", "-c:a libopus", "", 2, 128, 128, 256, false, {48000}},
-        {"vorbis", "-c:a libvorbis", "", 2, 160, 160, 320, false, kAnyRates},
-        {"flac", "-c:a flac", "", 0, 0, 0, 0, false, kAnyRates},
-        {"pcm_s16le", "-c:a pcm_s16le", "", 2, 0, 0, 0, true, kAnyRates},
-        {"pcm_s16be", "-c:a pcm_s16be", "", 2, 0, 0, 0, true, kAnyRates},
-        {"pcm_dvd", "-c:a pcm_dvd", "", 2, 0, 0, 0, true, {48000}},
-        {"pcm_s24le", "-c:a pcm_s24le", "", 2, 0, 0, 0, true, kAnyRates},
-        {"alac", "-c:a alac", "", 2, 0, 0, 0, false, kAnyRates},
-        {"wmav2", "-c:a wmav2", "", 2, 128, 128, 256, false, {44100, 48000, 32000, 22050}},
-        {"wavpack", "-c:a wavpack", "", 2, 0, 0, 0, false, kAnyRates},
-        {"dts", "-c:a dca -strict -2", "dts", 0, 768, 768, 1509, true, kDolbyRates},
-        {"truehd", "-c:a truehd -strict -2", "", 0, 0, 0, 0, false, {48000, 44100, 96000}},
+        {"aac"_codec, "-c:a aac", "lc", 2, 160, 160, 320, false, kAacRates},
+        {"ac3"_codec, "-c:a ac3", "", 0, 192, 448, 640, true, kDolbyRates},
+        {"mp3"_codec, "-c:a libmp3lame", "", 2, 192, 192, 320, true, kMpegRates},
+        {"eac3"_codec, "-c:a eac3", "", 0, 192, 448, 768, true, kDolbyRates},
+        {"mp2"_codec, "-c:a mp2", "", 2, 224, 224, 384, true, kMpegRates},
+        {"opus"_codec, "-c:a libopus", "", 2, 128, 128, 256, false, {48000}},
+        {"vorbis"_codec, "-c:a libvorbis", "", 2, 160, 160, 320, false, kAnyRates},
+        {"flac"_codec, "-c:a flac", "", 0, 0, 0, 0, false, kAnyRates},
+        {"pcm_s16le"_codec, "-c:a pcm_s16le", "", 2, 0, 0, 0, true, kAnyRates},
+        {"pcm_s16be"_codec, "-c:a pcm_s16be", "", 2, 0, 0, 0, true, kAnyRates},
+        {"pcm_dvd"_codec, "-c:a pcm_dvd", "", 2, 0, 0, 0, true, {48000}},
+        {"pcm_s24le"_codec, "-c:a pcm_s24le", "", 2, 0, 0, 0, true, kAnyRates},
+        {"alac"_codec, "-c:a alac", "", 2, 0, 0, 0, false, kAnyRates},
+        {"wmav2"_codec, "-c:a wmav2", "", 2, 128, 128, 256, false, {44100, 48000, 32000, 22050}},
+        {"wavpack"_codec, "-c:a wavpack", "", 2, 0, 0, 0, false, kAnyRates},
+        {"dts"_codec, "-c:a dca -strict -2", "dts", 0, 768, 768, 1509, true, kDolbyRates},
+        {"truehd"_codec, "-c:a truehd -strict -2", "", 0, 0, 0, 0, false, {48000, 44100, 96000}},
     };
     return s_Encoders;
 }
@@ -257,18 +261,6 @@ std::string soundOptionBy(const SoundEncoder &encoder, const SoundLimits &limits
     return option + fmt::format(" -ar {}", *rate);
 }
 
-std::vector<int> codecsOf(const auto &encoders)
-{
-    std::vector<int> codecs;
-    for (const auto &encoder : encoders) codecs.push_back(codecNamed(encoder.codec));
-    return codecs;
-}
-
-int positionOf(int codec, const std::vector<int> &codecs)
-{
-    return static_cast<int>(std::ranges::find(codecs, codec) - codecs.begin());
-}
-
 } // namespace
 
 std::string pictureOption(const PictureLimits &limits)
@@ -288,28 +280,22 @@ std::string pictureOption(const PictureLimits &limits)
 std::string soundOption(const SoundLimits &limits)
 {
     for (const SoundEncoder &encoder : soundEncoders())
-        if (codecText(limits.codec) == encoder.codec) return soundOptionBy(encoder, limits);
+        if (limits.codec == encoder.codec) return soundOptionBy(encoder, limits);
     return {};
 }
 
 std::vector<int> makeablePictures()
 {
-    return codecsOf(s_PictureEncoders);
+    std::vector<int> codecs;
+    std::ranges::transform(s_PictureEncoders, std::back_inserter(codecs), &PictureEncoder::codec);
+    return codecs;
 }
 
 std::vector<int> makeableSounds()
 {
-    return codecsOf(soundEncoders());
-}
-
-int pictureRankOf(int codec)
-{
-    return positionOf(codec, makeablePictures());
-}
-
-int soundRankOf(int codec)
-{
-    return positionOf(codec, makeableSounds());
+    std::vector<int> codecs;
+    std::ranges::transform(soundEncoders(), std::back_inserter(codecs), &SoundEncoder::codec);
+    return codecs;
 }
 
 bool isLimitedBelow(const PictureLimits &limits)

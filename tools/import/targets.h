@@ -16,10 +16,6 @@ std::string soundOption(const SoundLimits &limits);
 std::vector<int> makeablePictures();
 std::vector<int> makeableSounds();
 
-/// A codec's position among them, or their number.
-int pictureRankOf(int codec);
-int soundRankOf(int codec);
-
 /// Whether small pictures are not taken.
 bool isLimitedBelow(const PictureLimits &limits);
 

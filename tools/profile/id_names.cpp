@@ -67,6 +67,14 @@ std::vector<std::string> playExceptionTexts(int bits)
     });
 }
 
+int allProfilesOf(int codecId)
+{
+    int bits = 0;
+    for (const ProfileName &row : profileNames())
+        if (row.codecId == codecId) bits |= row.bit;
+    return bits;
+}
+
 std::vector<std::string> knownContainers()
 {
     return namesOf(s_ContainerNames);

@@ -19,6 +19,9 @@ std::vector<std::string> profileTexts(int bits, int codecId);
 /// The same for play exceptions.
 std::vector<std::string> playExceptionTexts(int bits);
 
+/// All profiles of a codec, as bits; 0: none are known.
+int allProfilesOf(int codecId);
+
 /// All names of containers and of play exceptions, to look for the nearest.
 std::vector<std::string> knownContainers();
 std::vector<std::string> knownSubtypes(int containerId);

@@ -1,6 +1,5 @@
 #include "tools/profile/profile_words.h"
 
-#include "platform/registry_names.h"
 #include "tools/profile/coded_levels.h"
 #include "tools/profile/profile_session.h"
 #include "tools/profile/rule_text.h"
@@ -86,14 +85,6 @@ Quantity sizeOf(int width, int height)
     if (!isWidth) return {std::to_string(height), " pixels in height"};
     if (!isHeight) return {std::to_string(width), " pixels in width"};
     return {fmt::format("{}×{}", width, height), ""};
-}
-
-int allProfilesOf(int codec)
-{
-    int bits = 0;
-    for (const ProfileName &row : profileNames())
-        if (row.codecId == codec) bits |= row.bit;
-    return bits;
 }
 
 /// The phrases of a rule.
