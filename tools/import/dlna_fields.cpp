@@ -379,26 +379,29 @@ private:
     Player &player_;
 };
 
+/// The union of what fits for each codec that the restriction is found to be of.
+template <class Limits>
+Union<Limits> limitsThatFit(const DlnaRestriction &restriction, std::span<const Caps> table,
+                            Union<Limits> (FieldReader::*read)(int codec) const, Player &player)
+{
+    const FieldReader reader(restriction, player);
+    reader.noteVainValues();
+    Union<Limits> all;
+    for (const std::string &codec : reader.meanings(table))
+        for (const Limits &limits : (reader.*read)(codecNamed(codec))) add(all, limits);
+    return all;
+}
+
 } // namespace
 
 Union<PictureLimits> picturesThatFit(const DlnaRestriction &restriction, Player &player)
 {
-    const FieldReader reader(restriction, player);
-    reader.noteVainValues();
-    Union<PictureLimits> all;
-    for (const std::string &codec : reader.meanings(s_Pictures))
-        for (const PictureLimits &limits : reader.pictures(codecNamed(codec))) add(all, limits);
-    return all;
+    return limitsThatFit(restriction, s_Pictures, &FieldReader::pictures, player);
 }
 
 Union<SoundLimits> soundsThatFit(const DlnaRestriction &restriction, Player &player)
 {
-    const FieldReader reader(restriction, player);
-    reader.noteVainValues();
-    Union<SoundLimits> all;
-    for (const std::string &codec : reader.meanings(s_Sounds))
-        for (const SoundLimits &limits : reader.sounds(codecNamed(codec))) add(all, limits);
-    return all;
+    return limitsThatFit(restriction, s_Sounds, &FieldReader::sounds, player);
 }
 
 std::vector<Container> containersThatFit(const DlnaRestriction &restriction, bool isMusic,

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <ranges>
 #include <utility>
 
 namespace vornak::tool {
@@ -25,32 +26,6 @@ struct Place {
     char last = '\0'; // that was read
 };
 
-/// The text, handed out a byte at a time while the lines are counted.
-class CountingIterator {
-public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = char;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const char *;
-    using reference = const char &;
-
-    CountingIterator(const char *at, Place &place) : at_(at), place_(&place) {}
-
-    reference operator*() const { return *at_; }
-    CountingIterator &operator++()
-    {
-        if (*at_ == '\n') ++place_->line;
-        place_->last = *at_++;
-        return *this;
-    }
-    bool operator==(const CountingIterator &other) const { return at_ == other.at_; }
-    bool operator!=(const CountingIterator &other) const { return at_ != other.at_; }
-
-private:
-    const char *at_;
-    Place *place_;
-};
-
 /// Builds the tree from what the parser meets.
 class Builder : public nlohmann::json_sax<Json> {
 public:
@@ -60,14 +35,8 @@ public:
 
     bool null() override { return add(JsonValue::Null, {}); }
     bool boolean(bool value) override { return add(JsonValue::Flag, value ? "true" : "false"); }
-    bool number_integer(number_integer_t value) override
-    {
-        return addNumber(std::to_string(value));
-    }
-    bool number_unsigned(number_unsigned_t value) override
-    {
-        return addNumber(std::to_string(value));
-    }
+    bool number_integer(number_integer_t n) override { return addNumber(std::to_string(n)); }
+    bool number_unsigned(number_unsigned_t n) override { return addNumber(std::to_string(n)); }
     bool number_float(number_float_t, const string_t &text) override { return addNumber(text); }
     bool string(string_t &text) override { return add(JsonValue::Text, text); }
     bool binary(binary_t &) override { return false; } // not in JSON
@@ -87,7 +56,7 @@ public:
         const std::string_view what = error.what();
         const std::size_t column = what.find("column");
         const std::size_t reason = what.find(": ", column == std::string_view::npos ? 0 : column);
-        throw ImportError(path_, line(),
+        throw ImportError(path_, place_.line,
                           fmt::format("not well-formed JSON{}",
                                       reason == std::string_view::npos
                                           ? ""
@@ -98,17 +67,14 @@ private:
     /// The parser has read a byte beyond a number.
     bool addNumber(std::string text)
     {
-        const int beyond = place_.last == '\n' ? 1 : 0;
-        return add(JsonValue::Number, std::move(text), beyond);
+        return add(JsonValue::Number, std::move(text), place_.last == '\n' ? 1 : 0);
     }
-
-    int line() const { return place_.line; }
 
     bool add(JsonValue::Kind kind, std::string text, int beyond = 0)
     {
         if (++values_ > kMostValues)
-            throw ImportError(path_, line(), "it holds more values than any profile");
-        JsonValue value{kind, line() - beyond, std::move(text), {}};
+            throw ImportError(path_, place_.line, "it holds more values than any profile");
+        JsonValue value{kind, place_.line - beyond, std::move(text), {}};
         if (open_.empty())
             root_ = std::move(value);
         else
@@ -119,7 +85,7 @@ private:
     bool open(JsonValue::Kind kind)
     {
         if (open_.size() == kDeepest)
-            throw ImportError(path_, line(),
+            throw ImportError(path_, place_.line,
                               "lists and objects lie deeper in each other than in "
                               "any profile");
         add(kind, {});
@@ -150,8 +116,12 @@ JsonValue parseJson(const std::string &path, const std::string &text)
 {
     Place place;
     Builder builder(path, place);
-    Json::sax_parse(CountingIterator(text.data(), place),
-                    CountingIterator(text.data() + text.size(), place), &builder);
+    // which reads each byte once, in order
+    const auto counted = text | std::views::transform([&place](char c) {
+                             place.line += c == '\n' ? 1 : 0;
+                             return place.last = c;
+                         });
+    Json::sax_parse(counted.begin(), counted.end(), &builder);
     return builder.take();
 }
 

@@ -241,7 +241,8 @@ std::vector<Group> groupsOf(const Rule *table)
         const std::string inner = soundsIn(rule);
         auto group = std::ranges::find(groups, inner, &Group::inner);
         if (group == groups.end()) group = groups.insert(group, {{}, inner});
-        addNew(group->rules, ruleText(rule));
+        const bool isAll = &rule == table && idOf(rule) == kAnyCodec;
+        addNew(group->rules, isAll ? "any codec" : ruleText(rule));
     }
     return groups;
 }
