@@ -9,7 +9,6 @@
 #include <fmt/format.h>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <ranges>
 #include <utility>
 
 namespace vornak::tool {
@@ -24,6 +23,33 @@ constexpr std::size_t kMostValues = 200'000;
 struct Place {
     int line = 1;
     char last = '\0'; // that was read
+};
+
+/// The text, handed out a byte at a time while the lines are counted. (A view would do, but clang
+/// 14 makes no views of this library.)
+class CountingIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char *;
+    using reference = const char &;
+
+    CountingIterator(const char *at, Place &place) : at_(at), place_(&place) {}
+
+    reference operator*() const { return *at_; }
+    CountingIterator &operator++()
+    {
+        if (*at_ == '\n') ++place_->line;
+        place_->last = *at_++;
+        return *this;
+    }
+    bool operator==(const CountingIterator &other) const { return at_ == other.at_; }
+    bool operator!=(const CountingIterator &other) const { return at_ != other.at_; }
+
+private:
+    const char *at_;
+    Place *place_;
 };
 
 /// Builds the tree from what the parser meets.
@@ -116,12 +142,8 @@ JsonValue parseJson(const std::string &path, const std::string &text)
 {
     Place place;
     Builder builder(path, place);
-    // which reads each byte once, in order
-    const auto counted = text | std::views::transform([&place](char c) {
-                             place.line += c == '\n' ? 1 : 0;
-                             return place.last = c;
-                         });
-    Json::sax_parse(counted.begin(), counted.end(), &builder);
+    Json::sax_parse(CountingIterator(text.data(), place),
+                    CountingIterator(text.data() + text.size(), place), &builder);
     return builder.take();
 }
 
