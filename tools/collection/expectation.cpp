@@ -32,10 +32,10 @@ std::string column(const std::string &text)
 std::vector<std::string> columnsOf(std::string_view line)
 {
     std::vector<std::string> columns;
-    for (std::size_t end = 0; end != line.npos;) {
+    for (std::size_t end = 0; end != std::string_view::npos;) {
         end = line.find(kSeparator);
         columns.emplace_back(line.substr(0, end));
-        if (end != line.npos) line.remove_prefix(end + kSeparator.size());
+        if (end != std::string_view::npos) line.remove_prefix(end + kSeparator.size());
     }
     return columns;
 }
@@ -57,7 +57,7 @@ void dropPosition(std::string &text)
 {
     constexpr std::size_t kLongestName = 100;
     const std::size_t open = text.rfind('(');
-    if (open == text.npos || open == 0 || text.size() - open > kLongestName) return;
+    if (open == std::string::npos || open == 0 || text.size() - open > kLongestName) return;
     std::size_t start = open - 1;
     while (start > 0 && text[start - 1] >= '0' && text[start - 1] <= '9') --start;
     text.erase(start, open - start);
@@ -68,7 +68,7 @@ std::string withoutPlaces(std::string_view fact)
 {
     constexpr std::string_view kLine = ", line ";
     std::string text;
-    for (std::size_t at = fact.find(kLine); at != fact.npos; at = fact.find(kLine)) {
+    for (std::size_t at = fact.find(kLine); at != std::string_view::npos; at = fact.find(kLine)) {
         std::string before(fact.substr(0, at));
         dropPosition(before);
         text += before;

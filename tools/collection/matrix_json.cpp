@@ -114,7 +114,7 @@ std::size_t MatrixJson::numberOf(const CellWhy &why)
     for (const VisitedRules &walk : why.visited) visited.push_back(numberOf(walk));
     const std::size_t text = numberOf(ShownLine{reason.text, reason.line});
     const std::size_t ofMany = numberOf(ShownLine{reason.ofMany, reason.line});
-    const std::string json = fmt::format(
+    std::string json = fmt::format(
         R"({{"outcome":"{}","part":{},"code":"{}","reason":{},"ofMany":{},"lines":[{}],"visited":[{}]}})",
         nameOf(reason.outcome), reason.part.empty() ? "null" : jsonText(reason.part), reason.code,
         text, ofMany, fmt::join(lines, ","), fmt::join(visited, ","));

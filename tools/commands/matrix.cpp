@@ -76,7 +76,7 @@ MatrixTotals writeTable(const MatrixRun &run)
 {
     const MatrixTable table(run.columns, outputWidth());
     writeOut(table.head());
-    const MatrixTotals totals = decideMatrix(
+    MatrixTotals totals = decideMatrix(
         run.columns, run.request, run.media,
         [&](const SeenFile &file, const MatrixResults &results) {
             return table.row(file.path, results);
@@ -99,7 +99,7 @@ MatrixTotals writeCsv(const MatrixRun &run)
 
 MatrixTotals writeReasons(const MatrixRun &run)
 {
-    const MatrixTotals totals = decideMatrix(
+    MatrixTotals totals = decideMatrix(
         run.columns, run.request, run.media,
         [&](const SeenFile &, const MatrixResults &results) {
             return reasonsOf(results, run.columns, run.request);
@@ -129,8 +129,7 @@ MatrixTotals writeJson(const MatrixRun &run)
 {
     MatrixJson json(run.columns);
     writeOut(json.head(run.request));
-    const MatrixTotals totals =
-        explainAll(run, [&](const MatrixRow &row) { writeOut(json.row(row)); });
+    MatrixTotals totals = explainAll(run, [&](const MatrixRow &row) { writeOut(json.row(row)); });
     writeOut(json.tail(totals));
     return totals;
 }
@@ -144,7 +143,7 @@ MatrixTotals writePage(const MatrixRun &run)
                         "replaced",
                         printable(run.page)));
     MatrixPage page(run.columns, run.request);
-    const MatrixTotals totals = explainAll(run, [&](const MatrixRow &row) { page.add(row); });
+    MatrixTotals totals = explainAll(run, [&](const MatrixRow &row) { page.add(row); });
     writeWholeFile(page.text(totals), place);
     writeOut(MatrixTable(run.columns, outputWidth()).sums(totals));
     return totals;

@@ -46,7 +46,7 @@ std::string_view wordOf(const JsonFields &fields, const char *name,
 /// A field with bytes in hexadecimal beside one with the same in words.
 std::string bytesOf(const JsonFields &fields, const char *name, const char *hexName)
 {
-    const std::string bytes = fields.text(name);
+    std::string bytes = fields.text(name);
     if (fields.text(hexName) != hexBytes(bytes))
         fields.refuse(hexName, fmt::format("the bytes of {} in hexadecimal", name));
     return bytes;
@@ -131,14 +131,15 @@ std::optional<LineParts> splitLine(std::string_view line)
     if (!line.starts_with(s_Start) || !line.ends_with('}')) return std::nullopt;
     const std::size_t skipped = line.find(kSkipped), media = line.find(kMedia, skipped),
                       beside = line.rfind(kBeside);
-    if (media == line.npos || beside == line.npos || beside < media) return std::nullopt;
+    if (media == std::string_view::npos || beside == std::string_view::npos || beside < media)
+        return std::nullopt;
     return LineParts{line.substr(0, skipped), line.substr(media, beside - media),
                      line.substr(beside)};
 }
 
 bool isOpened(std::string_view mediaPart)
 {
-    return mediaPart.find("\"cannot-open\"") == mediaPart.npos;
+    return mediaPart.find("\"cannot-open\"") == std::string_view::npos;
 }
 
 ProbedFile readLine(std::string_view line)
