@@ -2,6 +2,7 @@
 
 #include "tools/collection/matrix_table.h"
 #include "tools/collection/page_template.h"
+#include "tools/terminal/json_document.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>

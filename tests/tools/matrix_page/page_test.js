@@ -140,6 +140,21 @@ async function checkAccess(page, what) {
     assert.deepEqual(violations.map(({id, nodes}) => [id, nodes[0].html]), [], what);
 }
 
+/// axe doesn't judge letters that stand alone.
+async function checkLetters(page) {
+    const contrasts = await page.$$eval('.key .letter', all => all.map(letter => {
+        const {color, backgroundColor} = getComputedStyle(letter);
+        const [ink, paper] = [color, backgroundColor].map(colour => {
+            const [r, g, b] = colour.match(/\d+/g).map(part => part / 255)
+                .map(part => part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4);
+            return 0.2126 * r + 0.7152 * g + 0.0722 * b + 0.05;
+        });
+        return Math.max(ink, paper) / Math.min(ink, paper);
+    }));
+    assert.equal(contrasts.length, 6);
+    assert(Math.min(...contrasts) >= 4.5, contrasts.join());
+}
+
 async function checkWithoutScripts(browser, rows) {
     const page = await open(browser, 'page.html', {javaScriptEnabled: false});
     const cells = await page.$$eval('noscript tbody tr', all => all.map(row =>
@@ -162,6 +177,7 @@ async function testPage(browser) {
             assert.equal(await page.locator('img, b > *').count(), 0);
             assert.deepEqual(await rowsOf(page), rows);
             await checkSums(page, doc);
+            await checkLetters(page);
             await checkKeys(page, rows);
             await checkSort(page, rows);
             await checkFilter(page, rows);
