@@ -12,6 +12,12 @@ namespace vornak::tool {
 inline constexpr std::string_view s_VideoCodecOptions[] = {"-c:v", "-codec:v", "-vcodec", "-c:v:0"};
 inline constexpr std::string_view s_AudioCodecOptions[] = {"-c:a", "-codec:a", "-acodec", "-c:a:0"};
 
+/// A rule's OPTION, which may be null.
+constexpr std::string_view textOf(const char *option)
+{
+    return option ? option : "";
+}
+
 /// The word after the last of the named options, as a transcoder takes the last. Nothing when
 /// none is there; empty when the text ends with it.
 std::optional<std::string_view> optionValue(std::string_view text,

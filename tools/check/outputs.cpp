@@ -22,11 +22,6 @@ namespace {
 
 using Names = std::initializer_list<std::string_view>;
 
-std::string_view textOf(const char *option)
-{
-    return option ? option : "";
-}
-
 /// What an OPTION says of its output: values, and for each the words that say it.
 template <class Source>
 struct Output {

@@ -17,11 +17,6 @@ namespace {
 
 constexpr const char *kVideoOption = "-c:v", *kAudioOption = "-c:a";
 
-std::string_view textOf(const char *option)
-{
-    return option ? option : "";
-}
-
 std::string nameOf(pugi::xml_node element)
 {
     return excerpt(element.attribute("NAME").value());
