@@ -184,16 +184,16 @@ void addProfileCheck(CLI::App &app, int &status)
                      "or - for standard input")
         ->type_name("");
     command->add_option("--severity", options->severity, "Show findings as bad as this, or worse")
-        ->check(CLI::IsMember({"error", "warning", "note"}))
+        ->check(CLI::IsMember({"error", "warning", "note"}).description(""))
         ->type_name("error|warning|note");
     command->add_option("--format", options->format, "How to print what is found")
-        ->check(CLI::IsMember({"text", "gcc", "json", "sarif"}))
+        ->check(CLI::IsMember({"text", "gcc", "json", "sarif"}).description(""))
         ->type_name("text|gcc|json|sarif");
     command->add_flag("--json", options->json, "The same as --format json");
     command
         ->add_flag("--fix{write}", options->fix,
                    "Mend what can be mended in one way only; --fix=diff shows the changes instead")
-        ->check(CLI::IsMember({"write", "diff"}));
+        ->check(CLI::IsMember({"write", "diff"}).description(""));
     command->add_flag("--list", options->list,
                       "Print all that can be found, each with an example and the same mended");
     addColourOption(*command);
