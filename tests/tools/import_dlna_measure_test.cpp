@@ -231,7 +231,7 @@ TEST(ImportDlnaMeasure, OfWrittenProfiles)
                 << "\n"
                 << imported.xml;
         }
-        EXPECT_GT(count.played, 5) << name;
+        EXPECT_GT(count.played, 0) << name;
         EXPECT_LE(count.needless * 20, count.played) << name;
         std::cout << name << ": " << count.played << " played, " << count.needless
                   << " of them transcoded\n";
