@@ -71,7 +71,7 @@ int findMusic(const AudioRule *table, const AudioSource &source, const Request &
         index = kTranscode;
         transcoding = true;
     }
-    for (;;) {
+    for (bool again = false;; again = true) {
         // Read back below instead of remembered: a host that wants neither index may pass one
         // variable for both.
         *answer.audioIndex = index;
@@ -84,7 +84,8 @@ int findMusic(const AudioRule *table, const AudioSource &source, const Request &
         if (pIsWavPcm)
             *pIsWavPcm = chosen && isPcm(table[positionOf(*answer.audioIndex)].aCodecId) &&
                          dstFormatId == "wav"_container;
-        if (result != VORNAK_NOT_ALLOWED || *answer.audioIndex == kTranscode) return result;
+        if (result != VORNAK_NOT_ALLOWED || *answer.audioIndex == kTranscode || again)
+            return result;
 
         // The stream fits, but no container does and none may be made: transcode it all.
         index = kTranscode;

@@ -175,15 +175,18 @@ TEST(AudioDecision, reportsMissingTables)
     AudioRule table[] = {audioRule(kMp3, formats), audioRule(kAac, formats),
                          audioRule(-1, nullptr)};
     int index = kUntouched;
-    const auto decide = [&](int *audio, int *format) {
+    const auto decide = [&](int *audio, int *format, int *container = nullptr) {
         return getMusicTranscodeIndex(table, kAac, 0, 0, 2, 1, 1, kMp4, audio, format, nullptr,
-                                      nullptr, nullptr);
+                                      nullptr, container);
     };
     EXPECT_EQ(decide(nullptr, &index), 1);
     EXPECT_EQ(decide(&index, nullptr), 1);
     EXPECT_EQ(index, kUntouched);
     EXPECT_EQ(decide(&index, &index), 0); // one variable for both: the rule fits, no container does
     EXPECT_EQ(index, 256);
+    formats[0].noTranscode = formats[0].nonSeekable = 1;
+    int format = 0;
+    EXPECT_EQ(decide(&index, &format, &index), 3); // the container stands over the index: no loop
 }
 
 TEST(AudioDecision, neverChoosesARulePast255)
