@@ -23,8 +23,8 @@ fi
 work=$(mktemp -d)
 trap 'rm -rf --one-file-system "$work"' EXIT
 cd "$work"
-npm install --silent --no-audit --no-fund --prefix driver \
-    playwright-core@1.65.1 axe-core@4.14.1 >npm.log 2>&1 || skip "npm: $(tail -n 1 npm.log)"
+npm install --loglevel=error --no-audit --no-fund --prefix driver \
+    playwright-core@1.65.1 axe-core@4.14.1 >npm.log 2>&1 || skip "npm: $(head -n 1 npm.log)"
 
 matrix() { # page, options: 1 is what unreadable files lead to
     local status=0
