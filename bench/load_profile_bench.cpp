@@ -240,13 +240,13 @@ void compareLoaders(const test::TempDir &files)
 /// The same bytes as one file of many rules and as loads of a file of few.
 void compareFewAndMany(const test::TempDir &files)
 {
-    const std::string many = files.write("many.xml", musicProfile(2000));
+    const std::string many = files.write("many.xml", musicProfile(5000));
     const std::string few = files.write("few.xml", musicProfile(20));
-    measure("load-2000-rules", [&] { loadByTheLibrary(many); });
-    measure("load-100-times-20-rules", [&] {
-        for (int i = 0; i < 100; ++i) loadByTheLibrary(few);
+    measure("load-2MB-under-one-parent", [&] { loadByTheLibrary(many); });
+    measure("load-250-times-8KB", [&] {
+        for (int i = 0; i < 250; ++i) loadByTheLibrary(few);
     });
-    ratio("load-2000-rules", "load-100-times-20-rules", 1);
+    ratio("load-2MB-under-one-parent", "load-250-times-8KB", 1);
 }
 
 } // namespace
