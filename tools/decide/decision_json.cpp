@@ -14,7 +14,8 @@ namespace {
 Json rule(const RuleRef &ref, const std::string &name, const ProfileSession &session)
 {
     const int line = session.lineOf(ref.record);
-    return {{"position", ref.position}, {"name", name}, {"line", line > 0 ? Json(line) : Json()}};
+    return object(
+        {{"position", ref.position}, {"name", name}, {"line", line > 0 ? Json(line) : Json()}});
 }
 
 Json rule(const RuleRef &ref, RuleKind kind, const ProfileSession &session)
@@ -78,10 +79,10 @@ Json part(const Part &part, int index, bool isContainer, const ProfileSession &s
     const RuleKind kind = isContainer ? RuleKind::Container : RuleKind::Codec;
     Json reasons = Json::array();
     for (const Reason &reason : part.reasons) reasons.push_back(reasonOf(reason, session));
-    return {{"action", nameOf(part.action)},
-            {"index", index},
-            {"rule", rule(part.rule, kind, session)},
-            {"reasons", std::move(reasons)}};
+    return object({{"action", nameOf(part.action)},
+                   {"index", index},
+                   {"rule", rule(part.rule, kind, session)},
+                   {"reasons", std::move(reasons)}});
 }
 
 Json source(const Decision &decision)
@@ -90,24 +91,24 @@ Json source(const Decision &decision)
     Json tracks = Json::array();
     for (const AudioTrack &track : media.audio) tracks.push_back(jsonOf(track));
     const AudioTrack *track = decision.audioTrack();
-    return {{"container", printable(media.containerName)},
-            {"formatId", media.formatId},
-            {"duration", media.duration},
-            {"video", media.video ? jsonOf(*media.video, decision.video.codecFlag) : Json()},
-            {"audioTracks", std::move(tracks)},
-            {"audioTrack", track ? Json(track->number) : Json()}};
+    return object({{"container", printable(media.containerName)},
+                   {"formatId", media.formatId},
+                   {"duration", media.duration},
+                   {"video", media.video ? jsonOf(*media.video, decision.video.codecFlag) : Json()},
+                   {"audioTracks", std::move(tracks)},
+                   {"audioTrack", track ? Json(track->number) : Json()}});
 }
 
 Json output(const Decision &decision)
 {
     if (decision.isRefused()) return nullptr;
     const bool same = decision.outputFormatId == decision.media.formatId;
-    return {{"container", same ? printable(decision.media.containerName)
-                               : containerText(decision.outputFormatId)},
-            {"formatId", decision.outputFormatId},
-            {"mime", textOrNull(decision.mime)},
-            {"dlnaProfile", textOrNull(decision.dlnaProfile)},
-            {"seekable", decision.isSeekable()}};
+    return object({{"container", same ? printable(decision.media.containerName)
+                                      : containerText(decision.outputFormatId)},
+                   {"formatId", decision.outputFormatId},
+                   {"mime", textOrNull(decision.mime)},
+                   {"dlnaProfile", textOrNull(decision.dlnaProfile)},
+                   {"seekable", decision.isSeekable()}});
 }
 
 Json forbidding(const Explanation &explanation, const ProfileSession &session)
@@ -124,17 +125,17 @@ Json forbidding(const Explanation &explanation, const ProfileSession &session)
 
 Json hardware(const Surroundings &around)
 {
-    return {{"allowedByRule", around.ruleAllowsHardware},
-            {"agent", around.hardwareAgent},
-            {"serves", around.hardwareServes()}};
+    return object({{"allowedByRule", around.ruleAllowsHardware},
+                   {"agent", around.hardwareAgent},
+                   {"serves", around.hardwareServes()}});
 }
 
 Json elements(const Surroundings &around)
 {
-    return {{"demuxer", textOrNull(around.demuxer)},
-            {"videoDecoder", textOrNull(around.videoDecoder)},
-            {"audioDecoder", textOrNull(around.audioDecoder)},
-            {"muxer", textOrNull(around.muxer)}};
+    return object({{"demuxer", textOrNull(around.demuxer)},
+                   {"videoDecoder", textOrNull(around.videoDecoder)},
+                   {"audioDecoder", textOrNull(around.audioDecoder)},
+                   {"muxer", textOrNull(around.muxer)}});
 }
 
 std::string_view nameOf(Verdict verdict)
@@ -233,7 +234,7 @@ std::string jsonOf(const std::string &path, const Decision &decision,
     json["hardware"] = decision.isVideo ? hardware(around) : Json();
     json["elements"] = elements(around);
     if (withVisits) json["visited"] = visits(explanation, session);
-    return json.dump();
+    return compactText(json);
 }
 
 std::string jsonOf(const std::string &path, const Undecided &undecided)
@@ -241,7 +242,7 @@ std::string jsonOf(const std::string &path, const Undecided &undecided)
     Json json = pathFields(path);
     json["outcome"] = nameOf(undecided.outcome);
     json["error"] = {{"code", undecided.code}, {"message", undecided.message}};
-    return json.dump();
+    return compactText(json);
 }
 
 Json summaryFields(const Totals &totals, bool countReasons)
