@@ -7,7 +7,7 @@ def row(work, against, ours, theirs, unit, most=None, least=None):
     ratio = theirs / ours if least else ours / theirs
     missed = (most is not None and ratio > most) or (least is not None and ratio < least)
     target = f"at most {most:.2f}" if most else f"at least {least:g}" if least else ""
-    digits = 0 if ours >= 1000 else 2
+    digits = 2 if isinstance(ours, float) and ours < 1000 else 0
     print(f"| {work} | {against} | {ours:,.{digits}f} {unit} | {theirs:,.{digits}f} {unit} "
           f"| {ratio:.2f} | {target}{' **missed**' if missed else ''} |", flush=True)
     return missed
