@@ -125,6 +125,11 @@ ExpectedCell cellOf(const MatrixColumn &player, const std::string &path, const F
     return cell;
 }
 
+std::string_view expectationStart()
+{
+    return kHead.substr(0, kHead.find('1'));
+}
+
 std::string expectationHead()
 {
     return std::string(kHead) + '\n';

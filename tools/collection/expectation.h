@@ -21,6 +21,9 @@ struct ExpectedCell {
 ExpectedCell cellOf(const MatrixColumn &column, const std::string &path, const FileResult &result,
                     const DecisionRequest &request);
 
+/// How each expectation begins, of whatever version.
+std::string_view expectationStart();
+
 /// The first line of an expectation, and one of a cell.
 std::string expectationHead();
 std::string lineOf(const ExpectedCell &cell);

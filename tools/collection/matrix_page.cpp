@@ -2,6 +2,7 @@
 
 #include "tools/collection/matrix_table.h"
 #include "tools/collection/page_template.h"
+#include "tools/terminal/counted.h"
 #include "tools/terminal/json_document.h"
 #include "tools/terminal/printable.h"
 
@@ -105,11 +106,6 @@ std::string filled(std::string_view page, const std::map<std::string_view, std::
         page.remove_prefix(end + 2);
     }
     return out.append(page);
-}
-
-std::string counted(std::size_t count, std::string_view what)
-{
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
 } // namespace

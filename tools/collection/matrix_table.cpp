@@ -1,5 +1,6 @@
 #include "tools/collection/matrix_table.h"
 
+#include "tools/terminal/counted.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 
@@ -44,11 +45,6 @@ std::string titleOf(const MatrixColumn &column)
     if (!column.session) return "! " + column.error;
     return fmt::format("{} ({})", printable(column.name),
                        printable(column.session->profile().deviceName));
-}
-
-std::string countText(std::size_t count, std::string_view what)
-{
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
 } // namespace
@@ -117,8 +113,8 @@ std::string MatrixTable::sums(const MatrixTotals &totals) const
         }
         text += printable(columns_[column].name) + '\n';
     }
-    text += fmt::format("{}, {}", countText(totals.files, "file"),
-                        countText(columns_.size(), "player"));
+    text +=
+        fmt::format("{}, {}", counted(totals.files, "file"), counted(columns_.size(), "player"));
     if (totals.skipped > 0) text += fmt::format("; {} skipped as no media", totals.skipped);
     return text + '\n';
 }

@@ -74,7 +74,7 @@ bool isNamed(int folder, const std::string &name, int file)
 
 ProbedLinesFile::ProbedLinesFile(const std::string &path) : place_(path, true)
 {
-    refuseOther();
+    place_.refuseOther(kLineStart, "the lines of vornak probe");
     lock();
     keepPart();
     const Descriptor file(openOld(place_));
@@ -85,15 +85,6 @@ ProbedLinesFile::ProbedLinesFile(const std::string &path) : place_(path, true)
         fail("");
     same_ = 0;
     learn(old_);
-}
-
-void ProbedLinesFile::refuseOther() const
-{
-    if (place_.holdsOther(kLineStart))
-        throw std::runtime_error(
-            fmt::format("{}: holds something else than the lines of vornak probe, so it is not "
-                        "replaced",
-                        printable(place_.path())));
 }
 
 std::string ProbedLinesFile::nameWith(std::string_view ending) const

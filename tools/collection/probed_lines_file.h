@@ -37,7 +37,6 @@ public:
 
 private:
     std::string nameWith(std::string_view ending) const;
-    void refuseOther() const;
     void lock();
     void keepPart();
     void learn(const std::string &text);

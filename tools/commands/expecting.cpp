@@ -3,6 +3,7 @@
 #include "tools/collection/expectation.h"
 #include "tools/commands/whole_file.h"
 #include "tools/files/output_place.h"
+#include "tools/terminal/counted.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
@@ -40,6 +41,7 @@ int save(const std::string &path, const std::vector<MatrixColumn> &columns,
          const DecisionRequest &request, const MediaNames &media)
 {
     const OutputPlace place(path, true);
+    place.refuseOther(expectationStart(), "an expectation");
     std::string text = expectationHead();
     std::size_t cells = 0;
     const MatrixTotals totals = forEachCell(columns, request, media, [&](const ExpectedCell &cell) {
@@ -47,8 +49,8 @@ int save(const std::string &path, const std::vector<MatrixColumn> &columns,
         ++cells;
     });
     writeWholeFile(text, place);
-    writeOut(fmt::format("{} decisions about {} files saved in {}\n", cells, totals.files,
-                         printable(path)));
+    writeOut(fmt::format("{} about {} saved in {}\n", counted(cells, "decision"),
+                         counted(totals.files, "file"), printable(path)));
     return totals.unreadable > 0 || lacksPlayer(columns) ? kIncomplete : kDone;
 }
 

@@ -14,12 +14,10 @@
 #include "tools/terminal/command_line.h"
 #include "tools/terminal/exit_status.h"
 #include "tools/terminal/output.h"
-#include "tools/terminal/printable.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <fmt/format.h>
 #include <memory>
 
 namespace vornak::tool {
@@ -137,11 +135,7 @@ MatrixTotals writeJson(const MatrixRun &run)
 MatrixTotals writePage(const MatrixRun &run)
 {
     const OutputPlace place(run.page, true);
-    if (place.holdsOther(pageStart()))
-        throw std::runtime_error(
-            fmt::format("{}: holds something else than a page of vornak matrix, so it is not "
-                        "replaced",
-                        printable(run.page)));
+    place.refuseOther(pageStart(), "a page of vornak matrix");
     MatrixPage page(run.columns, run.request);
     MatrixTotals totals = explainAll(run, [&](const MatrixRow &row) { page.add(row); });
     writeWholeFile(page.text(totals), place);

@@ -60,12 +60,13 @@ void OutputPlace::open(const std::string &path)
     if (name_.empty()) refuse(path_, EISDIR);
 }
 
-bool OutputPlace::holdsOther(std::string_view start) const
+void OutputPlace::refuseOther(std::string_view start, std::string_view what) const
 {
     std::string there(start.size(), '\0');
     const Descriptor file(openat(folder(), name_.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     const ssize_t got = file ? read(file.get(), there.data(), there.size()) : 0;
-    return got > 0 && there.substr(0, static_cast<std::size_t>(got)) != start;
+    if (got > 0 && there.substr(0, static_cast<std::size_t>(got)) != start)
+        refuse(path_, fmt::format("holds something else than {}, so it is not replaced", what));
 }
 
 bool OutputPlace::isLink() const

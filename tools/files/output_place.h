@@ -21,8 +21,10 @@ public:
     const std::string &name() const { return name_; }
     bool replaces() const { return replaces_; }
 
-    /// Whether there is a file that begins otherwise; an empty one doesn't.
-    bool holdsOther(std::string_view start) const;
+    /// Throws a line for the user where there is a file that begins otherwise; an empty one
+    /// doesn't.
+    /// @param what  begins like that, such as "a page of vornak matrix"
+    void refuseOther(std::string_view start, std::string_view what) const;
 
 private:
     bool isLink() const;
