@@ -57,15 +57,15 @@ Words codecNameList()
     return names;
 }
 
-int readCodec(const char *option, const std::string &spec, const std::string &name, bool picture)
+int readCodec(const char *option, const std::string &given, const std::string &name, bool picture)
 {
     const int codec = codecNamed(name);
     if (codec <= 0)
-        refuse(option, spec,
+        refuse(option, given,
                fmt::format("there is no codec {}{}", printable(name),
                            didYouMean(name, codecNameList())));
     if (isPicture(codec) != picture)
-        refuse(option, spec,
+        refuse(option, given,
                fmt::format("{} is no {} codec", printable(name), picture ? "video" : "audio"));
     return codec;
 }
@@ -87,11 +87,11 @@ constexpr struct {
     {"aac", "he_v2", "lc|he|he_v2"},
 };
 
-int readProfiles(const char *option, const std::string &spec, int codec, const std::string &name)
+int readProfiles(const char *option, const std::string &given, int codec, const std::string &name)
 {
     const Words known = profileTexts(allProfilesOf(codec), codec);
     if (!codecHasProfile(codec, name.c_str()))
-        refuse(option, spec,
+        refuse(option, given,
                fmt::format("{} has no profile {}{}", codecText(codec), printable(name),
                            nearestOrAll(name, known)));
     const int bits = profilesNamed(name);
@@ -115,14 +115,14 @@ int readNumber(const std::string &text)
     return isWhole && number <= 2'000'000'000 ? static_cast<int>(number) : 0;
 }
 
-void readSizeOrRate(const std::string &spec, const std::string &word, PictureLimits &limits)
+void readSizeOrRate(const std::string &given, const std::string &word, PictureLimits &limits)
 {
     const std::size_t times = word.find('x');
     if (times == std::string::npos) {
         constexpr int kLeastBitrate = 10'000; // else kilobits or a width are meant
         limits.bitrate.most = readNumber(word);
         if (limits.bitrate.most < kLeastBitrate)
-            refuse("--video", spec,
+            refuse("--video", given,
                    fmt::format("{} is neither a size, such as 1920x1080, nor a "
                                "bit rate, such as 25M",
                                printable(word)));
@@ -131,44 +131,44 @@ void readSizeOrRate(const std::string &spec, const std::string &word, PictureLim
     limits.width.most = readNumber(word.substr(0, times));
     limits.height.most = readNumber(word.substr(times + 1));
     if (limits.width.most == 0 || limits.height.most == 0)
-        refuse("--video", spec,
+        refuse("--video", given,
                fmt::format("{} is no size; write one like 1920x1080", printable(word)));
 }
 
 /// CODEC[:PROFILE][:LEVEL][,WIDTHxHEIGHT][,BITRATE]
-PictureLimits readPicture(const std::string &spec)
+PictureLimits readPicture(const std::string &given)
 {
-    Words parts = splitList(spec, ',');
+    Words parts = splitList(given, ',');
     const Words words = parts.empty() ? Words{} : splitList(parts.front(), ':');
-    if (words.empty()) refuse("--video", spec, "name a codec, such as h264:high:4.1,1920x1080");
+    if (words.empty()) refuse("--video", given, "name a codec, such as h264:high:4.1,1920x1080");
     PictureLimits limits;
-    limits.codec = readCodec("--video", spec, words[0], true);
+    limits.codec = readCodec("--video", given, words[0], true);
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::optional<int> level = codedLevel(limits.codec, words[i]);
         if (level)
             limits.level = *level;
         else if (words[i].find_first_not_of("0123456789.") == std::string::npos)
-            refuse("--video", spec,
+            refuse("--video", given,
                    fmt::format("{} has no level {}", codecText(limits.codec), printable(words[i])));
         else
-            limits.profiles = readProfiles("--video", spec, limits.codec, words[i]);
+            limits.profiles = readProfiles("--video", given, limits.codec, words[i]);
     }
-    for (std::size_t i = 1; i < parts.size(); ++i) readSizeOrRate(spec, parts[i], limits);
+    for (std::size_t i = 1; i < parts.size(); ++i) readSizeOrRate(given, parts[i], limits);
     return limits;
 }
 
 /// CODEC[:PROFILE][:CHANNELS]
-SoundLimits readSound(const char *option, const std::string &spec)
+SoundLimits readSound(const char *option, const std::string &given)
 {
-    const Words words = splitList(spec, ':');
-    if (words.empty()) refuse(option, spec, "name a codec, such as aac:2");
+    const Words words = splitList(given, ':');
+    if (words.empty()) refuse(option, given, "name a codec, such as aac:2");
     SoundLimits limits;
-    limits.codec = readCodec(option, spec, words[0], false);
+    limits.codec = readCodec(option, given, words[0], false);
     for (std::size_t i = 1; i < words.size(); ++i)
         if (const int channels = readNumber(words[i]); channels > 0)
             limits.channels.most = channels;
         else
-            limits.profiles = readProfiles(option, spec, limits.codec, words[i]);
+            limits.profiles = readProfiles(option, given, limits.codec, words[i]);
     return limits;
 }
 
@@ -195,13 +195,13 @@ std::vector<int> musicContainers(int codec)
     return formats;
 }
 
-void addMusic(Player &player, const std::string &option, const std::string &spec)
+void addMusic(Player &player, const std::string &option, const std::string &given)
 {
-    const SoundLimits sound = readSound(option.c_str(), spec);
+    const SoundLimits sound = readSound(option.c_str(), given);
     const std::vector<int> formats = musicContainers(sound.codec);
     if (formats.empty() && option == "--music")
-        refuse("--music", spec, "no container is known for music of this codec");
-    const int origin = originOf(player, fmt::format("{} {}", option.substr(2), printable(spec)));
+        refuse("--music", given, "no container is known for music of this codec");
+    const int origin = originOf(player, fmt::format("{} {}", option.substr(2), printable(given)));
     for (const int format : formats)
         player.ways.push_back({std::nullopt,
                                sound,
@@ -212,10 +212,10 @@ void addMusic(Player &player, const std::string &option, const std::string &spec
 }
 
 /// Adds what can be: not all codecs are found in all containers.
-void addVideo(Player &player, const std::string &spec, const Description &description)
+void addVideo(Player &player, const std::string &given, const Description &description)
 {
-    const PictureLimits picture = readPicture(spec);
-    const int origin = originOf(player, fmt::format("video {}", printable(spec)));
+    const PictureLimits picture = readPicture(given);
+    const int origin = originOf(player, fmt::format("video {}", printable(given)));
     const std::size_t before = player.ways.size();
     for (const std::string &audio : description.audio)
         for (const std::string &container : description.containers) {
@@ -230,7 +230,7 @@ void addVideo(Player &player, const std::string &spec, const Description &descri
             player.wishes.push_back({true, picture.codec, sound.codec, format});
         }
     if (player.ways.size() == before)
-        refuse("--video", spec,
+        refuse("--video", given,
                "no container of --container is known to hold it with a codec of "
                "--audio; name others");
 }
@@ -284,9 +284,9 @@ Player describedPlayer(Description description)
                                  "both come in, --container");
     Player player;
     player.name = description.name;
-    for (const std::string &spec : tellsMusic ? description.music : description.audio)
-        addMusic(player, tellsMusic ? "--music" : "--audio", spec);
-    for (const std::string &spec : description.video) addVideo(player, spec, description);
+    for (const std::string &given : tellsMusic ? description.music : description.audio)
+        addMusic(player, tellsMusic ? "--music" : "--audio", given);
+    for (const std::string &given : description.video) addVideo(player, given, description);
     return player;
 }
 
