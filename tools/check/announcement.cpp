@@ -2,6 +2,9 @@
 #include "tools/check/checks.h"
 
 #include "base/media_ids.h"
+#include "include/vornak_host.h"
+#include "platform/registry_names.h"
+#include "tools/check/option_words.h"
 #include "tools/profile/dlna_names.h"
 #include "tools/profile/id_names.h"
 
@@ -39,6 +42,45 @@ void checkMime(const Place &place, Report &report)
         report.suggest(type, s_known, "write the one that the player states"));
 }
 
+/// The profile of H.264 or the like that OPTION asks for, as a bit, where this place announces what
+/// it makes; else 0.
+int profileMade(const Place &place)
+{
+    if (!place.video.record || place.video.position + place.audio.position + place.entry.position)
+        return 0;
+    const auto value = optionValue(textOf(place.video.record->option), s_PictureProfileOptions);
+    int bit = 0;
+    if (value && codecHasProfile(place.video.record->vCodecId, std::string(*value).c_str()))
+        ProfileNameToID(std::string(*value).c_str(), &bit);
+    return bit;
+}
+
+DlnaUse useOf(const Place &place)
+{
+    DlnaUse use{place.entry.record->formatId, pictureOf(place), place.audio.record->aCodecId};
+    use.channels = place.audio.record->maxChannels;
+    if (const VideoRule *rule = place.video.record) {
+        const int made = profileMade(place);
+        use.profiles = made != 0 ? made : rule->vProfileId;
+        use.width = rule->maxWidth;
+        use.height = rule->maxHeight;
+    }
+    return use;
+}
+
+/// What a name says of the picture beyond its codec that isn't so here; empty: it fits.
+std::string pictureContradiction(const DlnaName &name, const DlnaUse &use, int codec)
+{
+    if (name.profiles != 0 && use.profiles > 0 && (name.profiles & use.profiles) == 0)
+        return fmt::format("means the profile {} and not {}",
+                           fmt::join(profileTexts(name.bestProfile, codec), ""),
+                           fmt::join(profileTexts(use.profiles, codec), ", "));
+    if (name.width != 0 && use.width > name.width && use.height > name.height)
+        return fmt::format("means pictures of up to {}x{}, and not of {}x{}", name.width,
+                           name.height, use.width, use.height);
+    return {};
+}
+
 /// What a name says that isn't so here; empty: it fits.
 std::string contradiction(const DlnaName &name, const Place &place)
 {
@@ -54,22 +96,23 @@ std::string contradiction(const DlnaName &name, const Place &place)
     if (!allows(name.containers, container))
         return fmt::format("means {} and not {}", containerText(name.containers.front()),
                            containerText(container));
-    return {};
+    return pictureContradiction(name, useOf(place), picture);
 }
 
 void checkPn(const Place &place, Report &report)
 {
     const ContainerEntry &entry = *place.entry.record;
     const pugi::xml_node element = place.entry.element;
-    const DlnaName *fitting =
-        dlnaNameFor(entry.formatId, pictureOf(place), place.audio.record->aCodecId);
+    const std::string &fitting = dlnaNameFor(useOf(place));
+    const bool isFamily = fitting.ends_with('*');
     if (!entry.pn) {
-        if (fitting)
+        if (!fitting.empty())
             report.add(
                 Fault::PnMissing, element,
                 fmt::format("{} is announced without a DLNA profile name, and there are such",
                             excerpt(element.attribute("NAME").value())),
-                fmt::format("add PN, such as {}", fitting->name));
+                isFamily ? fmt::format("add PN, the one of {} that the player states", fitting)
+                         : fmt::format("add PN, such as {}", fitting));
         return;
     }
     const pugi::xml_attribute pn = element.attribute("PN");
@@ -83,7 +126,9 @@ void checkPn(const Place &place, Report &report)
     const std::string why = contradiction(*name, place);
     if (!why.empty())
         report.add(Fault::ForeignPn, element, pn, fmt::format("{} {}", shown(pn), why),
-                   fitting ? fmt::format("write a name such as {}", fitting->name) : "remove it");
+                   fitting.empty() ? "remove it"
+                   : isFamily      ? fmt::format("write one of {}, or remove it", fitting)
+                                   : fmt::format("write a name such as {}", fitting));
 }
 
 } // namespace

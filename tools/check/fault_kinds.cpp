@@ -274,8 +274,8 @@ constexpr auto s_Kinds = std::to_array<FaultKind>({
      R"(<FORMAT NAME="mp4" PN="AAC_ISOO" OPTION="-f mp4"/>)",
      R"(<FORMAT NAME="mp4" PN="AAC_ISO" OPTION="-f mp4"/>)"},
     {Fault::ForeignPn, Severity::Warning, false, "foreign-pn",
-     "A DLNA profile of another picture, sound or container.", "Write one that fits, or none.",
-     R"(<FORMAT NAME="mp4" PN="MP3" OPTION="-f mp4"/>)",
+     "A DLNA profile of another picture (its codec, profile or size), sound or container.",
+     "Write one that fits, or none.", R"(<FORMAT NAME="mp4" PN="MP3" OPTION="-f mp4"/>)",
      R"(<FORMAT NAME="mp4" PN="AAC_ISO" OPTION="-f mp4"/>)"},
 });
 

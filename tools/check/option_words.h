@@ -12,6 +12,8 @@ namespace vornak::tool {
 inline constexpr std::string_view s_VideoCodecOptions[] = {"-c:v", "-codec:v", "-vcodec", "-c:v:0"};
 inline constexpr std::string_view s_AudioCodecOptions[] = {"-c:a", "-codec:a", "-acodec", "-c:a:0"};
 
+inline constexpr std::string_view s_PictureProfileOptions[] = {"-profile:v", "-vprofile", "-vp"};
+
 /// A rule's OPTION, which may be null.
 constexpr std::string_view textOf(const char *option)
 {

@@ -89,8 +89,6 @@ bool holds(const PictureProfile &row, Pixels pixels)
     return pixels.depth <= row.most.depth && pixels.chroma <= row.most.chroma;
 }
 
-constexpr std::string_view s_PictureProfileOptions[] = {"-profile:v", "-vprofile", "-vp"};
-
 /// The format that OPTION asks for, by an option or a filter; nothing: that of the source.
 std::optional<std::string_view> pixelFormatIn(std::string_view text)
 {

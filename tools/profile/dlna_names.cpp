@@ -6,8 +6,9 @@
 #include "tools/profile/id_names.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <string_view>
 #include <unordered_map>
@@ -64,7 +65,7 @@ constexpr struct {
     {"AVC_TS_JP_AAC$P", "ts", "h264", "aac"},
     {"AVC_TS_{SD,HD,HD_X}_{24,50,60}_{AC3,LPCM,DTS}$P", "ts", "h264", ""},
     {"AVC_TS_HD_{DTS,DTSHD,DTSHD_HRA,DTSHD_MA}$P", "ts", "h264", ""},
-    {"AVC_MP4_{MP_SD,MP_HD_720p,MP_HD_1080i,MP_HD,MP_L3,MP_L31,MP_L4,HP_HD,HP_SD,HP_L3,EXTP_L3,"
+    {"AVC_MP4_{MP_SD,MP_HD_720p,MP_HD,MP_HD_1080i,MP_L3,MP_L31,MP_L4,HP_HD,HP_SD,HP_L3,EXTP_L3,"
      "BL_CIF15,BL_CIF30,BL_CIF15_520,BL_L12_CIF15,BL_L1B_QCIF15,BL_L2_CIF30,BL_L3_SD,BL_L3L_SD,"
      "BL_L31_HD,BL_L32_HD}_$S",
      "mp4", "h264", ""},
@@ -94,6 +95,28 @@ constexpr struct {
     {"MPEG1_L3", "mp3"}, {"MPEG1_L2", "mp1|mp2"}, {"MPEG2_L2", "mp1|mp2"},  {"AAC", "aac|aac_latm"},
     {"EAC3", "eac3"},    {"AC3", "ac3"},          {"AMR", "amr_nb|amr_wb"}, {"ATRAC3", "atrac3p"},
     {"LPCM", "pcm"},     {"DTS", "dts|dtshd"},
+};
+
+// The first of these that a name has in it says its picture's profile. What keeps to a lesser one
+// keeps to the better ones too.
+constexpr struct {
+    std::string_view family, word, profiles;
+} s_Profiles[] = {
+    {"AVC_", "_HP_", "high|main|constrained_baseline"},
+    {"AVC_", "_MP_", "main|constrained_baseline"},
+    {"AVC_", "_BL_", "baseline|constrained_baseline"},
+    {"AVC_", "_EXTP_", "extended"},
+    {"MPEG4_P2_", "_ASP_", "advanced_simple|simple"},
+    {"MPEG4_P2_", "_SP_", "simple"},
+};
+
+// The first of these that a name has in it says how large its picture may be.
+constexpr struct {
+    std::string_view word;
+    int width, height;
+} s_Sizes[] = {
+    {"_SD_", 720, 576},       {"_HD_720p_", 1280, 720}, {"_L31_HD_", 1280, 720},
+    {"_L32_HD_", 1280, 1024}, {"_HD_", 1920, 1152},
 };
 
 constexpr std::string_view kMimeTypes =
@@ -173,6 +196,27 @@ std::string_view soundsIn(std::string_view name)
     return {};
 }
 
+/// What the words in a name say of its picture.
+void readName(DlnaName &name)
+{
+    for (const auto &row : s_Profiles) {
+        if (name.profiles != 0 || !name.name.starts_with(row.family) ||
+            name.name.find(row.word) == std::string::npos)
+            continue;
+        for (const std::string &profile : splitAtBars(row.profiles)) {
+            int bit = 0;
+            if (ProfileNameToID(profile.c_str(), &bit) != 0) continue;
+            if (name.profiles == 0) name.bestProfile = bit;
+            name.profiles |= bit;
+        }
+    }
+    const auto *const size = std::ranges::find_if(
+        s_Sizes, [&](const auto &row) { return name.name.find(row.word) != std::string::npos; });
+    if (size == std::end(s_Sizes)) return;
+    name.width = size->width;
+    name.height = size->height;
+}
+
 const std::vector<DlnaName> &allNames()
 {
     static const std::vector<DlnaName> s_all = [] {
@@ -187,6 +231,7 @@ const std::vector<DlnaName> &allNames()
                     family.sounds.empty() ? soundsIn(name) : family.sounds;
                 all.push_back(
                     {std::move(name), containers, pictures, idsOf(sounds, CodecNameToID)});
+                readName(all.back());
             }
         }
         return all;
@@ -194,17 +239,64 @@ const std::vector<DlnaName> &allNames()
     return s_all;
 }
 
-const DlnaName *searchName(int container, int picture, int sound)
+std::vector<const DlnaName *> namesFor(const DlnaUse &use)
 {
+    std::vector<const DlnaName *> names;
     for (const DlnaName &each : allNames()) {
-        const bool fitsPicture = picture < 0
+        const bool fitsPicture = use.picture < 0
                                      ? each.pictures.empty()
-                                     : !each.pictures.empty() && allows(each.pictures, picture);
+                                     : !each.pictures.empty() && allows(each.pictures, use.picture);
         if (fitsPicture && !each.containers.empty() && !each.sounds.empty() &&
-            allows(each.containers, container) && allows(each.sounds, sound))
-            return &each;
+            allows(each.containers, containerPart(use.formatId)) && allows(each.sounds, use.sound))
+            names.push_back(&each);
     }
-    return nullptr;
+    return names;
+}
+
+constexpr int kUnfit = std::numeric_limits<int>::max();
+
+/// Leaves the names of the least rank. False: they differ in a property, and none fits.
+template <class Rank>
+bool keepBest(std::vector<const DlnaName *> &names, int DlnaName::*property, Rank rank)
+{
+    if (std::ranges::none_of(names, [&](const DlnaName *name) { return name->*property != 0; }))
+        return true;
+    int best = kUnfit;
+    for (const DlnaName *name : names) best = std::min(best, rank(*name));
+    std::erase_if(names, [&](const DlnaName *name) { return rank(*name) > best; });
+    return best != kUnfit;
+}
+
+/// "AVC_MP4_*" for "AVC_MP4_MP_SD_AAC"
+std::string familyOf(const std::string &name)
+{
+    return name.substr(0, name.find('_', name.find('_') + 1) + 1) + "*";
+}
+
+std::string searchName(const DlnaUse &use)
+{
+    std::vector<const DlnaName *> names = namesFor(use);
+    if (names.empty()) return {};
+    const std::string family = familyOf(names.front()->name);
+    const auto byProfile = [&](const DlnaName &name) { // the better one takes more of them
+        return (name.bestProfile & use.profiles) == 0
+                   ? kUnfit
+                   : -std::popcount(static_cast<unsigned>(name.profiles));
+    };
+    const auto bySize = [&](const DlnaName &name) {
+        const bool holds =
+            use.width > 0 && use.height > 0 && use.width <= name.width && use.height <= name.height;
+        return holds ? name.width : kUnfit;
+    };
+    if (!keepBest(names, &DlnaName::profiles, byProfile) ||
+        !keepBest(names, &DlnaName::width, bySize))
+        return family;
+    const auto fitsChannels = [&](const DlnaName *name) {
+        return use.channels <= 0 ||
+               (name->name.find("MULT") != std::string::npos) == (use.channels > 2);
+    };
+    const auto chosen = std::ranges::find_if(names, fitsChannels);
+    return (chosen == names.end() ? names.front() : *chosen)->name;
 }
 
 } // namespace
@@ -232,11 +324,11 @@ bool allows(const std::vector<int> &ids, int id)
     return ids.empty() || std::ranges::find(ids, id) != ids.end();
 }
 
-const DlnaName *dlnaNameFor(int formatId, int picture, int sound)
+const std::string &dlnaNameFor(const DlnaUse &use)
 {
-    static std::map<std::array<int, 3>, const DlnaName *> s_found;
-    const auto [known, isNew] = s_found.try_emplace({containerPart(formatId), picture, sound});
-    if (isNew) known->second = searchName(containerPart(formatId), picture, sound);
+    static std::map<DlnaUse, std::string> s_found;
+    const auto [known, isNew] = s_found.try_emplace(use);
+    if (isNew) known->second = searchName(use);
     return known->second;
 }
 

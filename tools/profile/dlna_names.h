@@ -1,6 +1,7 @@
 // What a server announces: DLNA's names of profiles, and MIME types.
 #pragma once
 
+#include <compare>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,17 @@ struct DlnaName {
     std::vector<int> containers; ///< empty: any
     std::vector<int> pictures;   ///< empty: music
     std::vector<int> sounds;     ///< empty: any
+    int profiles = 0;            ///< of the picture, as bits; 0: it says none
+    int bestProfile = 0;         ///< the one of them that it is called after
+    int width = 0, height = 0;   ///< the largest picture; 0: it says none
+};
+
+/// Files that a name is wanted for; 0 for what isn't known.
+struct DlnaUse {
+    int formatId, picture, sound;                          ///< the picture's codec, or -1 for music
+    int profiles = 0, width = 0, height = 0, channels = 0; ///< the most that there may be
+
+    auto operator<=>(const DlnaUse &) const = default;
 };
 
 /// Null for a name that isn't known.
@@ -20,8 +32,9 @@ const DlnaName *findDlnaName(std::string_view name);
 
 std::vector<std::string> dlnaNames();
 
-/// A name for such files; null: none is known. @param picture  codec, or -1 for music
-const DlnaName *dlnaNameFor(int formatId, int picture, int sound);
+/// A name for such files; a family such as "AVC_MP4_*" where too little is known to choose one, or
+/// none of it fits; empty: none is known.
+const std::string &dlnaNameFor(const DlnaUse &use);
 
 /// Whether what a name says of containers or codecs takes this one.
 bool allows(const std::vector<int> &ids, int id);
