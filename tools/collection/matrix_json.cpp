@@ -51,7 +51,7 @@ Json columnFields(const MatrixColumn &column)
         json["rules"] = ruleTags(column.path);
     } else {
         json.update(pathFields(column.path));
-        json["error"] = printable(column.error);
+        json["error"] = column.error; // which is printable
     }
     return json;
 }
