@@ -181,7 +181,9 @@ void addDecide(CLI::App &app, int &status)
     auto *json = command->add_flag("--json", options->json, "Print a JSON document");
     auto *brief =
         command
-            ->add_flag("--brief", options->brief, "One line a file: its outcome and the one reason")
+            ->add_flag(
+                "--brief", options->brief,
+                "One line a file: its outcome and the one reason; without --explain and --json")
             ->excludes(explain)
             ->excludes(json);
     auto *only =

@@ -73,12 +73,13 @@ void addExpectingOptions(CLI::App &command, ExpectingOptions &options,
         command
             .add_option("--save-expectation", options.save,
                         "Save the decisions with their reasons in this file, a line each, to be "
-                        "compared later")
+                        "compared later, in place of any other output")
             ->type_name("FILE");
     auto *expect = command
                        .add_option("--expect", options.expect,
-                                   "Print which decisions are other than those saved in this file, "
-                                   "and why; there are some: exit status 1")
+                                   "Print, in place of any other output, which decisions are other "
+                                   "than those saved in this file, and why; there are some: exit "
+                                   "status 1")
                        ->type_name("FILE")
                        ->excludes(save);
     for (CLI::Option *other : others) {

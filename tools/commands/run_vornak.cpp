@@ -28,6 +28,7 @@ int runVornak(int argc, char **argv)
     CLI::App app{"Says what a DLNA player takes of a media file as it is, what must be "
                  "transcoded, and why"};
     app.name("vornak");
+    useShortHelp(app);
     app.set_version_flag("--version", "vornak " VORNAK_VERSION);
     app.require_subcommand(1);
     int status = kDone;

@@ -165,7 +165,7 @@ std::optional<Undecided> refuseSection(const TRANSCODE_DEVICE_PROFILE_ST &profil
     if (!empty) return std::nullopt;
     return Undecided{"no-section",
                      fmt::format("the profile has no {} section with a valid rule, so nothing is "
-                                 "known about such files",
+                                 "known about such files (vornak profile check says why)",
                                  isVideo ? "VIDEO" : "MUSIC")};
 }
 

@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string_view>
 
 namespace vornak::tool {
@@ -115,7 +116,32 @@ std::string takenValues(const CLI::App &app)
     return {};
 }
 
+/// Where else than on the command line a missing value may come from.
+std::string otherSource(const CLI::App &app)
+{
+    for (const CLI::Option *option : app.get_options())
+        if (option->get_required() && option->count() == 0 && !option->get_envname().empty())
+            return fmt::format(", or {} in the environment; vornak profile list shows names for it",
+                               option->get_envname());
+    return {};
+}
+
+/// The parser's own, but without all that an option excludes, which is longer than what it does.
+class HelpTexts : public CLI::Formatter {
+public:
+    std::string make_option_opts(const CLI::Option *option) const override
+    {
+        const std::string text = CLI::Formatter::make_option_opts(option);
+        return text.substr(0, text.find(" Excludes:"));
+    }
+};
+
 } // namespace
+
+void useShortHelp(CLI::App &app)
+{
+    app.formatter(std::make_shared<HelpTexts>());
+}
 
 void parseCommandLine(CLI::App &app, int argc, char **argv)
 {
@@ -157,7 +183,7 @@ std::string describeUsageError(const CLI::App &app, const CLI::ParseError &error
     else if (const CLI::Option *repeated = findRepeated(chosen))
         what = repeated->get_name() + " may be given once only";
     else if (dynamic_cast<const CLI::RequiredError *>(&error))
-        what += printable(takenValues(chosen));
+        what += otherSource(chosen) + printable(takenValues(chosen));
     return fmt::format("{} (try: {} --help)", what, fullName(chosen));
 }
 

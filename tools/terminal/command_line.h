@@ -8,6 +8,9 @@
 
 namespace vornak::tool {
 
+/// Keeps the help of `app` and of the subcommands added later to what their options do.
+void useShortHelp(CLI::App &app);
+
 /// Lets `app` parse the words. What follows "--" is an argument whatever it looks like, also
 /// where arguments stand before it. Throws what CLI::App::parse() throws.
 void parseCommandLine(CLI::App &app, int argc, char **argv);
