@@ -4,6 +4,7 @@
 #include "decision/comparison.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
+#include "profile/attribute_value.h"
 #include "tools/check/option_words.h"
 #include "tools/check/transcoder.h"
 #include "tools/profile/coded_levels.h"
@@ -229,6 +230,19 @@ const std::string *wordsFor(const Comparison<Rule, Source> &row, const Output<So
     return nullptr;
 }
 
+/// Whether the limit is none that was meant, and another finding says so.
+bool isMisread(pugi::xml_node element, const char *name)
+{
+    const char *text = element.attribute(name).value();
+    const Unit unit = findAttribute(name)->unit;
+    if (unit == Unit::ProfileBits || unit == Unit::ExceptionBits) return false;
+    const Number number = readNumber(unit, text);
+    const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
+    const bool isLevel = scale && name == std::string_view("LEVEL");
+    return *number.end != '\0' ||
+           (isLevel && std::ranges::find(scale->levels, number.value) == scale->levels.end());
+}
+
 /// Reports the limits of the first rule that turn its own output away, unless a later rule takes
 /// it.
 template <const auto &Table, class Rule>
@@ -254,6 +268,7 @@ void checkOutput(std::span<const RulePlace<Rule>> rules, Report &report)
                                                     row.first->in(first))
                                ? row.second
                                : row.first;
+        if (isMisread(element, part->attribute)) continue;
         report.add(Fault::OptionLimit, element, element.attribute("OPTION"),
                    fmt::format("{} makes what {} of this rule turns away", *wordsFor(row, output),
                                shown(element.attribute(part->attribute))),
