@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vornak::tool {
@@ -45,6 +46,9 @@ struct Place {
 
 /// The id of the codec that an element names; nothing for a name that the registry doesn't know.
 std::optional<int> codecOf(pugi::xml_node element);
+
+/// `MAXWIDTH="1920" MAXHEIGHT="1080"` for "1920x1080" and the bound "MAX"; empty for all else.
+std::string sizePair(std::string_view text, std::string_view bound);
 
 using ElementCheck = void (*)(const ElementPlace &, Report &);
 using RuleCheck = void (*)(const Place &, Report &);

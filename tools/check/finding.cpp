@@ -50,6 +50,12 @@ void Report::mendValue(pugi::xml_node element, pugi::xml_attribute attribute,
     mend({place.value, place.size, std::string(value)});
 }
 
+void Report::mendWhole(pugi::xml_node element, pugi::xml_attribute attribute, std::string text)
+{
+    const auto &place = written(element, attribute);
+    mend({place.name, place.value + place.size + 1 - place.name, std::move(text)});
+}
+
 void Report::mendByRemoval(pugi::xml_node element, pugi::xml_attribute attribute)
 {
     const auto &place = written(element, attribute);

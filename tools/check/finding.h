@@ -45,6 +45,8 @@ public:
     void mend(Edit edit) { findings_.back().edit = std::move(edit); }
     /// The attribute gets another value, in which nothing has to be escaped.
     void mendValue(pugi::xml_node element, pugi::xml_attribute attribute, std::string_view value);
+    /// The attribute gives way to others, name and all.
+    void mendWhole(pugi::xml_node element, pugi::xml_attribute attribute, std::string text);
     /// The attribute is taken out, with the blanks before it.
     void mendByRemoval(pugi::xml_node element, pugi::xml_attribute attribute);
 

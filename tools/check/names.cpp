@@ -7,7 +7,10 @@
 #include "tools/profile/id_names.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstring>
 #include <fmt/format.h>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -18,6 +21,7 @@ namespace {
 constexpr std::string_view kOtherSeparators = ",;/ \t\n"; // that people write in place of a bar
 
 constexpr std::string_view kJoints = "-_. "; // between the two parts of a name
+constexpr std::size_t kLongestNames = 64;    // in one attribute, of several elements
 constexpr std::size_t kMostWords = 6;        // of the longest known names together
 
 /// Whether a codec, or the wildcard, is of the kind that the element is for.
@@ -94,20 +98,68 @@ std::string codecAndProfile(const std::string &name)
     return {};
 }
 
+/// What names of a kind are looked up by.
+struct NameKind {
+    Fault fault;
+    int (*lookup)(const char *name, int *id);
+    std::string (*text)(int id);
+    const char *otherwise;
+};
+
+/// A name as it may be meant: "dolbydigital" for "Dolby Digital".
+std::string lettersAndDigits(std::string_view text)
+{
+    std::string letters;
+    std::ranges::copy_if(text, std::back_inserter(letters),
+                         [](unsigned char c) { return std::isalnum(c) != 0 || c == '_'; });
+    return letters;
+}
+
+/// The ids of a text that is made of known names alone, "h264|hevc" or "H.264/AVC"; else none.
+std::vector<int> idsMeant(std::string_view text, const NameKind &kind)
+{
+    int id = 0;
+    if (kind.lookup(lettersAndDigits(text).c_str(), &id) == 0) return {id};
+    std::string joined(text);
+    std::ranges::replace_if(
+        joined, [](char c) { return kOtherSeparators.find(c) != std::string_view::npos; }, '|');
+    std::vector<int> ids;
+    for (const std::string &name : splitAtBars(joined)) {
+        if (kind.lookup(name.c_str(), &id) != 0) return {};
+        if (std::ranges::find(ids, id) == ids.end()) ids.push_back(id);
+    }
+    return ids;
+}
+
+void reportName(const NameKind &kind, const ElementPlace &place, pugi::xml_attribute name,
+                const std::string &problem, const std::vector<std::string> &known, Report &report)
+{
+    std::vector<std::string> meant;
+    if (std::strlen(name.value()) <= kLongestNames)
+        for (const int id : idsMeant(name.value(), kind)) meant.push_back(kind.text(id));
+    if (meant.empty())
+        return report.add(kind.fault, place.element, name, problem,
+                          report.suggest(lettersAndDigits(name.value()), known, kind.otherwise));
+    report.add(kind.fault, place.element, name, problem,
+               meant.size() == 1 ? fmt::format("write {}", meant.front())
+                                 : fmt::format("one name for each element: write one {} for {}",
+                                               place.row.name, fmt::join(meant, " and one for ")));
+    if (meant.size() == 1) report.mendValue(place.element, name, meant.front());
+}
+
 void checkCodecName(const ElementPlace &place, pugi::xml_attribute name, Report &report)
 {
     const std::optional<int> codec = codecOf(place.element);
     if (!codec) {
         const std::string both = codecAndProfile(name.value());
-        report.add(Fault::UnknownCodec, place.element, name,
-                   fmt::format("{} is no codec known here: the {} is left out", shown(name),
-                               place.row.name),
-                   both.empty() ? report.suggest(name.value(), knownCodecs(place.row.element),
-                                                 "see the list of codecs")
-                                : "write " + both);
-        const auto &written = report.written(place.element, name);
-        if (!both.empty() && !place.element.attribute("PROFILE"))
-            report.mend({written.name, written.value + written.size + 1 - written.name, both});
+        const std::string problem = fmt::format("{} is no codec known here: the {} is left out",
+                                                shown(name), place.row.name);
+        if (both.empty())
+            return reportName({Fault::UnknownCodec, CodecNameToID, codecText,
+                               "see the list of codecs in man 5 vornak-profile"},
+                              place, name, problem, knownCodecs(place.row.element), report);
+        report.add(Fault::UnknownCodec, place.element, name, problem, "write " + both);
+        if (!place.element.attribute("PROFILE")) report.mendWhole(place.element, name, both);
         return;
     }
     if (suits(*codec, place.row.element))
@@ -123,10 +175,15 @@ void checkContainerName(const ElementPlace &place, pugi::xml_attribute name, Rep
 {
     int id = 0;
     if (ContainerFormatNameToID(name.value(), nullptr, &id) != 0)
-        return report.add(
-            Fault::UnknownContainer, place.element, name,
+        return reportName(
+            {Fault::UnknownContainer,
+             [](const char *text, int *found) {
+                 return ContainerFormatNameToID(text, nullptr, found);
+             },
+             containerText, "see the list of containers in man 5 vornak-profile"},
+            place, name,
             fmt::format("{} is no container known here: the FORMAT is left out", shown(name)),
-            report.suggest(name.value(), knownContainers(), "see the list of containers"));
+            knownContainers(), report);
     const pugi::xml_attribute subtype = place.element.attribute("SUBTYPE");
     if (!subtype || ContainerFormatNameToID(name.value(), subtype.value(), &id) == 0) return;
     const std::vector<std::string> known = knownSubtypes(containerPart(id));

@@ -43,8 +43,8 @@ WrittenNumber readAttribute(const ElementPlace &place, pugi::xml_attribute attri
     return {place, attribute, row, made, text.substr(0, read), text.substr(read)};
 }
 
-constexpr std::string_view s_Units[] = {"Hz",     "bps", "bit", "bits", "bit/s",
-                                        "bits/s", "b/s", "px",  "ch",   "channels"};
+constexpr std::string_view s_Units[] = {"Hz",  "bps", "bit", "bits", "bit/s",   "bits/s",
+                                        "b/s", "px",  "p",   "ch",   "channels"};
 
 bool equalsLowered(std::string_view text, std::string_view unit)
 {
@@ -66,16 +66,64 @@ struct Mend {
     std::string advice, value;
 };
 
-/// "44.1K" as 44100, where that is a whole number; else empty.
-std::string wholeNumber(const WrittenNumber &number)
+constexpr std::size_t kLongestNumber = 32; // with its unit, of those that are understood
+
+/// "20,000,000" without its commas; what groups nothing stays as it is.
+std::string withoutGroups(std::string_view text)
 {
-    const std::string_view rest = number.rest;
-    const std::size_t end = std::min(rest.find_first_not_of("0123456789", 1), rest.size());
-    const std::size_t zeros = rest.substr(end) == "K" || rest.substr(end) == "k"   ? 3
-                              : rest.substr(end) == "M" || rest.substr(end) == "m" ? 6
-                                                                                   : 0;
-    if (end < 2 || end - 1 > zeros) return {};
-    return fmt::format("{}{}{:0<{}}", number.read, rest.substr(1, end - 1), "", zeros - (end - 1));
+    std::string digits(text);
+    for (std::size_t comma = digits.find(','); comma != std::string::npos;
+         comma = digits.find(',', comma)) {
+        const std::size_t end =
+            std::min(digits.find_first_not_of("0123456789", comma + 1), digits.size());
+        if (comma == 0 || end - comma != 4) return std::string(text);
+        digits.erase(comma, 1);
+    }
+    return digits;
+}
+
+/// "44.1K", "44.1 kHz" and "44,100" as 44100, where that is a whole number; else empty.
+std::string wholeNumber(std::string_view written)
+{
+    const std::string text = withoutGroups(written.substr(0, kLongestNumber));
+    std::string_view rest = text;
+    const auto takeDigits = [&] {
+        const std::size_t end = std::min(rest.find_first_not_of("0123456789"), rest.size());
+        const std::string_view digits = rest.substr(0, end);
+        rest.remove_prefix(end);
+        return digits;
+    };
+    const std::string_view whole = takeDigits();
+    std::string_view part;
+    if (rest.starts_with('.')) {
+        rest.remove_prefix(1);
+        part = takeDigits();
+        if (part.empty()) return {};
+    }
+    while (!rest.empty() && isSpace(rest.front())) rest.remove_prefix(1);
+    const char suffix = rest.empty() ? ' ' : rest.front();
+    const std::size_t zeros = suffix == 'K' || suffix == 'k'   ? 3
+                              : suffix == 'M' || suffix == 'm' ? 6
+                                                               : 0;
+    if (zeros > 0) rest.remove_prefix(1);
+    if (whole.empty() || part.size() > zeros || (!rest.empty() && !isUnit(rest))) return {};
+    return fmt::format("{}{}{:0<{}}", whole, part, "", zeros - part.size());
+}
+
+/// What people write for a number: "stereo", "yes"; else empty.
+std::string_view numberCalled(std::string_view word, Unit unit)
+{
+    constexpr struct {
+        Unit unit;
+        std::string_view word, number;
+    } s_Words[] = {
+        {Unit::Channels, "mono", "1"}, {Unit::Channels, "stereo", "2"}, {Unit::Flag, "true", "1"},
+        {Unit::Flag, "yes", "1"},      {Unit::Flag, "on", "1"},         {Unit::Flag, "false", "0"},
+        {Unit::Flag, "no", "0"},       {Unit::Flag, "off", "0"},
+    };
+    for (const auto &row : s_Words)
+        if (row.unit == unit && equalsLowered(word, row.word)) return row.number;
+    return {};
 }
 
 /// "5.1" as 6: the speakers, and the one for low sounds.
@@ -90,22 +138,38 @@ Mend mendOfStop(const WrittenNumber &number)
 {
     const std::string_view rest = number.rest;
     const std::string read(number.read);
+    if (const std::string_view value = numberCalled(number.attribute.value(), number.row.unit);
+        !value.empty())
+        return {fmt::format("write {}", value), std::string(value)};
     if (number.hasDigits() && std::ranges::all_of(rest, isSpace))
         return {"remove the blank after it", read};
     if (number.hasDigits() && isUnit(rest))
         return {fmt::format("leave out \"{}\", which follows the number", excerpt(rest)), read};
-    if (number.hasDigits() && rest.starts_with('.')) {
-        if (const std::string count = channelCount(number); !count.empty())
-            return {
-                fmt::format("{} is {} channels: write {}", number.attribute.value(), count, count),
+    if (const std::string count = number.hasDigits() ? channelCount(number) : ""; !count.empty())
+        return {fmt::format("{} is {} channels: write {}", number.attribute.value(), count, count),
                 count};
-        if (const std::string whole = takesSuffixes(number.row.unit) ? wholeNumber(number) : "";
-            !whole.empty())
-            return {fmt::format("write {}", whole), whole};
-    }
+    if (const std::string whole =
+            takesSuffixes(number.row.unit) ? wholeNumber(number.attribute.value()) : "";
+        !whole.empty())
+        return {fmt::format("write {}", whole), whole};
     return {takesSuffixes(number.row.unit) ? "write a whole number; K is 1000, M is 1000000"
                                            : "write a whole number",
             {}};
+}
+
+/// Both sizes of a picture in place of its width. False: it is none of such.
+bool reportPair(const WrittenNumber &number, const std::string &problem, Report &report)
+{
+    const std::string_view name = number.row.name;
+    const std::string_view bound = name.substr(0, 3);
+    const std::string pair =
+        name.ends_with("WIDTH") ? sizePair(number.attribute.value(), bound) : "";
+    if (pair.empty()) return false;
+    report.add(Fault::NumberStops, number.place.element, number.attribute, problem,
+               "write " + pair);
+    if (!number.place.element.attribute((std::string(bound) + "HEIGHT").c_str()))
+        report.mendWhole(number.place.element, number.attribute, pair);
+    return true;
 }
 
 void reportStop(const WrittenNumber &number, Report &report)
@@ -118,11 +182,11 @@ void reportStop(const WrittenNumber &number, Report &report)
                           fmt::format("{} ends at '{}' {}: this attribute takes no K or M",
                                       shown(number.attribute), c, read),
                           "write the number out");
+    const std::string problem = fmt::format("{} ends at '{}' {}", shown(number.attribute),
+                                            excerpt(number.rest.substr(0, 1)), read);
+    if (reportPair(number, problem, report)) return;
     const Mend mend = mendOfStop(number);
-    report.add(Fault::NumberStops, number.place.element, number.attribute,
-               fmt::format("{} ends at '{}' {}", shown(number.attribute),
-                           excerpt(number.rest.substr(0, 1)), read),
-               mend.advice);
+    report.add(Fault::NumberStops, number.place.element, number.attribute, problem, mend.advice);
     if (!mend.value.empty()) report.mendValue(number.place.element, number.attribute, mend.value);
 }
 
@@ -182,6 +246,18 @@ bool isNumber(Unit unit)
 }
 
 } // namespace
+
+std::string sizePair(std::string_view text, std::string_view bound)
+{
+    const std::size_t between = std::min(text.find_first_of("xX*"), text.size());
+    const std::string_view width = text.substr(0, between);
+    const std::string_view height = text.substr(std::min(between + 1, text.size()));
+    for (const std::string_view size : {width, height})
+        if (size.empty() || size.size() > 5 ||
+            size.find_first_not_of("0123456789") != std::string_view::npos)
+            return {};
+    return fmt::format("{0}WIDTH=\"{1}\" {0}HEIGHT=\"{2}\"", bound, width, height);
+}
 
 void checkNumbers(const ElementPlace &place, Report &report)
 {

@@ -13,12 +13,40 @@ namespace {
 
 constexpr std::size_t kLongestName = 64; // of attributes that are like a known one
 
+std::string upperCase(std::string_view text)
+{
+    std::string upper(text);
+    std::ranges::transform(upper, upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    return upper;
+}
+
+/// The element that people write so, where it may stand among `known`; empty: none.
+std::string_view elementMeant(std::string_view name, const std::vector<std::string> &known)
+{
+    constexpr struct {
+        std::string_view written, meant;
+    } s_Synonyms[] = {
+        {"AUDIO", "ACODEC"},      {"AUDIO", "MUSIC"},  {"AUDIOCODEC", "ACODEC"},
+        {"VIDEOCODEC", "VCODEC"}, {"CODEC", "VCODEC"}, {"CODEC", "ACODEC"},
+        {"CONTAINER", "FORMAT"},  {"MUXER", "FORMAT"}, {"VIDEOS", "VIDEO"},
+        {"MOVIE", "VIDEO"},
+    };
+    const std::string upper = upperCase(name.substr(0, kLongestName));
+    for (const auto &row : s_Synonyms)
+        if (row.written == upper && std::ranges::find(known, row.meant) != known.end())
+            return row.meant;
+    return {};
+}
+
 void reportUnknownChild(const ElementPlace &place, pugi::xml_node child, Report &report)
 {
+    const std::vector<std::string> known = childNames(place.row.element);
+    const std::string_view meant = elementMeant(child.name(), known);
     report.add(Fault::UnknownElement, child,
                fmt::format("unknown element {} in {}: it is ignored, with all that it holds",
                            excerpt(child.name()), place.row.name),
-               report.suggest(child.name(), childNames(place.row.element), "remove it"));
+               meant.empty() ? report.suggest(child.name(), known, "remove it")
+                             : fmt::format("did you mean {}?", meant));
 }
 
 void checkChildElement(const ElementPlace &place, pugi::xml_node child, Report &report)
@@ -94,16 +122,19 @@ std::string nameWithSameStem(std::string_view name, const std::vector<std::strin
 {
     constexpr struct {
         std::string_view written, meant;
-    } s_Synonyms[] = {{"SAMPLERATE", "FREQUENCY"}, {"RATE", "FREQUENCY"}, {"MIMETYPE", "MIME"},
-                      {"CONTAINER", "NAME"},       {"CODEC", "NAME"},     {"TYPE", "SUBTYPE"}};
+    } s_Synonyms[] = {
+        {"SAMPLERATE", "FREQUENCY"}, {"RATE", "FREQUENCY"},  {"SAMPLINGRATE", "FREQUENCY"},
+        {"BANDWIDTH", "BITRATE"},    {"MIMETYPE", "MIME"},   {"CONTAINER", "NAME"},
+        {"CODEC", "NAME"},           {"VIDEOCODEC", "NAME"}, {"AUDIOCODEC", "NAME"},
+        {"FORMAT", "NAME"},          {"TYPE", "SUBTYPE"},    {"DLNAPROFILE", "PN"},
+    };
     const auto stemOf = [](std::string_view text) {
         const bool isBound = text.starts_with("MAX") || text.starts_with("MIN");
         text.remove_prefix(isBound ? 3 : 0);
         while (text.starts_with('_') || text.starts_with('-')) text.remove_prefix(1);
         return text;
     };
-    std::string upper(name.substr(0, kLongestName));
-    std::ranges::transform(upper, upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    const std::string upper = upperCase(name.substr(0, kLongestName));
     std::string_view stem = stemOf(upper);
     for (const auto &row : s_Synonyms)
         if (row.written == stem) stem = row.meant;
@@ -130,6 +161,24 @@ void mendLetterCase(pugi::xml_node element, pugi::xml_attribute attribute,
         report.mend({report.written(element, attribute).name, name.size(), *meant});
 }
 
+/// Both sizes of a picture in one attribute. False: it is none of such.
+bool reportSizes(const ElementPlace &place, pugi::xml_attribute attribute,
+                 const std::string &problem, Report &report)
+{
+    constexpr std::string_view s_Names[] = {"RESOLUTION",    "SIZE",    "PICTURESIZE",
+                                            "MAXRESOLUTION", "MAXSIZE", "MAX_RESOLUTION"};
+    const std::string name = upperCase(std::string_view(attribute.name()).substr(0, kLongestName));
+    if (place.row.element != kVcodec || std::ranges::find(s_Names, name) == std::end(s_Names))
+        return false;
+    const std::string pair = sizePair(attribute.value(), "MAX");
+    report.add(Fault::UnknownAttribute, place.element, attribute, problem,
+               "write " + (pair.empty() ? "MAXWIDTH and MAXHEIGHT" : pair));
+    if (!pair.empty() && !place.element.attribute("MAXWIDTH") &&
+        !place.element.attribute("MAXHEIGHT"))
+        report.mendWhole(place.element, attribute, pair);
+    return true;
+}
+
 void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Report &report)
 {
     const AttributeRow *row = findAttribute(attribute.name());
@@ -137,6 +186,7 @@ void checkAttribute(const ElementPlace &place, pugi::xml_attribute attribute, Re
     const std::vector<std::string> own = attributeNames(place.row.element);
     const std::string problem = fmt::format("unknown attribute {} of {} is ignored",
                                             excerpt(attribute.name()), place.row.name);
+    if (reportSizes(place, attribute, problem, report)) return;
     const std::string alike = nameWithSameStem(attribute.name(), own);
     report.add(Fault::UnknownAttribute, place.element, attribute, problem,
                row              ? fmt::format("it belongs to {}", elementNames(row->elements))
