@@ -1,6 +1,7 @@
 #include "tools/collection/cell_reason.h"
 
 #include "tools/profile/profile_file.h"
+#include "tools/terminal/counted.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -19,16 +20,18 @@ MainReason reasonOf(const FileResult &result, const ProfileSession &session,
 }
 
 struct Row {
-    const MatrixColumn *column;
+    const MatrixColumn *column; ///< null: it is the same for all players
     ReasonCounts::Row reason;
 };
 
 std::string lineOf(const Row &row, std::size_t files)
 {
     const auto &[column, reason] = row;
-    return fmt::format("{} of {} files: {}{}: {}: {}\n", reason.files, files,
-                       printable(profileTitle(column->path)),
-                       reason.line > 0 ? fmt::format(":{}", reason.line) : "",
+    const std::string player =
+        column ? fmt::format("{}{}: ", printable(profileTitle(column->path)),
+                             reason.line > 0 ? fmt::format(":{}", reason.line) : "")
+               : "";
+    return fmt::format("{} of {}: {}{}: {}\n", reason.files, counted(files, "file"), player,
                        nameOf(reason.outcome), reason.text);
 }
 
@@ -52,9 +55,15 @@ void count(const CellReasons &reasons, MatrixTotals &totals)
 std::string reasonLines(const MatrixTotals &totals, const std::vector<MatrixColumn> &columns)
 {
     std::vector<Row> rows;
-    for (std::size_t i = 0; i < columns.size(); ++i)
-        for (ReasonCounts::Row &reason : totals.columns[i].reasons.rows())
-            rows.push_back({&columns[i], std::move(reason)});
+    bool isFirst = true; // of those that have a profile
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        for (ReasonCounts::Row &reason : totals.columns[i].reasons.rows()) {
+            const bool isOfAll = isOfFile(reason.code);
+            if (!isOfAll || isFirst)
+                rows.push_back({isOfAll ? nullptr : &columns[i], std::move(reason)});
+        }
+        isFirst = isFirst && !columns[i].session;
+    }
     std::ranges::stable_sort(rows, std::greater<>(),
                              [](const Row &row) { return row.reason.files; });
     std::string text;

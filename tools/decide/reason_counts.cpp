@@ -12,15 +12,16 @@ namespace {
 /// What is said of all files of an error, whose messages are of one file each.
 constexpr struct {
     std::string_view code, text;
+    bool isOfFile; ///< whatever the profile
 } s_Errors[] = {
-    {"cannot-open", "missing, not permitted, neither file nor folder"},
-    {"cannot-probe", "empty, damaged or no media"},
-    {"no-streams", "neither video nor audio in it"},
-    {"still-image", "a still image"},
-    {"no-such-track", "no audio track of that number"},
-    {"no-section", "no valid rule in the profile for such files"},
-    {"no-audio-rule", "no valid ACODEC in the video rule"},
-    {"no-container", "no valid FORMAT in the audio rule"},
+    {"cannot-open", "missing, not permitted, neither file nor folder", true},
+    {"cannot-probe", "empty, damaged or no media", true},
+    {"no-streams", "neither video nor audio in it", true},
+    {"still-image", "a still image", true},
+    {"no-such-track", "no audio track of that number", true},
+    {"no-section", "no valid rule in the profile for such files", false},
+    {"no-audio-rule", "no valid ACODEC in the video rule", false},
+    {"no-container", "no valid FORMAT in the audio rule", false},
 };
 
 std::string errorText(std::string_view code)
@@ -78,6 +79,12 @@ MainReason mainReason(const Undecided &undecided)
             .code = undecided.code,
             .text = undecided.message,
             .ofMany = errorText(undecided.code)};
+}
+
+bool isOfFile(std::string_view code)
+{
+    return std::ranges::any_of(s_Errors,
+                               [&](const auto &row) { return row.isOfFile && row.code == code; });
 }
 
 void ReasonCounts::add(const MainReason &reason)

@@ -27,6 +27,9 @@ MainReason mainReason(const Decision &decision, const Explanation &explanation,
                       const ProfileSession &session);
 MainReason mainReason(const Undecided &undecided);
 
+/// Whether a reason of that code is one for all profiles.
+bool isOfFile(std::string_view code);
+
 /// How many files there are of each reason, but those that are kept. As large as the profile has
 /// rules, however many files there are.
 class ReasonCounts {
