@@ -2,7 +2,7 @@
 function __vornak_complete
     set -l words (commandline -opc) (commandline -ct)
     for line in ($words[1] --complete $words[2..] 2>/dev/null)
-        if test "$line" = :files
+        if string match -q ':files*' -- $line
             __fish_complete_path (commandline -ct)
         else
             echo $line

@@ -85,16 +85,21 @@ TEST_F(ProfileNames, AndIdsAreCompleted)
         {"len", "length "},
         {"profile c", "check "},
         {"decide --play", "--play-exception "},
-        {"decide -p m", "mine :files "},
-        {"decide -p = m", "mine :files "}, // as bash splits it
-        {"decide --profile=m", "--profile=mine :files "},
+        {"decide -p m", "mine :files .xml "},
+        {"decide -p = m", "mine :files .xml "}, // as bash splits it
+        {"decide --profile=m", "--profile=mine :files .xml "},
         {"decide --profile mine ''", ":files "},
         {"decide -p mine -- --p", ":files "},
-        {"profile show ol", "older-tv :files "},
+        {"profile show ol", "older-tv :files .xml "},
         {"profile diff mine ol", "older-tv :files "},
         {"command --prefer mp4/is", "mp4/isom "},
         {"elements --codec h26", "h261 h263 h263p h263i h264 "},
         {"decide --color a", "auto always "},
+        {"decide --only kept,au", "kept,audio "},
+        {"profile check --fix=d", "--fix=diff "},
+        {"profile check --severity ''", "error warning note "},
+        {"profile new --like t", "tv "},
+        {"decide --json=", ""},
         {"cached --tags decide ''", ""},
         {"cached --tags decide b ''", ":files "},
         {"nothing --p", ""},
@@ -109,19 +114,21 @@ TEST_F(ProfileNames, AndIdsAreCompleted)
 TEST_F(ProfileNames, AreCompletedInEveryShell)
 {
     const std::string folder = VORNAK_SOURCE_DIR "/packaging/completions/";
+    dir_.write("phone-tv.xml", "");
+    dir_.write("phones/tv.xml", "");
     dir_.write("bash.sh", "source " + folder +
                               "vornak.bash\ncompopt() { :; }\n"
                               "COMP_WORDS=(vornak decide -p ph) COMP_CWORD=3\n_vornak\n"
                               "echo ${COMPREPLY[@]}\n");
-    EXPECT_EQ(shell("bash bash.sh").out, "phone phone-file\n");
+    EXPECT_EQ(shell("bash bash.sh").out, "phone phone-tv.xml phones\n");
     EXPECT_EQ(
         shell("fish -c 'source " + folder + "vornak.fish; complete -C \"vornak decide -p ph\"'")
             .out,
-        "phone\nphone-file\n");
-    dir_.write("zsh.sh", "_describe() { echo $names; }\n_files() { echo ph*; }\n"
+        "phone\nphones/\nphone-file\nphone-tv.xml\n");
+    dir_.write("zsh.sh", "_describe() { echo $names; }\n_files() { echo $@; }\n"
                          "words=(vornak decide -p ph) CURRENT=4\nsource " +
                              folder + "_vornak\n");
-    EXPECT_EQ(shell("zsh -f zsh.sh").out, "phone\nphone-file\n");
+    EXPECT_EQ(shell("zsh -f zsh.sh").out, "phone\n-g *.xml\n");
 }
 
 } // namespace

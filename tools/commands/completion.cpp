@@ -1,6 +1,7 @@
 #include "tools/commands/completion.h"
 
 #include "base/media_ids.h"
+#include "tools/import/described_player.h"
 #include "tools/profile/id_names.h"
 #include "tools/profile/profile_search.h"
 
@@ -38,23 +39,27 @@ Names containerNamesToComplete()
 }
 
 constexpr Names (*kNone)() = nullptr;
+constexpr const char *kNoFile = nullptr;
+constexpr const char *kAnyFile = ":files\n";
+constexpr const char *kProfileFile = ":files .xml\n";
 
 // What a value is called in the help texts says what it may be.
 constexpr struct {
     const char *type;
     Names (*names)();
-    bool files;
+    const char *files;
 } s_Types[] = {
-    {"PROFILE", profileNamesToComplete, true},
-    {"CODEC", codecNamesToComplete, false},
-    {"CONTAINER[/SUBTYPE]", containerNamesToComplete, false},
-    {"EXCEPTION", knownPlayExceptions, false},
-    {"FILE", kNone, true},
-    {"DIR", kNone, true},
-    {"OUT", kNone, true},
-    {"PROGRAM", kNone, true},
-    {"MEDIA", kNone, true},
-    {"PATH", kNone, true},
+    {"PROFILE", profileNamesToComplete, kProfileFile},
+    {"CODEC", codecNamesToComplete, kNoFile},
+    {"CONTAINER[/SUBTYPE]", containerNamesToComplete, kNoFile},
+    {"EXCEPTION", knownPlayExceptions, kNoFile},
+    {"KIND", likeNames, kNoFile},
+    {"FILE", kNone, kAnyFile},
+    {"DIR", kNone, kAnyFile},
+    {"OUT", kNone, kAnyFile},
+    {"PROGRAM", kNone, kAnyFile},
+    {"MEDIA", kNone, kAnyFile},
+    {"PATH", kNone, kAnyFile},
 };
 
 std::vector<const CLI::App *> subcommandsOf(const CLI::App &command)
@@ -79,13 +84,15 @@ public:
 
     void addValues(const CLI::Option &option)
     {
+        if (const char comma = option.get_delimiter()) // the last of several is completed
+            keep(begun_.rfind(comma) + 1);
         std::string type = option.get_type_name();
         if (type.empty()) type = option.get_name();
         for (const auto &row : s_Types) {
             if (type != row.type) continue;
             if (row.names)
                 for (const std::string &name : row.names()) add(name);
-            files_ = files_ || row.files;
+            if (row.files) files_ = row.files;
         }
         std::istringstream choices(type); // such as 1|2
         if (type.find('|') == std::string::npos) return;
@@ -107,11 +114,17 @@ public:
             if (option->get_positional()) addValues(*option);
     }
 
-    std::string take() { return files_ ? lines_ + ":files\n" : std::move(lines_); }
+    std::string take() { return lines_ + files_; }
 
 private:
-    std::string option_, begun_, lines_;
-    bool files_ = false;
+    /// Leaves the first `count` characters of what is begun as they are.
+    void keep(std::size_t count)
+    {
+        option_ += begun_.substr(0, count);
+        begun_.erase(0, count);
+    }
+
+    std::string option_, begun_, lines_, files_;
 };
 
 /// The option that a word names if it takes values, or null.
@@ -162,7 +175,7 @@ std::string completionsOf(const CLI::App &app, std::vector<std::string> words)
     WordPlace place = placeBehind(app, words);
     if (const std::size_t sign = begun.find('=');
         !place.option && !place.isArgument && begun.starts_with("--") && sign != begun.npos) {
-        place.option = valuedOption(*place.command, begun.substr(0, sign));
+        place.option = place.command->get_option_no_throw(begun.substr(0, sign));
         before = begun.substr(0, sign + 1);
         begun.erase(0, sign + 1);
     }

@@ -56,7 +56,7 @@ void addLength(CLI::App &app, int &status)
     CLI::Option *probed = addProbedOption(*command, options->media.probed, *media);
     command
         ->add_flag("--verify", options->verify,
-                   "Transcode it and compare the size of what comes out")
+                   "Transcode MEDIA and compare the size of what comes out")
         ->excludes(probed);
     addFfmpegOption(*command, options->ffmpeg);
     addMatchingOptions(*command, *options);

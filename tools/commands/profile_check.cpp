@@ -193,7 +193,9 @@ void addProfileCheck(CLI::App &app, int &status)
     command
         ->add_flag("--fix{write}", options->fix,
                    "Mend what can be mended in one way only; --fix=diff shows the changes instead")
-        ->check(CLI::IsMember({"write", "diff"}).description(""));
+        ->check(CLI::IsMember({"write", "diff"}).description(""))
+        ->type_name("write|diff")
+        ->option_text("[=write|diff]");
     command->add_flag("--list", options->list,
                       "Print all that can be found, each with an example and the same mended");
     addColourOption(*command);

@@ -194,7 +194,8 @@ void addProfileDiff(CLI::App &app, int &status)
         "Tell whose decision changes, of these files and folders, or of those that are "
         "listed on standard input (-)");
     CLI::Option *probed = addProbedOption(*command, options->media.probed, *media);
-    command->add_flag("--json", options->json, "Print one JSON document of the rules")
+    command
+        ->add_flag("--json", options->json, "Print one JSON document of the rules, without media")
         ->excludes(media)
         ->excludes(probed);
     addColourOption(*command);
