@@ -1,4 +1,4 @@
-// Whether the file is written in the encoding that it says.
+// Whether the file is XML that all read alike: its encoding, and what only some readers take.
 #include "tools/check/checks.h"
 
 #include <algorithm>
@@ -76,6 +76,45 @@ std::string otherEncoding(std::string_view bytes, const std::string &declared)
     return isLatin ? "" : kNoUtf8;
 }
 
+void checkComment(pugi::xml_node comment, Report &report)
+{
+    const std::string_view words = comment.value();
+    const std::size_t hyphens = words.find("--");
+    if (hyphens == std::string_view::npos && !words.ends_with('-')) return;
+    report.add(Fault::NotWellFormed, report.document().offsetOf(comment), {},
+               "a comment holds \"--\" or ends with \"-\", for which other readers of XML refuse "
+               "the file",
+               "write one hyphen, and a blank before -->");
+}
+
+void checkDeclaration(pugi::xml_node declaration, Report &report)
+{
+    std::string_view text = report.document().text();
+    const std::size_t mark = text.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0;
+    text.remove_prefix(mark);
+    if (text.starts_with("<?xml")) return;
+    report.add(Fault::NotWellFormed, report.document().offsetOf(declaration), {},
+               "something stands before <?xml, for which other readers of XML refuse the file",
+               "begin the file with it");
+    const std::size_t blanks = std::min(text.find_first_not_of(" \t\r\n"), text.size());
+    if (text.substr(blanks).starts_with("<?xml")) report.mend({mark, blanks, {}});
+}
+
+class FormCheck : public pugi::xml_tree_walker {
+public:
+    explicit FormCheck(Report &report) : report_(report) {}
+
+    bool for_each(pugi::xml_node &node) override
+    {
+        if (node.type() == pugi::node_comment) checkComment(node, report_);
+        if (node.type() == pugi::node_declaration) checkDeclaration(node, report_);
+        return true;
+    }
+
+private:
+    Report &report_;
+};
+
 } // namespace
 
 void checkEncoding(pugi::xml_node device, Report &report)
@@ -87,6 +126,8 @@ void checkEncoding(pugi::xml_node device, Report &report)
                    "save it as UTF-8 without a mark");
         report.mend({0, kUtf8Mark.size(), {}});
     }
+    FormCheck forms(report);
+    device.root().traverse(forms);
     const std::string declared = declaredEncoding(device);
     const std::string other = otherEncoding(bytes, declared);
     if (other.empty()) return;

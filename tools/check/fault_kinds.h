@@ -16,6 +16,7 @@ enum class Fault {
     ByteOrderMark,
     EncodingMismatch,
     BareAmpersand,
+    NotWellFormed,
     DuplicateAttribute,
     LineBreak,
     UselessIgnore,

@@ -37,7 +37,10 @@ void checkLevel(pugi::xml_node element, Report &report)
 {
     const pugi::xml_attribute attribute = element.attribute("LEVEL");
     const int level = numberIn(element, "LEVEL");
-    if (level <= 0) return;
+    std::string_view text = attribute.value();
+    const bool hasLetter = level == 0 && text.size() > 1 && (text[0] == 'L' || text[0] == 'l');
+    if (level <= 0 && !hasLetter) return;
+    if (hasLetter) text.remove_prefix(1);
     if (codecOf(element) == "mpeg2video"_codec)
         return report.add(Fault::LevelsRunBackwards, element, attribute,
                           fmt::format("{}: the levels of MPEG-2 run backwards (low 10, main 8, "
@@ -46,7 +49,7 @@ void checkLevel(pugi::xml_node element, Report &report)
                           "limit the size in its place");
     const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
     if (!scale || std::ranges::find(scale->levels, level) != scale->levels.end()) return;
-    const std::optional<long> meant = levelMeant(*scale, attribute.value());
+    const std::optional<long> meant = levelMeant(*scale, text.data());
     report.add(Fault::LevelScale, element, attribute,
                fmt::format("{} is read as {}, which is no level of {}", shown(attribute), level,
                            codecText(scale->codecId)),
@@ -54,7 +57,6 @@ void checkLevel(pugi::xml_node element, Report &report)
                                    static_cast<double>(*meant) / scale->factor)
                      : fmt::format("the levels of {} are {}", codecText(scale->codecId),
                                    fmt::join(scale->levels, ", ")));
-    const std::string_view text = attribute.value();
     if (meant && text.size() == 3 && text[1] == '.')
         report.mendValue(element, attribute, std::to_string(*meant));
 }

@@ -64,6 +64,29 @@ void reportUnknownOption(std::string_view word, const std::string &name, const O
                                           "knows more"));
 }
 
+/// "-profile:v high" for "-profile:vhigh": what is behind the letter of the streams is no part of
+/// the option's name. Empty for all else.
+std::string withBlank(std::string_view word)
+{
+    const std::size_t colon = word.find(':');
+    if (colon == std::string_view::npos || word.size() < colon + 3 || word[colon + 2] == ':' ||
+        std::string_view("vVasdt").find(word[colon + 1]) == std::string_view::npos)
+        return {};
+    return fmt::format("{} {}", word.substr(0, colon + 2), word.substr(colon + 2));
+}
+
+void reportLostBlank(std::string_view word, const std::string &meant, const OptionPlace &place)
+{
+    place.report.add(Fault::UnknownOption, place.element, place.attribute,
+                     fmt::format("{}: there are no such streams", excerpt(word)),
+                     fmt::format("write {}", excerpt(meant)));
+    const std::string_view text = place.report.writtenValue(place.element, place.attribute);
+    const std::size_t at = text.find(word);
+    if (at == std::string_view::npos) return; // it is written with references
+    const std::size_t start = place.report.written(place.element, place.attribute).value + at;
+    place.report.mend({start + meant.find(' '), 0, " "});
+}
+
 /// The line breaks of a text as one blank each, in which a transcoder's command line survives.
 void checkLineBreaks(pugi::xml_node element, pugi::xml_attribute attribute, Report &report)
 {
@@ -96,6 +119,10 @@ void checkOption(const ElementPlace &place, Report &report)
         if (name.empty()) continue;
         const OptionForm form = formOfOption(name);
         if (form == OptionForm::Unknown) reportUnknownOption(word, name, option);
+        if (const std::string meant = withBlank(word); !meant.empty()) {
+            reportLostBlank(word, meant, option);
+            continue;
+        }
         if (form != OptionForm::Value) continue;
         const std::string_view value = takeWord(text);
         if (value.empty()) continue;
