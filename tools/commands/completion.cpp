@@ -173,8 +173,9 @@ std::string completionsOf(const CLI::App &app, std::vector<std::string> words)
     std::erase(words, "=");
 
     WordPlace place = placeBehind(app, words);
-    if (const std::size_t sign = begun.find('=');
-        !place.option && !place.isArgument && begun.starts_with("--") && sign != begun.npos) {
+    if (const std::size_t sign = begun.find('='); !place.option && !place.isArgument &&
+                                                  begun.starts_with("--") &&
+                                                  sign != std::string::npos) {
         place.option = place.command->get_option_no_throw(begun.substr(0, sign));
         before = begun.substr(0, sign + 1);
         begun.erase(0, sign + 1);
