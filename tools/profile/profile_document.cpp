@@ -144,10 +144,48 @@ void ProfileDocument::parse(const std::string &path)
     }
     findLines();
     if (!result)
-        throw ProfileError(path, lineAt(static_cast<std::size_t>(result.offset)),
-                           fmt::format("not well-formed XML: {}", result.description()));
+        throw ProfileError(
+            path, lineAt(static_cast<std::size_t>(result.offset)),
+            fmt::format("not well-formed XML: {}{}", result.description(),
+                        explain(result.status, static_cast<std::size_t>(result.offset))));
     if (!document_.document_element())
         throw ProfileError(path, 0, "it holds no XML element; a profile is a DEVICE element");
+}
+
+std::string ProfileDocument::explain(pugi::xml_parse_status status, std::size_t offset) const
+{
+    if (status == pugi::status_bad_attribute)
+        return ": write NAME=\"value\", with straight quotes before and behind the value";
+    if (status != pugi::status_end_element_mismatch) return {};
+    const pugi::xml_node open = openElement(offset);
+    return open ? fmt::format(": {} of line {} is still open", printable(open.name()), lineOf(open))
+                : "";
+}
+
+pugi::xml_node ProfileDocument::openElement(std::size_t offset) const
+{
+    // It stops in the name of an end tag, or before the last characters of the file.
+    const bool isInTag = text_.find_first_not_of("> \t\r\n", offset) != std::string::npos;
+    const std::size_t end = isInTag ? text_.rfind("</", offset) : text_.size();
+    const auto lastElement = [](pugi::xml_node parent) {
+        pugi::xml_node child = parent.last_child();
+        while (child && child.type() != pugi::node_element) child = child.previous_sibling();
+        return child;
+    };
+    pugi::xml_node node = document_;
+    while (const pugi::xml_node child = lastElement(node)) node = child;
+    if (node == document_) return {};
+    const auto attributes = writtenAttributes(node);
+    const std::size_t last =
+        attributes.empty() ? offsetOf(node) : attributes.back().value + attributes.back().size;
+    std::size_t at = text_.find('>', last);
+    if (at < end && text_[at - 1] == '/') node = node.parent();
+    for (; node && node != document_; node = node.parent()) {
+        at = text_.find(fmt::format("</{}", node.name()), at);
+        if (at >= end) return node;
+        ++at;
+    }
+    return {};
 }
 
 void ProfileDocument::findLines()

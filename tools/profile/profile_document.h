@@ -66,6 +66,10 @@ private:
     std::string writtenTag(pugi::xml_node element) const;
     void parse(const std::string &path);
     void findLines();
+    /// What to do about an error of the parser that says too little by itself; else empty.
+    std::string explain(pugi::xml_parse_status status, std::size_t offset) const;
+    /// The element that lacks its end tag where the parser stopped; null: it can't be told.
+    pugi::xml_node openElement(std::size_t offset) const;
     pugi::xml_node findDevice(const std::string &path) const;
 
     std::string text_, bytes_; // of these the second where the first was made of it
