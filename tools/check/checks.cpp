@@ -108,7 +108,7 @@ std::vector<Finding> checkProfile(const std::string &path, std::string &text)
     applySilencers(document.device(), report);
     if (document.isConverted())
         // the file has other bytes than the text
-        for (Finding &finding : report.findings()) finding.edit.reset();
+        for (Finding &finding : report.findings()) finding.edits.clear();
     text = document.text();
     return std::move(report).sorted();
 }

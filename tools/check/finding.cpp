@@ -56,6 +56,20 @@ void Report::mendWhole(pugi::xml_node element, pugi::xml_attribute attribute, st
     mend({place.name, place.value + place.size + 1 - place.name, std::move(text)});
 }
 
+void Report::mendElementName(pugi::xml_node element, const std::string &name)
+{
+    const std::string_view written = element.name();
+    const std::size_t start = document_.offsetOf(element);
+    mend({start + 1, written.size(), name});
+    pugi::xml_node after = element;
+    while (after && !after.next_sibling()) after = after.parent();
+    after = after.next_sibling();
+    const std::size_t end = document_.text().rfind(
+        fmt::format("</{}", written), after ? document_.offsetOf(after) : std::string::npos);
+    if (end != std::string::npos && end > start) // else it has no end tag
+        findings_.back().edits.push_back({end + 2, written.size(), name});
+}
+
 void Report::mendByRemoval(pugi::xml_node element, pugi::xml_attribute attribute)
 {
     const auto &place = written(element, attribute);

@@ -26,8 +26,8 @@ struct Finding {
     std::string attribute; ///< its name, printable; empty: the element as a whole
     std::string problem;
     std::string advice;
-    std::optional<Edit> edit = {}; ///< the one mend that is safe, where there is such
-    int line = 0, column = 0;      ///< from 1, in characters
+    std::vector<Edit> edits = {}; ///< together the one mend that is safe, where there is such
+    int line = 0, column = 0;     ///< from 1, in characters
 };
 
 class Report {
@@ -42,7 +42,9 @@ public:
              std::string problem, std::string advice);
 
     // The mend of what was added last.
-    void mend(Edit edit) { findings_.back().edit = std::move(edit); }
+    void mend(Edit edit) { findings_.back().edits = {std::move(edit)}; }
+    /// The element gets another name, in its start tag and its end tag.
+    void mendElementName(pugi::xml_node element, const std::string &name);
     /// The attribute gets another value, in which nothing has to be escaped.
     void mendValue(pugi::xml_node element, pugi::xml_attribute attribute, std::string_view value);
     /// The attribute gives way to others, name and all.

@@ -69,7 +69,7 @@ std::vector<Edit> editsOf(const std::vector<Finding> &findings)
 {
     std::vector<Edit> edits;
     for (const Finding &finding : findings)
-        if (finding.edit) edits.push_back(*finding.edit);
+        edits.insert(edits.end(), finding.edits.begin(), finding.edits.end());
     std::ranges::stable_sort(edits, {}, &Edit::offset);
     std::size_t end = 0;
     std::erase_if(edits, [&](const Edit &edit) {

@@ -20,6 +20,17 @@ std::string upperCase(std::string_view text)
     return upper;
 }
 
+/// The name that is known but for the case of its letters.
+std::vector<std::string>::const_iterator sameButForCase(std::string_view name,
+                                                        const std::vector<std::string> &known)
+{
+    return std::ranges::find_if(known, [&](const std::string &each) {
+        return std::ranges::equal(name, each, [](unsigned char a, unsigned char b) {
+            return std::toupper(a) == std::toupper(b);
+        });
+    });
+}
+
 /// The element that people write so, where it may stand among `known`; empty: none.
 std::string_view elementMeant(std::string_view name, const std::vector<std::string> &known)
 {
@@ -47,6 +58,8 @@ void reportUnknownChild(const ElementPlace &place, pugi::xml_node child, Report 
                            excerpt(child.name()), place.row.name),
                meant.empty() ? report.suggest(child.name(), known, "remove it")
                              : fmt::format("did you mean {}?", meant));
+    const auto sameName = sameButForCase(child.name(), known);
+    if (sameName != known.end()) report.mendElementName(child, *sameName);
 }
 
 void checkChildElement(const ElementPlace &place, pugi::xml_node child, Report &report)
@@ -151,12 +164,7 @@ void mendLetterCase(pugi::xml_node element, pugi::xml_attribute attribute,
                     const std::vector<std::string> &known, Report &report)
 {
     const std::string_view name = attribute.name();
-    const auto isSame = [&](const std::string &each) {
-        return std::ranges::equal(name, each, [](unsigned char a, unsigned char b) {
-            return std::toupper(a) == std::toupper(b);
-        });
-    };
-    const auto meant = std::ranges::find_if(known, isSame);
+    const auto meant = sameButForCase(name, known);
     if (meant != known.end() && !element.attribute(meant->c_str()))
         report.mend({report.written(element, attribute).name, name.size(), *meant});
 }
