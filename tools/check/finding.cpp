@@ -64,10 +64,12 @@ void Report::mendElementName(pugi::xml_node element, const std::string &name)
     pugi::xml_node after = element;
     while (after && !after.next_sibling()) after = after.parent();
     after = after.next_sibling();
-    const std::size_t end = document_.text().rfind(
-        fmt::format("</{}", written), after ? document_.offsetOf(after) : std::string::npos);
-    if (end != std::string::npos && end > start) // else it has no end tag
-        findings_.back().edits.push_back({end + 2, written.size(), name});
+    const std::size_t end = after ? document_.offsetOf(after) : document_.text().size();
+    const std::size_t tag = std::string_view(document_.text())
+                                .substr(start, end - start)
+                                .rfind(fmt::format("</{}", written));
+    if (tag != std::string_view::npos) // else it is empty, and has none
+        findings_.back().edits.push_back({start + tag + 2, written.size(), name});
 }
 
 void Report::mendByRemoval(pugi::xml_node element, pugi::xml_attribute attribute)
