@@ -235,8 +235,9 @@ bool DlnaDocument::inheritFrom(const std::string &name, Place place, std::vector
 {
     if (const auto found = restrictions_.find(name); found != restrictions_.end()) {
         auto restriction = restrictionAt(found->second);
-        if (restriction) add(*std::move(restriction), profile);
-        return restriction.has_value();
+        if (!restriction) return false;
+        add(*std::move(restriction), profile);
+        return true;
     }
     if (std::ranges::find(from, name) != from.end()) return true;
     from.push_back(name);

@@ -288,6 +288,7 @@ private:
                                                const SoundLimits &sound)
     {
         std::vector<Container> containers;
+        containers.reserve(formats.size());
         for (const int format : formats)
             containers.push_back({format, mimeOf(format, isMusic),
                                   isMusic ? dlnaNameOfMusic(sound, format) : std::string()});
@@ -304,6 +305,7 @@ private:
             groups[concerning].push_back(format);
         }
         std::vector<std::vector<int>> all;
+        all.reserve(groups.size());
         for (const auto &[concerning, alike] : groups) all.push_back(alike);
         return all;
     }

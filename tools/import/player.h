@@ -71,7 +71,7 @@ struct Remark {
     Kind kind;
     std::string text; ///< printable
 
-    auto operator<=>(const Remark &) const = default;
+    auto operator<=>(const Remark &) const = default; // NOLINT: its zero is taken for a null
 };
 
 struct Player {

@@ -206,7 +206,7 @@ void MediaFile::findStreams(Search search)
     if (search == Search::Usual) context_->fps_probe_size = 0; // the frame rate is not asked for
     if (search == Search::Far) {
         context_->probesize = kMostForStreams / 2; // some is read again, at the end
-        context_->max_analyze_duration = 60 * AV_TIME_BASE;
+        context_->max_analyze_duration = std::int64_t{60} * AV_TIME_BASE;
     }
     limitReading(kMostForStreams);
     if (avformat_find_stream_info(context_.get(), nullptr) >= 0) return;

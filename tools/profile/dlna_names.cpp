@@ -277,7 +277,7 @@ std::string searchName(const DlnaUse &use)
 {
     std::vector<const DlnaName *> names = namesFor(use);
     if (names.empty()) return {};
-    const std::string family = familyOf(names.front()->name);
+    std::string family = familyOf(names.front()->name);
     const auto byProfile = [&](const DlnaName &name) { // the better one takes more of them
         return (name.bestProfile & use.profiles) == 0
                    ? kUnfit

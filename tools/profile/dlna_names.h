@@ -24,7 +24,7 @@ struct DlnaUse {
     int formatId, picture, sound;                          ///< the picture's codec, or -1 for music
     int profiles = 0, width = 0, height = 0, channels = 0; ///< the most that there may be
 
-    auto operator<=>(const DlnaUse &) const = default;
+    auto operator<=>(const DlnaUse &) const = default; // NOLINT: its zero is taken for a null
 };
 
 /// Null for a name that isn't known.

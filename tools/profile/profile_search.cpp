@@ -57,6 +57,7 @@ std::vector<NamedProfile> namedProfiles()
                 paths.try_emplace(entry.path().stem(), entry.path());
     }
     std::vector<NamedProfile> profiles;
+    profiles.reserve(paths.size());
     for (const auto &[name, path] : paths) profiles.push_back({name, path});
     return profiles;
 }
@@ -73,6 +74,7 @@ std::string findProfile(const std::string &pathOrName)
     std::error_code ignored;
     if (fs::exists(pathOrName, ignored)) return pathOrName;
     std::vector<std::string> names;
+    names.reserve(profiles.size());
     for (const NamedProfile &profile : profiles) names.push_back(profile.name);
     throw std::runtime_error(
         fmt::format("{}: neither a file nor a profile's name{} (vornak profile list shows them)",
