@@ -57,7 +57,7 @@ char letterOf(Outcome outcome)
 MatrixTable::MatrixTable(const std::vector<MatrixColumn> &columns, std::size_t width)
     : columns_(columns), width_(width)
 {
-    if (width == 0 || 2 * columns.size() + kLeastName <= width) gap_ = " ";
+    if (width == 0 || 2 * columns.size() + kLeastName <= width) gap_.assign(1, ' ');
 }
 
 /// The end of a text tells more than its start.
