@@ -181,7 +181,7 @@ Side wider(bool isLeftWithin, bool isRightWithin)
 template <class Record, class Source>
 bool limits(const Property<Record, Source> &property, const Record &record)
 {
-    if (property.in(record) == 0 ||
+    if (property.unit == Unit::Text || property.in(record) == 0 ||
         (property.unit != Unit::ExceptionBits && property.in(record) < 0))
         return false;
     for (const auto &row : comparisonsOf(record))
