@@ -235,7 +235,8 @@ TEST_F(DiscCommand, UnmountsBeforeASignalEndsIt)
         bool toAll;
     } cases[] = {{"mount", SIGINT, false},  {"mount", SIGTERM, false}, {"umount", SIGINT, false},
                  {"umount", SIGHUP, false}, {"umount", SIGTERM, true}, {"rmdir", SIGUSR1, true}};
-    const std::string path = std::getenv("PATH");
+    const char *const given = std::getenv("PATH");
+    const std::string path = given ? given : "/usr/bin:/bin";
     for (const auto &c : cases) {
         const TempDir temp;
         const std::string slow =
