@@ -80,7 +80,7 @@ protected:
     /// A program that is called as ffmpeg is.
     static std::string program(const std::string &name, const std::string &script)
     {
-        const std::string path = s_Dir->write(name, "#!/bin/sh\n" + script + "\n");
+        std::string path = s_Dir->write(name, "#!/bin/sh\n" + script + "\n");
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
         return path;
     }

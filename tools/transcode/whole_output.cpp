@@ -112,8 +112,7 @@ std::optional<Fault> findFault(const Making &making, const FfmpegReport &report)
     if (!making.command) return std::nullopt;
     const StreamEnds source =
         findStreamEnds(making.file.path, making.file.decision.track).value_or(StreamEnds{});
-    const auto lack =
-        making.work ? findLack(making, source, report.seconds()) : std::optional<Fault>();
+    auto lack = making.work ? findLack(making, source, report.seconds()) : std::optional<Fault>();
     if (report.sourceEnded() && (!lack || lack->isSources))
         return endsEarly("", report.seconds(), source.stated);
     return lack;
