@@ -63,7 +63,8 @@ const std::set<std::string> &encoders()
 /// All profiles; for the sanitized tool, which takes long, one in turn for every other clip.
 std::span<const char *const> profilesFor(const Clip &clip)
 {
-    if (!VORNAK_SANITIZED) return s_Profiles;
+    constexpr bool kIsFast = !VORNAK_SANITIZED;
+    if (kIsFast) return s_Profiles;
     const auto position = static_cast<std::size_t>(
         std::ranges::find(clips(), clip.file, &Clip::file) - clips().begin());
     return std::span(s_Profiles).subspan(position / 2 % std::size(s_Profiles), 1 - position % 2);

@@ -4,6 +4,7 @@
 #include "tests/support/private_tmp.h"
 #include "tests/tools/transcode_clips.h"
 
+#include <algorithm>
 #include <csignal>
 #include <fmt/format.h>
 #include <random>

@@ -349,8 +349,8 @@ TEST(ImportMeasure, OfRandomProfiles)
     }
     EXPECT_LT(all.refused, rounds(30) / 3);
     EXPECT_GT(all.played, 100);
-    // among them are conditions that nobody writes, and that no rule can say
-    EXPECT_LE(all.needless * 10, all.played);
+    // even with conditions that nobody writes, and that no rule can say
+    EXPECT_LE(all.needless * 20, all.played);
     std::cout << all.played << " played, " << all.needless << " of them transcoded\n";
 }
 

@@ -136,7 +136,9 @@ TEST(ProfileImport, ConditionsOnSound)
         {"aac", "LessThanEqual", "AudioSampleRate", "64000", "aac MAXFREQUENCY=50400",
          "usual sample rates"},
         {"aac", "LessThanEqual", "AudioBitrate", "320000", "aac MAXBITRATE=320K", ""},
-        {"mp3", "LessThanEqual", "AudioBitDepth", "16", "mp3", "the bits of a sample of mp3"},
+        {"flac", "LessThanEqual", "AudioBitDepth", "16", "flac", "the bits of a sample of flac"},
+        {"mp3", "LessThanEqual", "AudioBitDepth", "16", "mp3", ""}, // has no such bits
+        {"mp3", "Equals", "AudioProfile", "LC", "mp3", ""},
         {"pcm_s16le", "LessThanEqual", "AudioBitDepth", "16", "pcm_s16le", ""},
         {"mp3", "Equals", "IsSecondaryAudio", "false", "mp3", "which of several audio tracks"},
     };

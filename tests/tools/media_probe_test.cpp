@@ -340,30 +340,31 @@ std::string overwritten(std::string content, std::string_view mark, std::size_t 
     return content;
 }
 
-std::string withAllOnes(std::string content)
+std::string withAllOnes(const std::string &mp4)
 {
+    std::string content = mp4;
     for (const auto &[box, distance] : {std::pair{"mvhd", 20}, {"tkhd", 24}, {"mdhd", 20}})
         content = overwritten(content, box, static_cast<std::size_t>(distance), "\xFF\xFF\xFF\xFF");
     return content;
 }
 
 /// As a muxer leaves it that can't go back to its header.
-std::string asFromPipe(std::string avi)
+std::string asFromPipe(const std::string &avi)
 {
     return replaced(overwritten(avi, "strh", 40, {"\0\0\0\x40", 4}), "idx1", "JUNK");
 }
 
-std::string withoutThird(std::string film)
+std::string withoutThird(const std::string &film)
 {
     return film.substr(0, film.size() * 2 / 3);
 }
 
-std::string withoutStatedRates(std::string mp4)
+std::string withoutStatedRates(const std::string &mp4)
 {
-    return replaced(std::move(mp4), "btrt", "free");
+    return replaced(mp4, "btrt", "free");
 }
 
-std::string asWav(std::string samples)
+std::string asWav(const std::string &samples)
 {
     using namespace std::string_literals;
     return "RIFF\xFF\xFF\xFF\x7FWAVEfmt \x10\0\0\0\1\0\2\0\x80\xBB\0\0\0\xEE\2\0\4\0\x10\0data"
@@ -378,7 +379,7 @@ struct Told {
     // plain.mp4. 0: there is none, or it doesn't matter.
     double video, audio;
     bool varies = false;
-    std::string (*change)(std::string) = nullptr;
+    std::string (*change)(const std::string &) = nullptr;
 };
 
 constexpr double kAac = 100700, kMp3 = 62800; // six seconds of silence, then six of noise
@@ -523,7 +524,8 @@ TEST_F(MediaProbe, ReadsOnForTheSizeOfThePictures)
 {
     runFfmpeg({"-f", "lavfi", "-i", "testsrc2=s=320x180:r=25:d=12", "-c:v", "libx264", "-preset",
                "ultrafast", "-pix_fmt", "yuv420p", "-g", "999", clip("one_gop.ts")});
-    const std::string film = readFile(clip("one_gop.ts")), rest = film.substr(188 * 300);
+    constexpr std::size_t kPackets = 300;
+    const std::string film = readFile(clip("one_gop.ts")), rest = film.substr(188 * kPackets);
     std::string late;
     while (late.size() < 6'000'000) late += rest;
     folder_->write("late.ts", late + film);

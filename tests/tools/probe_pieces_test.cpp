@@ -31,7 +31,7 @@ public:
     }
     void putUnsigned(std::uint32_t value)
     {
-        const int length = std::bit_width(value + 1);
+        const auto length = static_cast<int>(std::bit_width(value + 1));
         put(0, length - 1);
         put(value + 1, length);
     }

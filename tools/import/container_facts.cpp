@@ -131,7 +131,7 @@ bool canHold(int format, int codec)
 {
     const auto *const row = findRow(format);
     if (!row) return false;
-    return row->codecs.empty() || std::ranges::find(row->codecs, codec) != row->codecs.end();
+    return row->codecs.empty() || row->codecs.has(codec);
 }
 
 std::string mimeOf(int format, bool isMusic)

@@ -41,6 +41,13 @@ using Condition = JellyfinCondition;
 
 constexpr std::size_t kMostValues = 1000;
 
+// Of streams in these codecs nobody knows a profile, or how many bits a sample has.
+constexpr CodecList kWithoutProfile =
+    "mp1|mp2|mp3|ac3|opus|vorbis|flac|alac|wmav1|wmav2|wmapro|wmalossless|amr_nb|amr_wb|speex|"
+    "mpeg1video|wmv1|wmv2|msmpeg4v1|msmpeg4v2|msmpeg4v3|theora|flv1"_codecs;
+constexpr CodecList kWithoutSampleBits =
+    "aac|aac_latm|mp1|mp2|mp3|ac3|eac3|opus|vorbis|wmav1|wmav2|amr_nb|amr_wb|speex"_codecs;
+
 constexpr NamedNumber s_Tests[] = {{"Equals", Condition::Equals},
                                    {"NotEquals", Condition::NotEquals},
                                    {"LessThanEqual", Condition::AtMost},
@@ -116,6 +123,13 @@ std::vector<Range> rangesThatKeep(const Condition &condition)
     return ranges;
 }
 
+/// What is taken by a condition on something that is never known: all or nothing.
+template <class Limits>
+Union<Limits> unknownKeeps(const Condition &condition)
+{
+    return condition.isRequired ? Union<Limits>() : Union<Limits>(1);
+}
+
 /// The union of limits by one number.
 template <class Limits, Range Limits::*range>
 Kept<Limits> keepNumbers(const Condition &condition, int, const Note &note)
@@ -188,6 +202,7 @@ std::optional<int> profilesThatKeep(const Condition &condition, int codec, const
 template <class Limits>
 Kept<Limits> keepProfiles(const Condition &condition, int codec, const Note &note)
 {
+    if (kWithoutProfile.has(codec)) return unknownKeeps<Limits>(condition);
     const std::optional<int> profiles = profilesThatKeep(condition, codec, note);
     if (!profiles) return Union<Limits>{};
     Limits limits;
@@ -276,6 +291,7 @@ Kept<SoundLimits> keepSampleBits(const Condition &condition, int codec, const No
 {
     if (const int depth = pcmDepth(codec); depth > 0)
         return keeps(condition, depth) ? Union<SoundLimits>(1) : Union<SoundLimits>();
+    if (kWithoutSampleBits.has(codec)) return unknownKeeps<SoundLimits>(condition);
     note(Remark::LeftOut, fmt::format("a Device profile doesn't limit the bits of a sample of {}",
                                       codecText(codec)));
     return std::nullopt;

@@ -20,7 +20,9 @@
 namespace vornak::tool {
 namespace {
 
-constexpr int kWebm = "matroska/webm"_container; // named, since clang 14 calls it in a template
+// named, since clang 14 calls them in a template
+constexpr int kMatroska = "matroska"_container;
+constexpr int kWebm = "matroska/webm"_container;
 constexpr std::size_t kMostCombinations = 300'000;
 constexpr std::size_t kMostAlternatives = 40;
 constexpr std::size_t kMostWishes = 100;
@@ -35,6 +37,9 @@ struct Selection {
     {
         return isAll || (std::ranges::find(ids, id) != ids.end()) != isExcept;
     }
+
+    /// Whether Matroska is taken but not WebM, which is the same file with other codecs.
+    bool isButWebm() const { return isExcept && takes(kMatroska) && !takes(kWebm); }
 };
 
 enum StreamKind { Picture, SoundOfVideo, Music };
@@ -245,9 +250,12 @@ private:
     void addMusic(const ObjectReader &object, const Selection &formats, const Selection &sounds,
                   int origin)
     {
-        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats))) {
+        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats), formats)) {
             const int format = alike.front();
-            for (const int codec : codecsOf<SoundLimits>(object, sounds, format, Music)) {
+            const bool isButWebm = format == kMatroska && formats.isButWebm();
+            for (const int codec :
+                 codecsOf<SoundLimits>(object, sounds, format, Music, isButWebm)) {
+                if (isButWebm && canHold(kWebm, codec)) continue;
                 const auto &limits = limitsFor<SoundLimits>(codec, format, Music);
                 count(1 + limits.size());
                 for (const SoundLimits &sound : limits)
@@ -263,11 +271,16 @@ private:
     void addVideo(const ObjectReader &object, const Selection &formats, const Selection &pictures,
                   const Selection &sounds, int origin)
     {
-        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats))) {
-            const auto audio = codecsOf<SoundLimits>(object, sounds, alike.front(), SoundOfVideo);
+        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats), formats)) {
+            const int format = alike.front();
+            const bool isButWebm = format == kMatroska && formats.isButWebm();
+            const auto audio =
+                codecsOf<SoundLimits>(object, sounds, format, SoundOfVideo, isButWebm);
             for (const int codec :
-                 codecsOf<PictureLimits>(object, pictures, alike.front(), Picture))
-                for (const int sound : audio) addVideos(codec, sound, alike, origin);
+                 codecsOf<PictureLimits>(object, pictures, format, Picture, isButWebm))
+                for (const int sound : audio)
+                    if (!isButWebm || !canHold(kWebm, codec) || !canHold(kWebm, sound))
+                        addVideos(codec, sound, alike, origin);
         }
     }
 
@@ -295,12 +308,14 @@ private:
         return containers;
     }
 
-    /// The containers, those together that the same conditions concern.
-    std::vector<std::vector<int>> groupsOf(const std::vector<int> &formats) const
+    /// The containers of a list, those together that the same conditions concern.
+    std::vector<std::vector<int>> groupsOf(const std::vector<int> &formats,
+                                           const Selection &list) const
     {
         std::map<std::vector<bool>, std::vector<int>> groups;
         for (const int format : formats) {
-            std::vector<bool> concerning = {format == kWebm};
+            std::vector<bool> concerning = {format == kWebm,
+                                            format == kMatroska && list.isButWebm()};
             for (const LimitSet &set : sets_) concerning.push_back(set.containers.takes(format));
             groups[concerning].push_back(format);
         }
@@ -330,7 +345,11 @@ private:
         if (!formats.isExcept) return all;
         for (const int other : formats.ids) {
             std::erase(all, other);
-            if (std::erase(all, containerPart(other)) > 0)
+            if (other == kWebm && formats.isButWebm())
+                noteAt(object.line(), object.place())(
+                    Remark::Stricter, "to a rule, Matroska with WebM's codecs alone is WebM, too, "
+                                      "so it is transcoded");
+            else if (std::erase(all, containerPart(other)) > 0)
                 noteAt(object.line(), object.place())(
                     Remark::Stricter,
                     fmt::format("a rule for {} takes {}, too, so it is transcoded",
@@ -340,10 +359,10 @@ private:
     }
 
     /// The codecs of a list. Any codec stands as such only where none has limits, since a rule for
-    /// any codec looks at none; else the common ones stand for it.
+    /// any codec looks at none; else the common ones stand for it. @param each  never "any"
     template <class Limits>
     std::vector<int> codecsOf(const ObjectReader &object, const Selection &codecs, int format,
-                              StreamKind kind)
+                              StreamKind kind, bool each)
     {
         if (format == kWebm) return codecsOfWebm<Limits>(object, codecs);
         if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
@@ -351,18 +370,19 @@ private:
         for (const LimitSet &set : sets_)
             for (const int id : set.codecs.ids)
                 if (set.kind == kind && std::ranges::find(all, id) == all.end()) all.push_back(id);
-        const bool isLimited = std::ranges::any_of(all, [&](int codec) {
-            Limits unlimited;
-            unlimited.codec = codec;
-            return limitsFor<Limits>(codec, format, kind) != Union<Limits>{unlimited};
-        });
+        const bool isLimited =
+            each || std::ranges::any_of(all, [&](int codec) {
+                Limits unlimited;
+                unlimited.codec = codec;
+                return limitsFor<Limits>(codec, format, kind) != Union<Limits>{unlimited};
+            });
         if (codecs.isAll && !isLimited) return {0};
         std::erase_if(all, [&](int codec) { return !codecs.takes(codec); });
         noteAt(object.line(), object.place())(
             Remark::Stricter,
             fmt::format("any {} codec{} is said as {} common ones",
                         kind == Picture ? "video" : "audio",
-                        codecs.isAll ? ", some with limits," : " but some", all.size()));
+                        codecs.isAll ? "" : " but some", all.size()));
         return all;
     }
 
@@ -496,7 +516,7 @@ private:
             if (!kept) isExact = false;
             if (isExact) all = both(all, *kept, noteAt(condition.line, condition.text));
         }
-        if (isExact && takesUnknown(condition) && !condition.isRequired)
+        if (isExact && !all.empty() && takesUnknown(condition) && !condition.isRequired)
             noteAt(condition.line, condition.text)(
                 Remark::LeftOut, "where it isn't known, what it is asked for doesn't hold");
         if (isExact) return all;

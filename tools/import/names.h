@@ -22,6 +22,7 @@ struct CodecList {
     constexpr bool empty() const { return size == 0; }
     constexpr const int *begin() const { return ids.data(); }
     constexpr const int *end() const { return ids.data() + size; }
+    constexpr bool has(int codec) const { return std::find(begin(), end(), codec) != end(); }
 };
 consteval CodecList operator""_codecs(const char *names, std::size_t length)
 {
