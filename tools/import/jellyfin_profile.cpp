@@ -379,10 +379,9 @@ private:
         if (codecs.isAll && !isLimited) return {0};
         std::erase_if(all, [&](int codec) { return !codecs.takes(codec); });
         noteAt(object.line(), object.place())(
-            Remark::Stricter,
-            fmt::format("any {} codec{} is said as {} common ones",
-                        kind == Picture ? "video" : "audio",
-                        codecs.isAll ? "" : " but some", all.size()));
+            Remark::Stricter, fmt::format("any {} codec{} is said as {} common ones",
+                                          kind == Picture ? "video" : "audio",
+                                          codecs.isAll ? "" : " but some", all.size()));
         return all;
     }
 
