@@ -338,7 +338,7 @@ TEST(ImportMeasure, OfRandomProfiles)
 {
     const unsigned seed = firstSeed();
     Count all;
-    for (unsigned i = 0; i < rounds(30); ++i) {
+    for (unsigned i = 0; i < rounds(100); ++i) {
         SCOPED_TRACE("VORNAK_SEED=" + std::to_string(seed + i));
         Random random(seed + i);
         const std::string profile = anyProfile(random);
@@ -347,7 +347,7 @@ TEST(ImportMeasure, OfRandomProfiles)
         all.needless += count.needless;
         all.refused += count.refused;
     }
-    EXPECT_LT(all.refused, rounds(30) / 3);
+    EXPECT_LT(all.refused, rounds(100) / 3);
     EXPECT_GT(all.played, 100);
     // even with conditions that nobody writes, and that no rule can say
     EXPECT_LE(all.needless * 20, all.played);

@@ -91,7 +91,7 @@ private:
         for (const ProfileName &row : profileNames())
             if (row.codecId == codec && often()) {
                 names.emplace_back(row.name);
-                if (codec == picture_.picture) picture_.profiles |= row.bit;
+                (codec == picture_.picture ? picture_.profiles : soundProfiles_) |= row.bit;
             }
         return attribute("PROFILE", fmt::format("{}", fmt::join(names, any(s_bars))));
     }
@@ -128,6 +128,7 @@ private:
             const auto [codec, encoder] =
                 i == 0 ? anyEncoder(false) : std::pair{anyCodec(false), std::string()};
             if (!taken.insert(codec).second) continue;
+            soundProfiles_ = 0;
             const int channels = 1 + below(6), rate = any(s_StandardSampleRates);
             text += fmt::format(" <ACODEC NAME=\"{}\"", tool::codecText(codec));
             if (!encoder.empty())
@@ -140,6 +141,7 @@ private:
             if (often()) text += fmt::format(" MAXBITRATE=\"{}K\"", 64 + below(600));
             text += ">\n" + containers(codec) + " </ACODEC>\n";
         }
+        soundProfiles_ = 0;
         return text + (often() ? ""
                                : " <ACODEC NAME=\"any\">\n" + containers(0) +
                                      "  <FORMAT NAME=\"*\"/>\n </ACODEC>\n");
@@ -185,7 +187,7 @@ private:
         return text;
     }
 
-    /// Any that fits, and whose picture is one of those that the rule takes.
+    /// Any that fits, and whose picture and sound are among those that the rule takes.
     std::string dlnaName(int format, int sound)
     {
         static const Names s_names = tool::dlnaNames();
@@ -193,7 +195,7 @@ private:
         for (const std::string &name : s_names) {
             const tool::DlnaName &row = *tool::findDlnaName(name);
             const bool isForMusic = picture_.picture < 0;
-            if (row.pictures.empty() == isForMusic && fitsPicture(row) &&
+            if (row.pictures.empty() == isForMusic && fitsLimits(row) &&
                 (sound == 0 || tool::allows(row.sounds, sound)) &&
                 tool::allows(row.containers, containerPart(format)))
                 fitting.push_back(name);
@@ -201,14 +203,14 @@ private:
         return fitting.empty() ? "" : any(fitting);
     }
 
-    bool fitsPicture(const tool::DlnaName &row) const
+    bool fitsLimits(const tool::DlnaName &row) const
     {
-        const auto isFree = [](int one, int other) { return one == 0 || other == 0; };
+        const auto share = [](int one, int other) {
+            return one == 0 || other == 0 || (one & other) != 0;
+        };
         return tool::allows(row.pictures, picture_.picture) &&
-               (isFree(row.profiles, picture_.profiles) ||
-                (row.profiles & picture_.profiles) != 0) &&
-               (isFree(row.width, picture_.width) ||
-                (picture_.width <= row.width && picture_.height <= row.height));
+               share(row.profiles, picture_.profiles) && share(row.soundProfiles, soundProfiles_) &&
+               (row.width == 0 || (picture_.width <= row.width && picture_.height <= row.height));
     }
 
     static inline const Names s_bars = {"|", " | "};
@@ -216,6 +218,7 @@ private:
 
     std::mt19937 random_;
     tool::DlnaUse picture_ = kMusic; ///< of the rule that is being drawn
+    int soundProfiles_ = 0;          ///< the same of its sound
 };
 
 TEST(RandomProfile, IsCleanWhereItIsRight)

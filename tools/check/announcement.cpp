@@ -59,6 +59,8 @@ DlnaUse useOf(const Place &place)
 {
     DlnaUse use{place.entry.record->formatId, pictureOf(place), place.audio.record->aCodecId};
     use.channels = place.audio.record->maxChannels;
+    if (place.audio.position != 0)
+        use.soundProfiles = place.audio.record->aProfileId & allProfilesOf(use.sound);
     if (const VideoRule *rule = place.video.record) {
         const int made = profileMade(place);
         use.profiles = made != 0 ? made : rule->vProfileId;
@@ -96,7 +98,12 @@ std::string contradiction(const DlnaName &name, const Place &place)
     if (!allows(name.containers, container))
         return fmt::format("means {} and not {}", containerText(name.containers.front()),
                            containerText(container));
-    return pictureContradiction(name, useOf(place), picture);
+    const DlnaUse use = useOf(place);
+    if (name.soundProfiles != 0 && use.soundProfiles > 0 &&
+        (name.soundProfiles & use.soundProfiles) == 0)
+        return fmt::format("means AAC in the profile {}",
+                           fmt::join(profileTexts(name.soundProfiles, sound), ", "));
+    return pictureContradiction(name, use, picture);
 }
 
 void checkPn(const Place &place, Report &report)

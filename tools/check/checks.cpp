@@ -105,6 +105,7 @@ std::vector<Finding> checkProfile(const std::string &path, std::string &text)
     checkElements(document.device(), report);
     checkAudioRules({}, profile.pAudioTable, document.device().child("MUSIC"), report);
     checkVideoRules(profile.pVideoTable, document.device().child("VIDEO"), report);
+    report.dropConsequences();
     applySilencers(document.device(), report);
     if (document.isConverted())
         // the file has other bytes than the text

@@ -50,6 +50,14 @@ std::optional<int> codecOf(pugi::xml_node element);
 /// `MAXWIDTH="1920" MAXHEIGHT="1080"` for "1920x1080" and the bound "MAX"; empty for all else.
 std::string sizePair(std::string_view text, std::string_view bound);
 
+/// A level as streams code it, and what to do with it.
+struct LevelMeant {
+    std::string coded, advice;
+};
+
+/// The level of the element's codec that a LEVEL such as "4.1" or "L4.1" means.
+std::optional<LevelMeant> levelMeant(pugi::xml_node element);
+
 using ElementCheck = void (*)(const ElementPlace &, Report &);
 using RuleCheck = void (*)(const Place &, Report &);
 

@@ -69,6 +69,7 @@ enum class Fault {
     UnknownEncoder,
     UnknownMuxer,
     UnknownOption,
+    StrayWord,
     OptionCodec,
     OptionContainer,
     OptionLimit,

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <iterator>
+#include <set>
 #include <utility>
 
 namespace vornak::tool {
@@ -107,6 +108,25 @@ std::string Report::suggest(std::string_view word, const std::vector<std::string
     ++suggestions_;
     const std::optional<std::string> nearest = nearestName(word, known);
     return nearest ? fmt::format("did you mean {}?", *nearest) : otherwise;
+}
+
+void Report::dropConsequences()
+{
+    constexpr struct {
+        Fault fault, consequence;
+    } s_Consequences[] = {
+        {Fault::NumberStops, Fault::FrequencySnapped},
+        {Fault::NumberStops, Fault::HalfSizePair},
+        {Fault::NumberStops, Fault::LevelScale},
+        {Fault::EmptyValue, Fault::FrequencySnapped},
+    };
+    std::set<std::pair<std::size_t, Fault>> found;
+    for (const Finding &finding : findings_) found.emplace(finding.offset, finding.fault);
+    std::erase_if(findings_, [&](const Finding &finding) {
+        return std::ranges::any_of(s_Consequences, [&](const auto &row) {
+            return row.consequence == finding.fault && found.contains({finding.offset, row.fault});
+        });
+    });
 }
 
 std::vector<Finding> Report::sorted() &&

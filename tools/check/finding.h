@@ -66,6 +66,9 @@ public:
 
     std::vector<Finding> &findings() { return findings_; }
 
+    /// Drops what is found in a number only because its reading stopped within it.
+    void dropConsequences();
+
     /// The findings in the order of their places, which they get with it; what is found in one
     /// place stays in the order of finding.
     std::vector<Finding> sorted() &&;

@@ -7,7 +7,6 @@
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <fmt/format.h>
 #include <iterator>
@@ -15,17 +14,19 @@
 namespace vornak::tool {
 namespace {
 
-std::array<int, 3> countSeverities(const std::vector<Finding> &findings)
+/// "2 errors, 1 warning, 3 notes (not shown)"
+std::string sumOf(const CheckedProfile &profile)
 {
-    std::array<int, 3> counts{};
-    for (const Finding &finding : findings)
-        ++counts[static_cast<std::size_t>(kindOf(finding.fault).severity)];
-    return counts;
-}
-
-std::string plural(int count, const char *one)
-{
-    return fmt::format("{} {}{}", count, one, count == 1 ? "" : "s");
+    if (profile.found == std::array{0, 0, 0}) return "nothing found";
+    const std::array<int, 3> shown = countSeverities(profile.findings);
+    std::string sum;
+    for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+        const auto i = static_cast<std::size_t>(severity);
+        sum += fmt::format("{}{} {}{}{}", sum.empty() ? "" : ", ", profile.found[i],
+                           severityName(severity), profile.found[i] == 1 ? "" : "s",
+                           shown[i] < profile.found[i] ? " (not shown)" : "");
+    }
+    return sum;
 }
 
 std::string_view colourOf(Severity severity)
@@ -59,7 +60,7 @@ Json fieldsOf(const CheckedProfile &profile)
                         {"problem", finding.problem},
                         {"advice", finding.advice}});
     }
-    const auto [errors, warnings, notes] = countSeverities(profile.findings);
+    const auto [errors, warnings, notes] = profile.found;
     return {{"findings", std::move(list)},
             {"summary", {{"errors", errors}, {"warnings", warnings}, {"notes", notes}}}};
 }
@@ -119,6 +120,14 @@ Json sarifResult(const CheckedProfile &profile, const Finding &finding)
 
 } // namespace
 
+std::array<int, 3> countSeverities(const std::vector<Finding> &findings)
+{
+    std::array<int, 3> counts{};
+    for (const Finding &finding : findings)
+        ++counts[static_cast<std::size_t>(kindOf(finding.fault).severity)];
+    return counts;
+}
+
 std::string findingsAsText(const std::vector<CheckedProfile> &profiles)
 {
     std::string text;
@@ -130,11 +139,7 @@ std::string findingsAsText(const std::vector<CheckedProfile> &profiles)
                                 colourOf(kind.severity), severityName(kind.severity),
                                 colours().reset, finding.problem, kind.id, finding.advice);
         }
-        const auto [errors, warnings, notes] = countSeverities(profile.findings);
-        const std::string sum = fmt::format("{}, {}, {}", plural(errors, "error"),
-                                            plural(warnings, "warning"), plural(notes, "note"));
-        text += fmt::format("{}: {}\n", printable(profileTitle(profile.path)),
-                            profile.findings.empty() ? "nothing found" : sum);
+        text += fmt::format("{}: {}\n", printable(profileTitle(profile.path)), sumOf(profile));
     }
     return text;
 }

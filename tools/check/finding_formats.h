@@ -3,6 +3,7 @@
 
 #include "tools/check/finding.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -10,9 +11,12 @@ namespace vornak::tool {
 
 struct CheckedProfile {
     std::string path;
-    std::vector<Finding> findings;
-    std::string error; ///< why it can't be loaded, with its place; empty: it was
+    std::vector<Finding> findings; ///< that are to be shown
+    std::string error;             ///< why it can't be loaded, with its place; empty: it was
+    std::array<int, 3> found{};    ///< findings of each severity, shown or not
 };
+
+std::array<int, 3> countSeverities(const std::vector<Finding> &findings);
 
 using FindingFormat = std::string (*)(const std::vector<CheckedProfile> &profiles);
 

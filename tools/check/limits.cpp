@@ -3,6 +3,7 @@
 
 #include "cmdline/limit_slots.h"
 #include "profile/attribute_value.h"
+#include "profile/sample_rates.h"
 #include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
 
@@ -11,6 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -23,24 +25,11 @@ int numberIn(pugi::xml_node element, const char *name)
     return readNumber(findAttribute(name)->unit, element.attribute(name).value()).value;
 }
 
-/// The level that a text such as "4.1" means, as streams code it; nothing: there is none.
-std::optional<long> levelMeant(const LevelScale &scale, const char *text)
-{
-    double level = std::strtod(text, nullptr);
-    if (level >= 10) level /= 10;
-    const auto coded = std::lround(std::clamp(level, 0.0, 99.0) * scale.factor);
-    if (std::ranges::find(scale.levels, coded) == scale.levels.end()) return std::nullopt;
-    return coded;
-}
-
 void checkLevel(pugi::xml_node element, Report &report)
 {
     const pugi::xml_attribute attribute = element.attribute("LEVEL");
     const int level = numberIn(element, "LEVEL");
-    std::string_view text = attribute.value();
-    const bool hasLetter = level == 0 && text.size() > 1 && (text[0] == 'L' || text[0] == 'l');
-    if (level <= 0 && !hasLetter) return;
-    if (hasLetter) text.remove_prefix(1);
+    if (level <= 0) return;
     if (codecOf(element) == "mpeg2video"_codec)
         return report.add(Fault::LevelsRunBackwards, element, attribute,
                           fmt::format("{}: the levels of MPEG-2 run backwards (low 10, main 8, "
@@ -49,16 +38,13 @@ void checkLevel(pugi::xml_node element, Report &report)
                           "limit the size in its place");
     const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
     if (!scale || std::ranges::find(scale->levels, level) != scale->levels.end()) return;
-    const std::optional<long> meant = levelMeant(*scale, text.data());
+    const std::optional<LevelMeant> meant = levelMeant(element);
     report.add(Fault::LevelScale, element, attribute,
                fmt::format("{} is read as {}, which is no level of {}", shown(attribute), level,
                            codecText(scale->codecId)),
-               meant ? fmt::format("write {} for level {:.1f}", *meant,
-                                   static_cast<double>(*meant) / scale->factor)
+               meant ? meant->advice
                      : fmt::format("the levels of {} are {}", codecText(scale->codecId),
                                    fmt::join(scale->levels, ", ")));
-    if (meant && text.size() == 3 && text[1] == '.')
-        report.mendValue(element, attribute, std::to_string(*meant));
 }
 
 void checkWildcard(pugi::xml_node element, unsigned elements, Report &report)
@@ -110,6 +96,19 @@ void checkOrder(int minimum, int maximum, int tolerance, const char *minName, co
                tolerance > 0 ? "with TOLERANCE, set one pair of sizes" : "exchange the two");
 }
 
+/// What to write for a rate that is none of the standard ones.
+std::string rateAdvice(int rate)
+{
+    if (rate <= 0) return "remove it";
+    if (std::ranges::find(s_StandardSampleRates, rate * std::int64_t{1000}) !=
+        std::end(s_StandardSampleRates))
+        return fmt::format("write {}000", rate);
+    const auto *const above = std::ranges::upper_bound(s_StandardSampleRates, rate);
+    if (above == std::begin(s_StandardSampleRates) || above == std::end(s_StandardSampleRates))
+        return "write the rate in Hz, such as 44100";
+    return fmt::format("write one of the standard rates, such as {} or {}", above[-1], *above);
+}
+
 void checkSnapped(int limit, const char *name, pugi::xml_node element, Report &report)
 {
     const pugi::xml_attribute attribute = element.attribute(name);
@@ -119,7 +118,7 @@ void checkSnapped(int limit, const char *name, pugi::xml_node element, Report &r
     report.add(Fault::FrequencySnapped, element, attribute,
                fmt::format("{} is read as {} and becomes {} Hz, the nearest standard rate",
                            shown(attribute), read, limit),
-               "write the rate in full, such as 44100");
+               rateAdvice(read));
 }
 
 /// The order of two numbers as they are written.
@@ -162,11 +161,27 @@ void checkSizes(pugi::xml_node element, Report &report)
 
 } // namespace
 
+std::optional<LevelMeant> levelMeant(pugi::xml_node element)
+{
+    const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
+    if (!scale) return std::nullopt;
+    const char *text = element.attribute("LEVEL").value();
+    if (*text == 'L' || *text == 'l') ++text;
+    double level = std::strtod(text, nullptr);
+    if (level >= 10) level /= 10;
+    const auto coded = std::lround(std::clamp(level, 0.0, 99.0) * scale->factor);
+    if (std::ranges::find(scale->levels, coded) == scale->levels.end()) return std::nullopt;
+    return LevelMeant{std::to_string(coded),
+                      fmt::format("write {} for level {:.1f}", coded,
+                                  static_cast<double>(coded) / scale->factor)};
+}
+
 void checkLimits(const ElementPlace &place, Report &report)
 {
     if ((place.row.element & (kVcodec | kAcodec)) == 0) return;
     checkWildcard(place.element, place.row.element, report);
     checkLevel(place.element, report);
+    if (codecOf(place.element) == kAnyCodec) return; // whose limits are ignored, as is said
     if (place.row.element == kAcodec) return checkPairs(s_AudioLimits, place.element, report);
     checkPairs(s_VideoLimits, place.element, report);
     checkSizes(place.element, report);

@@ -68,24 +68,33 @@ struct Mend {
 
 constexpr std::size_t kLongestNumber = 32; // with its unit, of those that are understood
 
-/// "20,000,000" without its commas; what groups nothing stays as it is.
-std::string withoutGroups(std::string_view text)
+/// "20,000,000" and "2 000" without what groups them, "2,5M" with a point; all else as it is, also
+/// what could be either, such as "320,000K".
+std::string plainNumber(std::string_view text)
 {
-    std::string digits(text);
-    for (std::size_t comma = digits.find(','); comma != std::string::npos;
-         comma = digits.find(',', comma)) {
-        const std::size_t end =
-            std::min(digits.find_first_not_of("0123456789", comma + 1), digits.size());
-        if (comma == 0 || end - comma != 4) return std::string(text);
-        digits.erase(comma, 1);
+    const auto digitsAt = [text](std::size_t at) {
+        return std::min(text.find_first_not_of("0123456789", at), text.size()) - at;
+    };
+    std::size_t at = digitsAt(0);
+    std::string plain(text.substr(0, at));
+    const char mark = at < text.size() ? text[at] : '\0';
+    while (at < text.size() && (mark == ',' || mark == ' ') && text[at] == mark &&
+           digitsAt(at + 1) == 3) {
+        plain += text.substr(at + 1, 3);
+        at += 4;
     }
-    return digits;
+    const std::string_view rest = text.substr(at);
+    const bool isGrouped = plain.size() < at;
+    if (isGrouped && (rest.empty() || suffixFactor(rest.front()) == 0)) return plain.append(rest);
+    if (!isGrouped && mark == ',' && digitsAt(at + 1) > 0)
+        return fmt::format("{}.{}", plain, rest.substr(1));
+    return std::string(text);
 }
 
 /// "44.1K", "44.1 kHz" and "44,100" as 44100, where that is a whole number; else empty.
 std::string wholeNumber(std::string_view written)
 {
-    const std::string text = withoutGroups(written.substr(0, kLongestNumber));
+    const std::string text = plainNumber(written.substr(0, kLongestNumber));
     std::string_view rest = text;
     const auto takeDigits = [&] {
         const std::size_t end = std::min(rest.find_first_not_of("0123456789"), rest.size());
@@ -107,7 +116,9 @@ std::string wholeNumber(std::string_view written)
                                                                : 0;
     if (zeros > 0) rest.remove_prefix(1);
     if (whole.empty() || part.size() > zeros || (!rest.empty() && !isUnit(rest))) return {};
-    return fmt::format("{}{}{:0<{}}", whole, part, "", zeros - part.size());
+    std::string digits = fmt::format("{}{}{:0<{}}", whole, part, "", zeros - part.size());
+    digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size() - 1));
+    return digits;
 }
 
 /// What people write for a number: "stereo", "yes"; else empty.
@@ -138,11 +149,18 @@ Mend mendOfStop(const WrittenNumber &number)
 {
     const std::string_view rest = number.rest;
     const std::string read(number.read);
+    if (const auto level = levelMeant(number.place.element);
+        level && number.row.name == std::string_view("LEVEL"))
+        return {level->advice, level->coded};
     if (const std::string_view value = numberCalled(number.attribute.value(), number.row.unit);
         !value.empty())
         return {fmt::format("write {}", value), std::string(value)};
     if (number.hasDigits() && std::ranges::all_of(rest, isSpace))
         return {"remove the blank after it", read};
+    if (equalsLowered(rest, "p") && std::string_view(number.row.name).ends_with("WIDTH"))
+        return {fmt::format("{} counts lines: write it as the height, and the width here",
+                            number.attribute.value()),
+                {}};
     if (number.hasDigits() && isUnit(rest))
         return {fmt::format("leave out \"{}\", which follows the number", excerpt(rest)), read};
     if (const std::string count = number.hasDigits() ? channelCount(number) : ""; !count.empty())
@@ -177,7 +195,8 @@ void reportStop(const WrittenNumber &number, Report &report)
     const char c = number.rest.front();
     const std::string read =
         number.hasDigits() ? fmt::format("and gives {}", number.made.value) : "and gives 0";
-    if (!takesSuffixes(number.row.unit) && suffixFactor(c) != 0)
+    const bool isWord = !numberCalled(number.attribute.value(), number.row.unit).empty();
+    if (!takesSuffixes(number.row.unit) && suffixFactor(c) != 0 && !isWord)
         return report.add(Fault::SuffixOnDecimal, number.place.element, number.attribute,
                           fmt::format("{} ends at '{}' {}: this attribute takes no K or M",
                                       shown(number.attribute), c, read),

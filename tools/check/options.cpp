@@ -64,6 +64,14 @@ void reportUnknownOption(std::string_view word, const std::string &name, const O
                                           "knows more"));
 }
 
+void reportStrayWord(std::string_view word, const OptionPlace &place)
+{
+    place.report.add(Fault::StrayWord, place.element, place.attribute,
+                     fmt::format("{} is the {} of another file, and no option", excerpt(word),
+                                 word == "-i" ? "mark" : "name"),
+                     "write the options alone, without the files");
+}
+
 /// "-profile:v high" for "-profile:vhigh": what is behind the letter of the streams is no part of
 /// the option's name. Empty for all else.
 std::string withBlank(std::string_view word)
@@ -114,10 +122,14 @@ void checkOption(const ElementPlace &place, Report &report)
     constexpr std::string_view s_CodecOptions[] = {"c", "codec", "vcodec", "acodec"};
     const OptionPlace option{place.element, place.element.attribute("OPTION"), report};
     std::string_view text = option.attribute.value();
+    bool mayBeValue = text.find_first_of("'\"") != std::string_view::npos; // which has blanks
     for (std::string_view word = takeWord(text); !word.empty(); word = takeWord(text)) {
         const std::string name = nameOfOption(word);
+        if (name == "i" || (name.empty() && word.front() != '-' && !mayBeValue))
+            reportStrayWord(word, option);
         if (name.empty()) continue;
         const OptionForm form = formOfOption(name);
+        mayBeValue = mayBeValue || form == OptionForm::Unknown;
         if (form == OptionForm::Unknown) reportUnknownOption(word, name, option);
         if (const std::string meant = withBlank(word); !meant.empty()) {
             reportLostBlank(word, meant, option);

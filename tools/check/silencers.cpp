@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <fmt/format.h>
 #include <iterator>
 
@@ -13,6 +14,16 @@ namespace {
 
 constexpr std::string_view kMark = "vornak:";
 constexpr auto kFaults = static_cast<std::size_t>(Fault::End);
+
+/// Whether a comment that begins so is meant as one for vornak: "Vornak ignore", "vornak:ignore".
+bool isNearly(std::string_view mark, std::string_view rest)
+{
+    const auto lowered = [](unsigned char c) { return std::tolower(c); };
+    const std::string_view name = kMark.substr(0, kMark.size() - 1);
+    if (!std::ranges::equal(mark.substr(0, name.size()), name, {}, lowered)) return false;
+    const std::string_view behind = mark.substr(name.size());
+    return behind == ":ignore" || ((behind.empty() || behind == ":") && takeWord(rest) == "ignore");
+}
 
 /// A node's successor in the order of the document, past all that is in it.
 pugi::xml_node nextOutside(pugi::xml_node node)
@@ -89,8 +100,13 @@ std::vector<std::string> silence(std::string list, Span span, Silenced &silenced
     std::vector<std::string> useless;
     std::ranges::replace(list, ',', ' ');
     std::string_view words = list;
-    for (std::string_view word = takeWord(words); !word.empty() && word.front() != '(';
-         word = takeWord(words)) {
+    bool isRemark = false; // in brackets
+    for (std::string_view word = takeWord(words); !word.empty(); word = takeWord(words)) {
+        isRemark = isRemark || word.front() == '(';
+        if (isRemark) {
+            isRemark = word.back() != ')';
+            continue;
+        }
         const auto kinds = faultKinds();
         const auto kind = std::ranges::find(kinds, word, &FaultKind::id);
         if (kind == kinds.end() || !silenced.silence(kind->fault, span)) useless.emplace_back(word);
@@ -115,16 +131,20 @@ Finding uselessAt(std::size_t offset, std::string problem, std::string advice)
 void applySilencers(pugi::xml_node device, Report &report)
 {
     const ProfileDocument &document = report.document();
-    if (document.text().find(kMark) == std::string::npos) return;
+    if (document.text().find("ignore") == std::string::npos &&
+        document.text().find(kMark) == std::string::npos)
+        return;
     const std::vector<std::string> known = faultIds();
     Silenced silenced(report.findings());
     std::vector<Finding> useless;
     for (pugi::xml_node node = device.root().first_child(); node; node = next(node)) {
         std::string_view words = node.value();
-        if (node.type() != pugi::node_comment || takeWord(words) != kMark) continue;
+        if (node.type() != pugi::node_comment) continue;
+        const std::string_view mark = takeWord(words);
+        if (mark != kMark && !isNearly(mark, words)) continue;
         const std::size_t offset = document.offsetOf(node);
         std::string_view list = words;
-        if (takeWord(list) != "ignore" || takeWord(list).empty()) {
+        if (mark != kMark || takeWord(list) != "ignore" || takeWord(list).empty()) {
             useless.push_back(uselessAt(offset, "a comment for vornak says \"ignore\" and what",
                                         "write <!-- vornak: ignore ID --> before an element"));
             continue;

@@ -39,16 +39,25 @@ struct Target {
     const char *codecOption; ///< the usual one of them
 };
 
+void reportNoEncoder(const Target &target, pugi::xml_attribute attribute, Report &report)
+{
+    if (const auto any = optionValue(target.option, {"-c", "-codec"}); any && !any->empty())
+        return report.add(
+            Fault::TargetWithoutOption, target.element, attribute,
+            fmt::format("-c {} is said of all streams, and not of this kind", excerpt(*any)),
+            fmt::format("write {} {}", target.codecOption, excerpt(*any)));
+    report.add(Fault::TargetWithoutOption, target.element, attribute,
+               fmt::format("OPTION has no {}: the transcoder chooses the codec by itself",
+                           target.codecOption),
+               fmt::format("name an encoder of {}", nameOf(target.element)));
+}
+
 void checkEncoder(const Target &target, Report &report)
 {
     const pugi::xml_attribute attribute = target.element.attribute("OPTION");
     const auto encoder = optionValue(target.option, target.codecOptions);
     if (!encoder) {
-        if (target.position == 0)
-            report.add(Fault::TargetWithoutOption, target.element, attribute,
-                       fmt::format("OPTION has no {}: the transcoder chooses the codec by itself",
-                                   target.codecOption),
-                       fmt::format("name an encoder of {}", nameOf(target.element)));
+        if (target.position == 0) reportNoEncoder(target, attribute, report);
         return;
     }
     const auto made = encodedCodec(*encoder);
@@ -124,9 +133,9 @@ void checkFirstContainer(const Place &place, Report &report)
     const ContainerEntry &entry = *place.entry.record;
     const pugi::xml_node element = place.entry.element;
     const bool isTarget = place.audio.position == 0;
-    if (isTarget)
+    if (isTarget && entry.nonSeekable == 1) // alone it only prevents remuxing
         checkForbidden(entry.noTranscode, element,
-                       "refuses every file whose sound needs transcoding", report);
+                       "with NONSEEKABLE refuses every file whose sound needs transcoding", report);
     // kept sound beside a transcoded picture comes into its own first container
     const bool takesPicture = place.video.record && place.video.position == 0;
     if (entry.formatId == kAnyContainer && (isTarget || takesPicture))

@@ -118,6 +118,16 @@ void mend(const std::string &path, const std::string &text, const std::vector<Ed
     writeProfile(withEdits(text, edits), {path, true}, before.st_mode & 0777U);
 }
 
+void tellMends(const std::string &path, std::size_t edits, bool isDiff)
+{
+    if (edits == 0)
+        complain(fmt::format("{}: there is nothing that can be mended in one way only",
+                             printable(profileTitle(path))));
+    else if (!isDiff)
+        complain(fmt::format("{}: {} place{} mended", printable(profileTitle(path)), edits,
+                             edits == 1 ? "" : "s"));
+}
+
 CheckedProfile check(const std::string &path, const CheckOptions &options, std::string &diff)
 {
     try {
@@ -125,19 +135,22 @@ CheckedProfile check(const std::string &path, const CheckOptions &options, std::
         std::vector<Finding> findings = checkProfile(path, text);
         const std::vector<Edit> edits =
             options.fix.empty() ? std::vector<Edit>{} : allEdits(text, findings);
+        if (!options.fix.empty() && !findings.empty())
+            tellMends(path, edits.size(), options.fix == "diff");
         if (options.fix == "diff") diff += diffOf(printable(profileTitle(path)), text, edits);
         if (options.fix == "write" && !edits.empty()) {
             mend(path, text, edits);
             findings = checkProfile(path, text);
         }
+        const auto found = countSeverities(findings);
         const Severity least = severityCalled(options.severity);
         std::erase_if(findings, [&](const Finding &finding) {
             return kindOf(finding.fault).severity > least;
         });
-        return {path, std::move(findings), {}};
+        return {path, std::move(findings), {}, found};
     } catch (const ProfileError &error) {
         complain(error.what());
-        return {path, {}, error.what()};
+        return {path, {}, error.what(), {}};
     }
 }
 

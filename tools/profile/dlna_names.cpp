@@ -110,6 +110,16 @@ constexpr struct {
     {"MPEG4_P2_", "_SP_", "simple"},
 };
 
+// The same of its sound.
+constexpr struct {
+    std::string_view word, profiles;
+} s_SoundProfiles[] = {
+    {"HEAACv2", "he_v2|he|lc"},
+    {"HEAAC", "he|lc"},
+    {"AAC_LTP", "ltp|lc"},
+    {"AAC", "lc"},
+};
+
 // The first of these that a name has in it says how large its picture may be.
 constexpr struct {
     std::string_view word;
@@ -196,22 +206,30 @@ std::string_view soundsIn(std::string_view name)
     return {};
 }
 
-/// What the words in a name say of its picture.
+int profileBit(const std::string &name)
+{
+    int bit = 0;
+    return ProfileNameToID(name.c_str(), &bit) == 0 ? bit : 0;
+}
+
+/// What the words in a name say of its picture and its sound.
 void readName(DlnaName &name)
 {
+    const auto hasWord = [&](const auto &row) {
+        return name.name.find(row.word) != std::string::npos;
+    };
     for (const auto &row : s_Profiles) {
-        if (name.profiles != 0 || !name.name.starts_with(row.family) ||
-            name.name.find(row.word) == std::string::npos)
-            continue;
+        if (name.profiles != 0 || !name.name.starts_with(row.family) || !hasWord(row)) continue;
         for (const std::string &profile : splitAtBars(row.profiles)) {
-            int bit = 0;
-            if (ProfileNameToID(profile.c_str(), &bit) != 0) continue;
-            if (name.profiles == 0) name.bestProfile = bit;
-            name.profiles |= bit;
+            if (name.profiles == 0) name.bestProfile = profileBit(profile);
+            name.profiles |= profileBit(profile);
         }
     }
-    const auto *const size = std::ranges::find_if(
-        s_Sizes, [&](const auto &row) { return name.name.find(row.word) != std::string::npos; });
+    if (const auto *const sound = std::ranges::find_if(s_SoundProfiles, hasWord);
+        sound != std::end(s_SoundProfiles))
+        for (const std::string &profile : splitAtBars(sound->profiles))
+            name.soundProfiles |= profileBit(profile);
+    const auto *const size = std::ranges::find_if(s_Sizes, hasWord);
     if (size == std::end(s_Sizes)) return;
     name.width = size->width;
     name.height = size->height;
@@ -283,11 +301,20 @@ std::string searchName(const DlnaUse &use)
                    ? kUnfit
                    : -std::popcount(static_cast<unsigned>(name.profiles));
     };
+    // the least that takes all that the rule takes, or as much of it as there is
+    const auto bySoundProfile = [&](const DlnaName &name) {
+        const auto count = [](int bits) { return std::popcount(static_cast<unsigned>(bits)); };
+        const int common = name.soundProfiles & use.soundProfiles;
+        if (name.soundProfiles != 0 && common == 0) return kUnfit;
+        return count(name.soundProfiles) - 8 * count(common);
+    };
     const auto bySize = [&](const DlnaName &name) {
         const bool holds =
             use.width > 0 && use.height > 0 && use.width <= name.width && use.height <= name.height;
         return holds ? name.width : kUnfit;
     };
+    if (use.soundProfiles > 0 && !keepBest(names, &DlnaName::soundProfiles, bySoundProfile))
+        return {};
     if (!keepBest(names, &DlnaName::profiles, byProfile) ||
         !keepBest(names, &DlnaName::width, bySize))
         return family;

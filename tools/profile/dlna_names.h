@@ -16,6 +16,7 @@ struct DlnaName {
     std::vector<int> sounds;     ///< empty: any
     int profiles = 0;            ///< of the picture, as bits; 0: it says none
     int bestProfile = 0;         ///< the one of them that it is called after
+    int soundProfiles = 0;       ///< of AAC, as bits; 0: it says none
     int width = 0, height = 0;   ///< the largest picture; 0: it says none
 };
 
@@ -23,6 +24,7 @@ struct DlnaName {
 struct DlnaUse {
     int formatId, picture, sound;                          ///< the picture's codec, or -1 for music
     int profiles = 0, width = 0, height = 0, channels = 0; ///< the most that there may be
+    int soundProfiles = 0;
 
     auto operator<=>(const DlnaUse &) const = default; // NOLINT: its zero is taken for a null
 };
