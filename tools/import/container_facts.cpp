@@ -150,14 +150,13 @@ int rankOf(int format, bool isMusic)
                                                    : position);
 }
 
-std::string dlnaNameOfMusic(const SoundLimits &limits, int format)
+std::string dlnaNameOfMusic(const Limits &limits, int format)
 {
     for (const auto &row : s_Names) {
-        const SoundLimits named{codecNamed(row.codec),
-                                profilesNamed(row.profile),
-                                {0, row.channels},
-                                {},
-                                {0, row.sampleRate}};
+        const Limits named{.codec = codecNamed(row.codec),
+                           .profiles = profilesNamed(row.profile),
+                           .channels = {0, row.channels},
+                           .sampleRate = {0, row.sampleRate}};
         if (containerPart(format) == containerNamed(row.container) && contains(named, limits))
             return row.name;
     }

@@ -24,6 +24,6 @@ std::string mimeOf(int format, bool isMusic);
 int rankOf(int format, bool isMusic);
 
 /// Empty: no name is certain.
-std::string dlnaNameOfMusic(const SoundLimits &limits, int format);
+std::string dlnaNameOfMusic(const Limits &limits, int format);
 
 } // namespace vornak::tool

@@ -115,7 +115,7 @@ int readNumber(const std::string &text)
     return isWhole && number <= 2'000'000'000 ? static_cast<int>(number) : 0;
 }
 
-void readSizeOrRate(const std::string &given, const std::string &word, PictureLimits &limits)
+void readSizeOrRate(const std::string &given, const std::string &word, Limits &limits)
 {
     const std::size_t times = word.find('x');
     if (times == std::string::npos) {
@@ -136,12 +136,12 @@ void readSizeOrRate(const std::string &given, const std::string &word, PictureLi
 }
 
 /// CODEC[:PROFILE][:LEVEL][,WIDTHxHEIGHT][,BITRATE]
-PictureLimits readPicture(const std::string &given)
+Limits readPicture(const std::string &given)
 {
     Words parts = splitList(given, ',');
     const Words words = parts.empty() ? Words{} : splitList(parts.front(), ':');
     if (words.empty()) refuse("--video", given, "name a codec, such as h264:high:4.1,1920x1080");
-    PictureLimits limits;
+    Limits limits;
     limits.codec = readCodec("--video", given, words[0], true);
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::optional<int> level = codedLevel(limits.codec, words[i]);
@@ -158,11 +158,11 @@ PictureLimits readPicture(const std::string &given)
 }
 
 /// CODEC[:PROFILE][:CHANNELS]
-SoundLimits readSound(const char *option, const std::string &given)
+Limits readSound(const char *option, const std::string &given)
 {
     const Words words = splitList(given, ':');
     if (words.empty()) refuse(option, given, "name a codec, such as aac:2");
-    SoundLimits limits;
+    Limits limits;
     limits.codec = readCodec(option, given, words[0], false);
     for (std::size_t i = 1; i < words.size(); ++i)
         if (const int channels = readNumber(words[i]); channels > 0)
@@ -197,7 +197,7 @@ std::vector<int> musicContainers(int codec)
 
 void addMusic(Player &player, const std::string &option, const std::string &given)
 {
-    const SoundLimits sound = readSound(option.c_str(), given);
+    const Limits sound = readSound(option.c_str(), given);
     const std::vector<int> formats = musicContainers(sound.codec);
     if (formats.empty() && option == "--music")
         refuse("--music", given, "no container is known for music of this codec");
@@ -214,12 +214,12 @@ void addMusic(Player &player, const std::string &option, const std::string &give
 /// Adds what can be: not all codecs are found in all containers.
 void addVideo(Player &player, const std::string &given, const Description &description)
 {
-    const PictureLimits picture = readPicture(given);
+    const Limits picture = readPicture(given);
     const int origin = originOf(player, fmt::format("video {}", printable(given)));
     const std::size_t before = player.ways.size();
     for (const std::string &audio : description.audio)
         for (const std::string &container : description.containers) {
-            const SoundLimits sound = readSound("--audio", audio);
+            const Limits sound = readSound("--audio", audio);
             const int format = readContainer(container);
             if (!canHold(format, picture.codec) || !canHold(format, sound.codec)) continue;
             player.ways.push_back({picture,

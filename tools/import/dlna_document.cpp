@@ -182,8 +182,8 @@ void DlnaDocument::index(const XmlFile &file)
 
 Note DlnaDocument::noteAt(Place place, const std::string &what) const
 {
-    return tool::noteAt(player_, shownFileName(place.file->path()),
-                        place.file->lineOf(place.element), what);
+    return {player_.remarks, shownFileName(place.file->path()), place.file->lineOf(place.element),
+            what};
 }
 
 bool DlnaDocument::isUsed(pugi::xml_node element) const
@@ -208,10 +208,10 @@ bool DlnaDocument::addFields(Place place, std::vector<std::string> &from,
         from.push_back(name);
         const auto parent = restrictions_.find(name);
         if (parent == restrictions_.end() || from.size() > kMostAncestors) {
-            noteAt({child, place.file}, "parent " + printable(name))(
-                Remark::Stricter, parent == restrictions_.end()
-                                      ? "there is no such restriction, so nothing fits"
-                                      : "one of too many parents, so nothing fits");
+            noteAt({child, place.file}, "parent " + printable(name))
+                .stricter("{}, so nothing fits", parent == restrictions_.end()
+                                                     ? "there is no such restriction"
+                                                     : "one of too many parents");
             return false;
         }
         if (!addFields(parent->second, from, fields)) return false;
@@ -244,11 +244,10 @@ bool DlnaDocument::inheritFrom(const std::string &name, Place place, std::vector
     const auto found = profilesById_.find(name);
     if (found != profilesById_.end() && from.size() <= kMostAncestors)
         return inherit(found->second, from, profile);
-    noteAt(place, printable(name))(
-        Remark::Stricter, found == profilesById_.end()
-                              ? "there is nothing of that name to inherit from, so nothing "
-                                "fits"
-                              : "one of too many parents, so nothing fits");
+    noteAt(place, printable(name))
+        .stricter("{}, so nothing fits", found == profilesById_.end()
+                                             ? "there is nothing of that name to inherit from"
+                                             : "one of too many parents");
     return false;
 }
 

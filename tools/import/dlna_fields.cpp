@@ -110,298 +110,245 @@ constexpr std::string_view s_Settled[] = {
     "name",        "mpegversion",   "layer",  "systemstream", "wmaversion", "wmvversion", "format",
     "divxversion", "stream-format", "parsed", "framed",       "variant",    "packetsize", "fourcc"};
 
-class FieldReader {
-public:
-    FieldReader(const DlnaRestriction &restriction, Player &player)
-        : restriction_(restriction), player_(player)
-    {}
+bool isSettled(const Field &field)
+{
+    return std::ranges::find(s_Settled, field.name) != std::end(s_Settled);
+}
 
-    /// Tells of values that a field lists in vain, since an inherited one must hold as well.
-    void noteVainValues() const
-    {
-        for (const Field &field : restriction_.fields)
-            for (const std::string &value : field.values)
-                for (const Field &other : restriction_.fields)
-                    if (other.name == field.name && other.ancestor > field.ancestor &&
-                        !other.admits(value))
-                        note(field)(Remark::LeftOut,
-                                    fmt::format("{} is not in {}:{}, which must hold as well",
-                                                printable(value), other.file, other.line));
-    }
+std::string shown(const Field &field)
+{
+    if (field.range)
+        return fmt::format("{} {} to {}", field.name, field.range->first, field.range->second);
+    return fmt::format("{} {}", field.name, fmt::join(field.values, ", "));
+}
 
-    /// What the fields leave of a table, by its meaning and each once.
-    std::vector<std::string> meanings(std::span<const Caps> table) const
-    {
-        std::vector<std::string> found;
-        for (const Caps &row : table)
-            if (isNamed() && admits("name", row.name) && admits(row.property, row.value) &&
-                isPlausible(row) && std::ranges::find(found, row.meaning) == found.end())
-                found.emplace_back(row.meaning);
-        if (found.empty())
-            note(restriction_.file, restriction_.line, restriction_.type)(
-                Remark::Stricter,
-                isNamed() ? fmt::format("nothing known is {}, so nothing fits", wanted())
-                          : "it names no format, so nothing is known to fit");
+Note noteOf(const DlnaRestriction &restriction, Player &player)
+{
+    return {player.remarks, restriction.file, restriction.line, restriction.type};
+}
+
+Note noteOf(const Field &field, const DlnaRestriction &restriction, Player &player)
+{
+    return {player.remarks, field.file, field.line,
+            fmt::format("{} {}", restriction.type, printable(shown(field)))};
+}
+
+/// Tells of values that a field lists in vain, since an inherited one must hold as well.
+void noteVainValues(const DlnaRestriction &restriction, Player &player)
+{
+    for (const Field &field : restriction.fields)
+        for (const std::string &value : field.values)
+            for (const Field &other : restriction.fields)
+                if (other.name == field.name && other.ancestor > field.ancestor &&
+                    !other.admits(value))
+                    noteOf(field, restriction, player)
+                        .leftOut("{} is not in {}:{}, which must hold as well", printable(value),
+                                 other.file, other.line);
+}
+
+/// Whether all fields of the name take the value; without any, all is taken.
+bool admits(const DlnaRestriction &restriction, std::string_view name, const std::string &value)
+{
+    return std::ranges::all_of(restriction.fields, [&](const Field &field) {
+        return field.name != name || field.admits(value);
+    });
+}
+
+bool fits(const DlnaRestriction &restriction, const Caps &row)
+{
+    // MPEG audio is told by its version and its layer; the layers are MPEG-1's
+    const bool isLayer = std::string_view(row.property) == "layer";
+    return admits(restriction, "name", row.name) && admits(restriction, row.property, row.value) &&
+           (!isLayer || admits(restriction, "mpegversion", "1"));
+}
+
+/// What the fields leave of a table, by its meaning and each once.
+std::vector<std::string> meanings(const DlnaRestriction &restriction, std::span<const Caps> table,
+                                  Player &player)
+{
+    const Note note = noteOf(restriction, player);
+    std::vector<std::string> found;
+    if (std::ranges::find(restriction.fields, "name", &Field::name) == restriction.fields.end()) {
+        note.stricter("it names no format, so nothing is known to fit");
         return found;
     }
+    for (const Caps &row : table)
+        if (fits(restriction, row) && std::ranges::find(found, row.meaning) == found.end())
+            found.emplace_back(row.meaning);
+    if (!found.empty()) return found;
+    std::vector<std::string> wanted;
+    for (const Field &field : restriction.fields)
+        if (isSettled(field)) wanted.push_back(shown(field));
+    note.stricter("nothing known is {}, so nothing fits",
+                  printable(fmt::format("{}", fmt::join(wanted, "; "))));
+    return found;
+}
 
-    Union<PictureLimits> pictures(int codec) const
-    {
-        Union<PictureLimits> all = {PictureLimits{}};
-        for (const Field &field : restriction_.fields)
-            all = intersection(all, picturesOf(field, codec));
-        Union<PictureLimits> finished;
-        for (PictureLimits &limits : all) {
-            limits.codec = codec;
-            for (const PictureLimits &part : splitByOddities(limits)) add(finished, part);
-        }
-        return finished;
-    }
-
-    Union<SoundLimits> sounds(int codec) const
-    {
-        Union<SoundLimits> all = {SoundLimits{}};
-        for (const Field &field : restriction_.fields)
-            all = intersection(all, soundsOf(field, codec));
-        return sayable(all, codec);
-    }
-
-private:
-    Note note(const std::string &file, int line, const std::string &what) const
-    {
-        return noteAt(player_, file, line, what);
-    }
-    Note note(const Field &field) const
-    {
-        return note(field.file, field.line,
-                    fmt::format("{} {}", restriction_.type, printable(shown(field))));
-    }
-
-    static std::string shown(const Field &field)
-    {
-        if (field.range)
-            return fmt::format("{} {} to {}", field.name, field.range->first, field.range->second);
-        return fmt::format("{} {}", field.name, fmt::join(field.values, ", "));
-    }
-
-    bool isNamed() const
-    {
-        return std::ranges::any_of(restriction_.fields,
-                                   [](const Field &field) { return field.name == "name"; });
-    }
-
-    std::string wanted() const
-    {
-        std::string text;
-        for (const Field &field : restriction_.fields)
-            if (std::ranges::find(s_Settled, field.name) != std::end(s_Settled))
-                text += (text.empty() ? "" : "; ") + shown(field);
-        return printable(text);
-    }
-
-    /// Whether all fields of the name take the value; without any, all is taken.
-    bool admits(std::string_view name, const std::string &value) const
-    {
-        return std::ranges::all_of(restriction_.fields, [&](const Field &field) {
-            return field.name != name || field.admits(value);
-        });
-    }
-
-    /// MPEG audio is told by its version and its layer; the layers are MPEG-1's.
-    bool isPlausible(const Caps &row) const
-    {
-        const bool isLayer = std::string_view(row.property) == "layer";
-        return !isLayer || admits("mpegversion", "1");
-    }
-
-    static std::vector<Range> rangesOf(const Field &field)
-    {
-        std::vector<Range> ranges;
-        const auto addRange = [&](const std::string &least, const std::string &most) {
-            const auto from = dlnaNumber(least);
-            const auto to = dlnaNumber(most);
-            if (!from || !to || *to < *from || *to < 1) return;
-            const auto clamp = [](double value) {
-                return static_cast<int>(
-                    std::clamp<double>(value, 0, std::numeric_limits<int>::max()));
-            };
-            ranges.push_back({*from <= 1 ? 0 : clamp(*from), clamp(*to)});
+/// The field's numbers from 1; those that follow each other as one range.
+std::vector<Range> rangesOf(const Field &field)
+{
+    std::vector<Range> ranges;
+    const auto addRange = [&](const std::string &least, const std::string &most) {
+        const auto from = dlnaNumber(least), to = dlnaNumber(most);
+        if (!from || !to || *to < *from || *to < 1) return;
+        const auto clamp = [](double value) {
+            return static_cast<int>(std::clamp<double>(value, 0, std::numeric_limits<int>::max()));
         };
-        if (field.range) addRange(field.range->first, field.range->second);
-        for (const std::string &value : field.values) addRange(value, value);
-        return joined(std::move(ranges));
-    }
+        ranges.push_back({*from <= 1 ? 0 : clamp(*from), clamp(*to)});
+    };
+    if (field.range) addRange(field.range->first, field.range->second);
+    for (const std::string &value : field.values) addRange(value, value);
+    std::ranges::sort(ranges, {}, &Range::least);
+    std::vector<Range> all;
+    for (const Range range : ranges)
+        if (!all.empty() && range.least == all.back().most + 1)
+            all.back().most = range.most;
+        else
+            all.push_back(range);
+    return all;
+}
 
-    /// Numbers that follow each other as one range.
-    static std::vector<Range> joined(std::vector<Range> ranges)
-    {
-        std::ranges::sort(ranges, {}, &Range::least);
-        std::vector<Range> all;
-        for (const Range range : ranges)
-            if (!all.empty() && range.least == all.back().most + 1)
-                all.back().most = range.most;
-            else
-                all.push_back(range);
-        return all;
-    }
-
-    template <class Limits>
-    Union<Limits> numbers(const Field &field, Range Limits::*range) const
-    {
-        Union<Limits> all;
-        for (const Range each : rangesOf(field)) {
-            Limits limits;
-            limits.*range = each;
-            add(all, limits);
-        }
-        if (all.empty()) note(field)(Remark::Stricter, "no number, so nothing fits");
-        return all;
-    }
-
-    template <class Limits>
-    Union<Limits> profiles(const Field &field, int codec) const
-    {
-        if (allProfilesOf(codec) == 0) {
-            note(field)(Remark::LeftOut,
-                        fmt::format("no profiles of {} are known", codecText(codec)));
-            return {Limits{}};
-        }
+template <Range Limits::*range>
+Union numbers(const Field &field, int, const Note &note)
+{
+    Union all;
+    for (const Range each : rangesOf(field)) {
         Limits limits;
-        for (const std::string &value : field.values)
-            if (codecHasProfile(codec, value.c_str()))
-                limits.profiles |= profilesNamed(value);
-            else
-                note(field)(Remark::Stricter, fmt::format("{} has no profile \"{}\"",
-                                                          codecText(codec), printable(value)));
-        if (limits.profiles == 0) return {};
+        limits.*range = each;
+        add(all, limits);
+    }
+    if (all.empty()) note.stricter("no number, so nothing fits");
+    return all;
+}
+
+Union profiles(const Field &field, int codec, const Note &note)
+{
+    Limits limits;
+    if (allProfilesOf(codec) == 0) {
+        note.leftOut("no profiles of {} are known", codecText(codec));
         return {limits};
     }
+    for (const std::string &value : field.values)
+        if (codecHasProfile(codec, value.c_str()))
+            limits.profiles |= profilesNamed(value);
+        else
+            note.stricter("{} has no profile \"{}\"", codecText(codec), printable(value));
+    return limits.profiles == 0 ? Union{} : Union{limits};
+}
 
-    Union<PictureLimits> levels(const Field &field, int codec) const
-    {
-        const std::span<const int> known = knownLevels(codec);
-        if (known.empty()) {
-            note(field)(Remark::LeftOut,
-                        codec == "mpeg2video"_codec
-                            ? "the levels of MPEG-2 run backwards; the sizes say most of it"
-                            : fmt::format("the levels of {} have no order", codecText(codec)));
-            return {PictureLimits{}};
-        }
-        std::vector<int> taken;
-        for (const std::string &value : field.values)
-            if (const std::optional<int> level = codedLevel(codec, value)) taken.push_back(*level);
-        const auto isTaken = [&](int level) {
-            return std::ranges::find(taken, level) != taken.end();
-        };
-        if (!isTaken(known.front()))
-            note(field)(Remark::Stricter,
-                        "a rule limits levels upwards alone, so those above a gap are transcoded");
-        return levelsWhere(isTaken, codec, note(field));
-    }
+Union levels(const Field &field, int codec, const Note &note)
+{
+    const std::span<const int> known = knownLevels(codec);
+    if (known.empty() && codec == "mpeg2video"_codec)
+        note.leftOut("the levels of MPEG-2 run backwards; the sizes say most of it");
+    else if (known.empty())
+        note.leftOut("the levels of {} have no order", codecText(codec));
+    if (known.empty()) return {Limits{}};
+    const auto isTaken = [&](int level) {
+        return std::ranges::any_of(field.values, [&](const std::string &value) {
+            return codedLevel(codec, value) == level;
+        });
+    };
+    if (!isTaken(known.front()))
+        note.stricter("a rule limits levels upwards alone, so those above a gap are transcoded");
+    return levelsWhere(isTaken, codec, note);
+}
 
-    Union<PictureLimits> picturesOf(const Field &field, int codec) const
-    {
-        if (field.name == "width") return numbers(field, &PictureLimits::width);
-        if (field.name == "height") return numbers(field, &PictureLimits::height);
-        if (field.name == "bitrate") return numbers(field, &PictureLimits::bitrate);
-        if (field.name == "profile") return profiles<PictureLimits>(field, codec);
-        if (field.name == "level") return levels(field, codec);
-        if (field.name == "interlaced")
-            return interlacingWhere(field.admits("false"), field.admits("true"), "so nothing fits",
-                                    note(field));
-        noteUnlimited(field);
-        return {PictureLimits{}};
-    }
+Union interlacing(const Field &field, int, const Note &note)
+{
+    return interlacingWhere(field.admits("false"), field.admits("true"), "so nothing fits", note);
+}
 
-    Union<SoundLimits> soundsOf(const Field &field, int codec) const
-    {
-        if (field.name == "channels") return numbers(field, &SoundLimits::channels);
-        if (field.name == "bitrate") return numbers(field, &SoundLimits::bitrate);
-        if (field.name == "rate") return numbers(field, &SoundLimits::sampleRate);
-        if (field.name == "mpegaudioversion") return ratesOfVersion(field);
-        if (field.name == "profile" || field.name == "base-profile")
-            return profiles<SoundLimits>(field, codec);
-        noteUnlimited(field);
-        return {SoundLimits{}};
-    }
+/// The versions of MPEG audio differ in their sample rates.
+Union ratesOfVersion(const Field &field, int, const Note &)
+{
+    constexpr struct {
+        const char *version;
+        Range rates;
+    } s_Versions[] = {{"1", {32000, 0}}, {"2", {16000, 24000}}, {"3", {0, 12000}}};
+    Union all;
+    for (const auto &row : s_Versions)
+        if (field.admits(row.version)) add(all, {.sampleRate = row.rates});
+    return all;
+}
 
-    /// The versions of MPEG audio differ in their sample rates.
-    static Union<SoundLimits> ratesOfVersion(const Field &field)
-    {
-        constexpr struct {
-            const char *version;
-            Range rates;
-        } s_Versions[] = {{"1", {32000, 0}}, {"2", {16000, 24000}}, {"3", {0, 12000}}};
-        Union<SoundLimits> all;
-        for (const auto &row : s_Versions) {
-            SoundLimits limits;
-            limits.sampleRate = row.rates;
-            if (field.admits(row.version)) add(all, limits);
-        }
-        return all;
-    }
-
-    void noteUnlimited(const Field &field) const
-    {
-        if (std::ranges::find(s_Settled, field.name) != std::end(s_Settled)) return;
-        note(field)(Remark::LeftOut, "a Device profile doesn't limit it");
-    }
-
-    /// Ranges of sample rates as rules can say them, joined where no rate of the codec lies
-    /// between.
-    Union<SoundLimits> sayable(Union<SoundLimits> all, int codec) const
-    {
-        std::ranges::sort(all, {},
-                          [](const SoundLimits &limits) { return limits.sampleRate.least; });
-        Union<SoundLimits> joined;
-        for (const SoundLimits &limits : all) {
-            const auto before = std::ranges::find_if(
-                joined, [&](const SoundLimits &other) { return isNext(other, limits, codec); });
-            if (before != joined.end())
-                before->sampleRate.most = limits.sampleRate.most;
-            else
-                joined.push_back(limits);
-        }
-        for (SoundLimits &limits : joined) limits.codec = codec;
-        return withSayableRates(joined,
-                                note(restriction_.file, restriction_.line, restriction_.type));
-    }
-
-    static bool isNext(const SoundLimits &before, const SoundLimits &after, int codec)
-    {
-        SoundLimits same = after;
-        same.sampleRate = before.sampleRate;
-        if (same != before || before.sampleRate.most == 0) return false;
-        return !hasRateBetween(codec, before.sampleRate.most, after.sampleRate.least);
-    }
-
-    const DlnaRestriction &restriction_;
-    Player &player_;
+constexpr struct {
+    const char *type, *field; // of the restriction
+    Union (*read)(const Field &field, int codec, const Note &note);
+} s_Readers[] = {
+    {"video", "width", numbers<&Limits::width>},
+    {"video", "height", numbers<&Limits::height>},
+    {"video", "bitrate", numbers<&Limits::bitrate>},
+    {"video", "profile", profiles},
+    {"video", "level", levels},
+    {"video", "interlaced", interlacing},
+    {"audio", "channels", numbers<&Limits::channels>},
+    {"audio", "bitrate", numbers<&Limits::bitrate>},
+    {"audio", "rate", numbers<&Limits::sampleRate>},
+    {"audio", "mpegaudioversion", ratesOfVersion},
+    {"audio", "profile", profiles},
+    {"audio", "base-profile", profiles},
 };
 
-/// The union of what fits for each codec that the restriction is found to be of.
-template <class Limits>
-Union<Limits> limitsThatFit(const DlnaRestriction &restriction, std::span<const Caps> table,
-                            Union<Limits> (FieldReader::*read)(int codec) const, Player &player)
+Union limitsOf(const Field &field, const std::string &type, int codec, const Note &note)
 {
-    const FieldReader reader(restriction, player);
-    reader.noteVainValues();
-    Union<Limits> all;
-    for (const std::string &codec : reader.meanings(table))
-        for (const Limits &limits : (reader.*read)(codecNamed(codec))) add(all, limits);
-    return all;
+    for (const auto &row : s_Readers)
+        if (type == row.type && field.name == row.field) return row.read(field, codec, note);
+    if (!isSettled(field)) note.leftOut("a Device profile doesn't limit it");
+    return {Limits{}};
+}
+
+/// Whether the two are alike but for their sample rates, and no rate of the codec lies between.
+bool isNext(const Limits &before, const Limits &after, int codec)
+{
+    Limits same = after;
+    same.sampleRate = before.sampleRate;
+    return same == before && before.sampleRate.most != 0 &&
+           !hasRateBetween(codec, before.sampleRate.most, after.sampleRate.least);
+}
+
+/// Ranges of sample rates joined where they follow each other.
+Union withRatesJoined(Union all, int codec)
+{
+    std::ranges::sort(all, {}, [](const Limits &limits) { return limits.sampleRate.least; });
+    Union joined;
+    for (const Limits &limits : all) {
+        const auto before = std::ranges::find_if(
+            joined, [&](const Limits &other) { return isNext(other, limits, codec); });
+        if (before != joined.end())
+            before->sampleRate.most = limits.sampleRate.most;
+        else
+            joined.push_back(limits);
+    }
+    return joined;
+}
+
+/// What fits of a codec, as rules can say it.
+Union limitsFor(const DlnaRestriction &restriction, int codec, Player &player)
+{
+    Union all = {{.codec = codec}};
+    for (const Field &field : restriction.fields)
+        all = intersection(
+            all, limitsOf(field, restriction.type, codec, noteOf(field, restriction, player)));
+    if (!isPicture(codec))
+        return withSayableRates(withRatesJoined(all, codec), noteOf(restriction, player));
+    Union parts;
+    for (const Limits &limits : all)
+        for (const Limits &part : splitByOddities(limits)) add(parts, part);
+    return parts;
 }
 
 } // namespace
 
-Union<PictureLimits> picturesThatFit(const DlnaRestriction &restriction, Player &player)
+Union limitsThatFit(const DlnaRestriction &restriction, Player &player)
 {
-    return limitsThatFit(restriction, s_Pictures, &FieldReader::pictures, player);
-}
-
-Union<SoundLimits> soundsThatFit(const DlnaRestriction &restriction, Player &player)
-{
-    return limitsThatFit(restriction, s_Sounds, &FieldReader::sounds, player);
+    const auto table = restriction.type == "video" ? std::span<const Caps>(s_Pictures) : s_Sounds;
+    noteVainValues(restriction, player);
+    Union all;
+    for (const std::string &codec : meanings(restriction, table, player))
+        for (const Limits &limits : limitsFor(restriction, codecNamed(codec), player))
+            add(all, limits);
+    return all;
 }
 
 std::vector<Container> containersThatFit(const DlnaRestriction &restriction, bool isMusic,
@@ -409,9 +356,8 @@ std::vector<Container> containersThatFit(const DlnaRestriction &restriction, boo
 {
     constexpr std::string_view s_Seen[] = {"name", "mpegversion", "packetsize", "variant",
                                            "systemstream"};
-    const FieldReader reader(restriction, player);
     std::vector<Container> all;
-    for (const std::string &name : reader.meanings(s_Containers)) {
+    for (const std::string &name : meanings(restriction, s_Containers, player)) {
         Container container{containerNamed(name), {}, {}, name == "mpegts_m2ts"};
         if (!isMusic && container.format == "mpegts_m2ts"_container)
             container.format = "mpegts"_container;
@@ -420,12 +366,11 @@ std::vector<Container> containersThatFit(const DlnaRestriction &restriction, boo
         all.push_back(container);
     }
     for (const Field &field : restriction.fields) {
-        const Note note = noteAt(player, field.file, field.line, "container " + field.name);
+        const Note note(player.remarks, field.file, field.line, "container " + field.name);
         if (!isMusic && field.name == "packetsize")
-            note(Remark::LeftOut,
-                 "for a video, rules take packets of 188 and of 192 bytes for one");
+            note.leftOut("for a video, rules take packets of 188 and of 192 bytes for one");
         if (std::ranges::find(s_Seen, field.name) == std::end(s_Seen))
-            note(Remark::LeftOut, "a Device profile doesn't limit it");
+            note.leftOut("a Device profile doesn't limit it");
     }
     return all;
 }

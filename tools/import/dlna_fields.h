@@ -9,10 +9,9 @@
 
 namespace vornak::tool {
 
-/// What keeps the restriction, with remarks on what rules say otherwise or not at all. Nothing
-/// keeps it if the union is empty.
-Union<PictureLimits> picturesThatFit(const DlnaRestriction &restriction, Player &player);
-Union<SoundLimits> soundsThatFit(const DlnaRestriction &restriction, Player &player);
+/// What keeps a restriction of pictures or sound, with remarks on what rules say otherwise or not
+/// at all. Nothing keeps it if the union is empty.
+Union limitsThatFit(const DlnaRestriction &restriction, Player &player);
 
 /// The containers of a restriction. @param isMusic  where rules tell more apart
 std::vector<Container> containersThatFit(const DlnaRestriction &restriction, bool isMusic,

@@ -57,7 +57,7 @@ public:
 private:
     void leaveOut(const SinkEntry &entry, const std::string &why)
     {
-        noteAt(player_, shownFileName(path_), 0, printable(entry.text))(Remark::LeftOut, why);
+        Note(player_.remarks, shownFileName(path_), 0, printable(entry.text)).leftOut("{}", why);
     }
 
     void add(const SinkEntry &entry)
@@ -78,26 +78,22 @@ private:
 
     Note noteOf(const DlnaProfile &profile)
     {
-        return noteAt(player_, profile.file, profile.line, printable(profile.name));
+        return {player_.remarks, profile.file, profile.line, printable(profile.name)};
     }
 
     void add(const DlnaProfile &profile)
     {
-        Union<PictureLimits> pictures;
-        Union<SoundLimits> sounds;
+        Union pictures, sounds;
         bool isVideo = false;
         for (const DlnaRestriction &stream : profile.streams) {
-            if (stream.type == "video") {
-                isVideo = true;
-                for (const auto &limits : picturesThatFit(stream, player_))
-                    tool::add(pictures, limits);
-            } else if (stream.type == "audio") {
-                for (const auto &limits : soundsThatFit(stream, player_)) tool::add(sounds, limits);
-            } else {
-                noteOf(profile)(Remark::LeftOut, fmt::format("a Device profile has no rules for "
-                                                             "streams of the type {}",
-                                                             printable(stream.type)));
-            }
+            const bool isPicture = stream.type == "video";
+            isVideo = isVideo || isPicture;
+            if (isPicture || stream.type == "audio")
+                for (const Limits &limits : limitsThatFit(stream, player_))
+                    tool::add(isPicture ? pictures : sounds, limits);
+            else
+                noteOf(profile).leftOut("a Device profile has no rules for streams of the type {}",
+                                        printable(stream.type));
         }
         if (isVideo)
             addVideo(profile, pictures, sounds);
@@ -105,14 +101,8 @@ private:
             addMusic(profile, sounds);
     }
 
-    std::vector<int> originOfProfile(const DlnaProfile &profile)
-    {
-        return {originOf(player_, fmt::format("{} ({}:{})", printable(profile.name), profile.file,
-                                              profile.line))};
-    }
-
-    void addWay(const DlnaProfile &profile, const std::optional<PictureLimits> &picture,
-                const SoundLimits &sound, Container container)
+    void addWay(const DlnaProfile &profile, const std::optional<Limits> &picture,
+                const Limits &sound, Container container)
     {
         if (player_.ways.size() == kMostWays)
             throw ImportError(path_, 0,
@@ -123,40 +113,37 @@ private:
         if (player_.wishes.size() < kMostWishes)
             player_.wishes.push_back(
                 {picture.has_value(), picture ? picture->codec : 0, sound.codec, container.format});
-        const std::vector<int> origin = originOfProfile(profile);
+        const std::vector<int> origin = {
+            originOf(player_, fmt::format("{} ({}:{})", printable(profile.name), profile.file,
+                                          profile.line))};
         player_.ways.push_back({picture, sound, {container}, origin, origin});
     }
 
-    void addVideo(const DlnaProfile &profile, const Union<PictureLimits> &pictures,
-                  const Union<SoundLimits> &sounds)
+    void addVideo(const DlnaProfile &profile, const Union &pictures, const Union &sounds)
     {
-        if (!profile.container || sounds.empty())
-            return noteOf(profile)(
-                Remark::Stricter, profile.container ? "no sound fits it, and a rule needs some"
-                                                    : "no file holds pictures without a container");
-        for (const PictureLimits &limits : pictures) noteOddities(limits, noteOf(profile));
+        if (!profile.container)
+            return noteOf(profile).stricter("no file holds pictures without a container");
+        if (sounds.empty())
+            return noteOf(profile).stricter("no sound fits it, and a rule needs some");
+        for (const Limits &limits : pictures) noteOddities(limits, noteOf(profile));
         for (const Container &container : containersThatFit(*profile.container, false, player_))
-            for (const PictureLimits &picture : pictures)
-                for (const SoundLimits &sound : sounds) addWay(profile, picture, sound, container);
+            for (const Limits &picture : pictures)
+                for (const Limits &sound : sounds) addWay(profile, picture, sound, container);
     }
 
-    void addMusic(const DlnaProfile &profile, const Union<SoundLimits> &sounds)
+    void addMusic(const DlnaProfile &profile, const Union &sounds)
     {
-        if (profile.container) {
-            for (const Container &container : containersThatFit(*profile.container, true, player_))
-                for (const SoundLimits &sound : sounds)
-                    addWay(profile, std::nullopt, sound, container);
-            return;
-        }
-        for (const SoundLimits &sound : sounds) {
-            const int format = bareContainer(sound.codec);
-            if (format != 0)
+        std::vector<Container> containers;
+        if (profile.container) containers = containersThatFit(*profile.container, true, player_);
+        for (const Container &container : containers)
+            for (const Limits &sound : sounds) addWay(profile, std::nullopt, sound, container);
+        if (profile.container) return;
+        for (const Limits &sound : sounds)
+            if (const int format = bareContainer(sound.codec); format != 0)
                 addWay(profile, std::nullopt, sound, {format, {}, {}});
             else
-                noteOf(profile)(Remark::Stricter,
-                                fmt::format("no file holds {} alone, without a container",
-                                            codecText(sound.codec)));
-        }
+                noteOf(profile).stricter("no file holds {} alone, without a container",
+                                         codecText(sound.codec));
     }
 
     const std::string &path_;

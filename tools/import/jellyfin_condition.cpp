@@ -17,18 +17,16 @@
 
 namespace vornak::tool {
 
-template <class Limits>
-using Kept = std::optional<Union<Limits>>;
+using Kept = std::optional<Union>;
 
 /// What a property is to a Device profile.
 struct JellyfinProperty {
-    template <class Limits>
-    using Keep = Kept<Limits> (*)(const JellyfinCondition &condition, int codec, const Note &note);
+    enum Stream { Picture, Sound, Neither };
 
     const char *name;
-    int number;                   // that stands for the name
-    Keep<PictureLimits> pictures; // null: it is none of pictures
-    Keep<SoundLimits> sounds;
+    int number; // that stands for the name
+    Stream stream;
+    Kept (*keep)(const JellyfinCondition &condition, int codec, const Note &note);
     const char *unlimited;     // what isn't limited, or null
     int least = 1;             // of the values that are known
     bool takesUnknown = false; // whether a rule takes streams of which it isn't known
@@ -63,29 +61,60 @@ std::optional<std::int64_t> numberIn(const std::string &text)
     return number;
 }
 
-/// Whether a known value keeps the condition.
-bool keeps(const Condition &condition, std::int64_t value)
+std::vector<std::int64_t> numbersIn(const Condition &condition)
 {
-    const auto number = numberIn(condition.values.empty() ? "" : condition.values.front());
-    switch (condition.test) {
-    case Condition::Equals:
-        return number && value == *number;
-    case Condition::NotEquals:
-        return number && value != *number;
-    case Condition::AtMost:
-        return number && value <= *number;
-    case Condition::AtLeast:
-        return number && value >= *number;
-    case Condition::AnyOf:
-        break;
-    }
-    return std::ranges::any_of(
-        condition.values, [value](const std::string &each) { return numberIn(each) == value; });
+    std::vector<std::int64_t> numbers;
+    for (const std::string &value : condition.values)
+        if (const auto number = numberIn(value)) numbers.push_back(*number);
+    return numbers;
 }
 
 bool comparesNumbers(const Condition &condition)
 {
     return condition.test == Condition::AtMost || condition.test == Condition::AtLeast;
+}
+
+/// Whether what the test says of any of the values must not be so.
+bool isInverse(const Condition &condition)
+{
+    return (condition.test == Condition::NotEquals) != condition.isNegated;
+}
+
+/// The ranges of values from 1 that keep the condition, rising where it is an inverse.
+std::vector<Range> rangesThatKeep(const Condition &condition)
+{
+    constexpr std::int64_t kEnd = std::numeric_limits<int>::max();
+    std::vector<Range> ranges;
+    const auto addRange = [&](std::int64_t least, std::int64_t most) {
+        if (std::max<std::int64_t>(least, 1) > std::min(most, kEnd)) return;
+        ranges.push_back(
+            {static_cast<int>(least <= 1 ? 0 : least), static_cast<int>(most >= kEnd ? 0 : most)});
+    };
+    std::vector<std::int64_t> numbers = numbersIn(condition);
+    const bool isInverted = isInverse(condition);
+    if (isInverted && numbers.size() < condition.values.size()) return {};
+    if (isInverted) std::ranges::sort(numbers);
+    std::int64_t from = 1; // behind what mustn't be
+    for (const std::int64_t number : numbers) {
+        const std::int64_t value = std::clamp<std::int64_t>(number, -1, kEnd + 1);
+        const std::int64_t least = condition.test == Condition::AtMost ? 1 : value;
+        const std::int64_t most = condition.test == Condition::AtLeast ? kEnd : value;
+        if (isInverted)
+            addRange(from, least - 1);
+        else
+            addRange(least, most);
+        from = most + 1;
+    }
+    if (isInverted) addRange(from, kEnd);
+    return ranges;
+}
+
+/// Whether a known value keeps the condition.
+bool keeps(const Condition &condition, int value)
+{
+    return std::ranges::any_of(rangesThatKeep(condition), [value](Range range) {
+        return contains(range, {value, value});
+    });
 }
 
 /// The same of words, in lower case, which have no order.
@@ -94,51 +123,23 @@ bool keepsWord(const Condition &condition, const char *word)
     if (comparesNumbers(condition)) return false;
     const bool isAny =
         std::ranges::find(condition.values, word, lowerCase) != condition.values.end();
-    return condition.test == Condition::NotEquals ? !isAny : isAny;
+    return isAny != isInverse(condition);
 }
 
-/// The ranges of values from 1 that keep the condition.
-std::vector<Range> rangesThatKeep(const Condition &condition)
+Union allOrNothing(bool isAll)
 {
-    constexpr std::int64_t kGreatest = std::numeric_limits<int>::max();
-    std::vector<Range> ranges;
-    const auto addRange = [&](std::int64_t least, std::int64_t most) {
-        if (least > kGreatest || (most != 0 && most < std::max<std::int64_t>(least, 1))) return;
-        ranges.push_back({static_cast<int>(least <= 1 ? 0 : least),
-                          static_cast<int>(most >= kGreatest ? 0 : most)});
-    };
-    for (const std::string &text : condition.values) {
-        const std::optional<std::int64_t> value = numberIn(text);
-        if (!value) continue;
-        const std::int64_t v = *value;
-        if (condition.test == Condition::AtMost) addRange(0, v == 0 ? -1 : v);
-        if (condition.test == Condition::AtLeast) addRange(v, 0);
-        if (condition.test == Condition::NotEquals) {
-            if (v > 1) addRange(0, v - 1);
-            addRange(v < 1 ? 0 : v + 1, 0);
-        }
-        if (condition.test == Condition::Equals || condition.test == Condition::AnyOf)
-            addRange(v, v == 0 ? -1 : v);
-    }
-    return ranges;
-}
-
-/// What is taken by a condition on something that is never known: all or nothing.
-template <class Limits>
-Union<Limits> unknownKeeps(const Condition &condition)
-{
-    return condition.isRequired ? Union<Limits>() : Union<Limits>(1);
+    return isAll ? Union{Limits{}} : Union{};
 }
 
 /// The union of limits by one number.
-template <class Limits, Range Limits::*range>
-Kept<Limits> keepNumbers(const Condition &condition, int, const Note &note)
+template <Range Limits::*range>
+Kept keepNumbers(const Condition &condition, int, const Note &note)
 {
     const std::vector<Range> ranges = rangesThatKeep(condition);
-    const bool isUnderstood = std::ranges::any_of(
-        condition.values, [](const std::string &value) { return numberIn(value).has_value(); });
-    if (!isUnderstood) note(Remark::Stricter, "no number, so nothing keeps it");
-    Union<Limits> all;
+    const std::size_t understood = numbersIn(condition).size();
+    if (understood == 0 || (condition.isNegated && understood < condition.values.size()))
+        note.stricter("no number, so nothing keeps it");
+    Union all;
     for (Range each : ranges) {
         if (condition.isRequired) each.least = std::max(each.least, condition.property->least);
         Limits limits;
@@ -148,10 +149,9 @@ Kept<Limits> keepNumbers(const Condition &condition, int, const Note &note)
     return all;
 }
 
-Kept<SoundLimits> keepRates(const Condition &condition, int codec, const Note &note)
+Kept keepRates(const Condition &condition, int codec, const Note &note)
 {
-    return withSayableRates(
-        *keepNumbers<SoundLimits, &SoundLimits::sampleRate>(condition, codec, note), note);
+    return withSayableRates(*keepNumbers<&Limits::sampleRate>(condition, codec, note), note);
 }
 
 /// The names of profiles as ffmpeg writes them: "High 4:2:2", "Profile 0", "Simple Profile".
@@ -174,102 +174,87 @@ bool isProfileOfAny(const std::string &written)
 void noteUnknown(const Condition &condition, const Note &note)
 {
     if (condition.isRequired && !condition.isNegated)
-        note(Remark::LeftOut, "files of which it isn't known are taken, too");
+        note.leftOut("files of which it isn't known are taken, too");
 }
 
-/// The bits of the profiles that keep the condition; 0: all. Nothing: none.
-std::optional<int> profilesThatKeep(const Condition &condition, int codec, const Note &note)
+Kept keepProfiles(const Condition &condition, int codec, const Note &note)
 {
+    // what is never known keeps a condition that doesn't require it
+    if (kWithoutProfile.has(codec)) return allOrNothing(!condition.isRequired);
     const int known = allProfilesOf(codec);
     if (known == 0) {
-        note(Remark::LeftOut, fmt::format("no profiles of {} are known", codecText(codec)));
-        return condition.isRequired ? std::nullopt : std::optional(0);
+        note.leftOut("no profiles of {} are known", codecText(codec));
+        return allOrNothing(!condition.isRequired);
     }
     int named = 0;
     for (const std::string &value : condition.values) {
         named |= profileBit(codec, value);
-        if (!isProfileOfAny(value))
-            note(condition.test == Condition::NotEquals ? Remark::LeftOut : Remark::Stricter,
-                 fmt::format("no profile is known by the name \"{}\"", printable(value)));
+        if (isProfileOfAny(value)) continue;
+        const std::string why =
+            fmt::format("no profile is known by the name \"{}\"", printable(value));
+        isInverse(condition) ? note.leftOut("{}", why) : note.stricter("{}", why);
     }
-    if (comparesNumbers(condition)) named = 0;
-    const int kept = condition.test == Condition::NotEquals ? known & ~named : named;
-    if (kept == 0) return std::nullopt;
-    noteUnknown(condition, note);
-    return kept == known ? 0 : kept;
-}
-
-template <class Limits>
-Kept<Limits> keepProfiles(const Condition &condition, int codec, const Note &note)
-{
-    if (kWithoutProfile.has(codec)) return unknownKeeps<Limits>(condition);
-    const std::optional<int> profiles = profilesThatKeep(condition, codec, note);
-    if (!profiles) return Union<Limits>{};
+    if (comparesNumbers(condition)) return Union{};
     Limits limits;
-    limits.profiles = *profiles;
-    return Union<Limits>{limits};
+    limits.profiles = isInverse(condition) ? known & ~named : named;
+    if (limits.profiles == 0) return Union{};
+    noteUnknown(condition, note);
+    if (limits.profiles == known) limits.profiles = 0;
+    return Union{limits};
 }
 
 /// Levels have an upper end alone.
-Kept<PictureLimits> keepLevels(const Condition &condition, int codec, const Note &note)
+Kept keepLevels(const Condition &condition, int codec, const Note &note)
 {
     constexpr int s_Mpeg2Levels[] = {4, 6, 8, 10}; // from high to low
     const auto kept = [&](int level) { return keeps(condition, level); };
-    const Union<PictureLimits> none;
     noteUnknown(condition, note);
     if (codec == "mpeg2video"_codec) {
-        if (std::ranges::all_of(s_Mpeg2Levels, kept)) return Union<PictureLimits>(1);
-        note(Remark::Stricter, "the levels of MPEG-2 run backwards, so its files are transcoded");
-        return none;
+        const bool areAll = std::ranges::all_of(s_Mpeg2Levels, kept);
+        if (!areAll)
+            note.stricter("the levels of MPEG-2 run backwards, so its files are transcoded");
+        return allOrNothing(areAll);
     }
     if (!knownLevels(codec).empty()) return levelsWhere(kept, codec, note);
-    PictureLimits limits;
-    if (condition.test == Condition::AtLeast && kept(1)) return Union<PictureLimits>{limits};
-    limits.level = static_cast<int>(std::clamp<std::int64_t>(
-        numberIn(condition.values.empty() ? "" : condition.values.front()).value_or(0), 0,
-        std::numeric_limits<int>::max()));
-    if (condition.test == Condition::AtMost && limits.level > 0)
-        return Union<PictureLimits>{limits};
-    note(Remark::Stricter,
-         fmt::format("a rule limits levels upwards alone, so {} is transcoded", codecText(codec)));
-    return none;
+    const std::vector<Range> ranges = rangesThatKeep(condition);
+    Limits limits;
+    if (comparesNumbers(condition) && !ranges.empty() && ranges.front().least == 0) {
+        limits.level = ranges.front().most;
+        return Union{limits};
+    }
+    note.stricter("a rule limits levels upwards alone, so {} is transcoded", codecText(codec));
+    return Union{};
 }
 
-Kept<PictureLimits> keepDepths(const Condition &condition, int, const Note &note)
+Kept keepDepths(const Condition &condition, int, const Note &note)
 {
-    if (!keeps(condition, 8)) {
-        if (keeps(condition, 10) || keeps(condition, 12))
-            note(Remark::Stricter, "no rule can turn away 8 bits alone, so all is transcoded");
-        return Union<PictureLimits>{};
-    }
     const bool has10 = keeps(condition, 10);
     const bool has12 = keeps(condition, 12);
-    return refusing(has10 ? has12 ? "" : "12bit" : has12 ? "10bit" : "10bit|12bit");
+    if (keeps(condition, 8))
+        return refusing(has10 ? has12 ? "" : "12bit" : has12 ? "10bit" : "10bit|12bit");
+    if (has10 || has12) note.stricter("no rule can turn away 8 bits alone, so all is transcoded");
+    return Union{};
 }
 
-Kept<PictureLimits> keepDynamics(const Condition &condition, int, const Note &note)
+Kept keepDynamics(const Condition &condition, int, const Note &note)
 {
     const auto kept = [&](const char *type) { return keepsWord(condition, type); };
     if (!kept("sdr")) {
-        note(Remark::Stricter, "no rule can turn away SDR alone, so all is transcoded");
-        return Union<PictureLimits>{};
+        note.stricter("no rule can turn away SDR alone, so all is transcoded");
+        return Union{};
     }
-    const bool hdr10 =
-        kept("hdr10") && (condition.test != Condition::NotEquals || kept("hdr10plus"));
+    const bool hdr10 = kept("hdr10") && (!isInverse(condition) || kept("hdr10plus"));
     const bool hlg = kept("hlg");
     if (hdr10 != hlg)
-        note(Remark::Stricter, "HDR10 and HLG are one to a Device profile, so both are transcoded");
-    for (const char *const type : {"doviwithsdr", "doviwithhdr10", "doviwithhlg"})
-        if (!kept(type)) {
-            note(Remark::LeftOut, "Dolby Vision over SDR, HDR10 or HLG counts as these");
-            break;
-        }
+        note.stricter("HDR10 and HLG are one to a Device profile, so both are transcoded");
+    if (!kept("doviwithsdr") || !kept("doviwithhdr10") || !kept("doviwithhlg"))
+        note.leftOut("Dolby Vision over SDR, HDR10 or HLG counts as these");
     return refusing(hdr10 && hlg   ? kept("dovi") ? "" : "dolby_vision"
                     : kept("dovi") ? "hdr"
                                    : "hdr|dolby_vision");
 }
 
-Kept<PictureLimits> keepInterlacing(const Condition &condition, int, const Note &note)
+Kept keepInterlacing(const Condition &condition, int, const Note &note)
 {
     return interlacingWhere(keepsWord(condition, "false"), keepsWord(condition, "true"),
                             "so all is transcoded", note);
@@ -287,65 +272,42 @@ int pcmDepth(int codec)
                      numberIn(name.substr(digit, name[digit] == '8' ? 1 : 2)).value_or(0));
 }
 
-Kept<SoundLimits> keepSampleBits(const Condition &condition, int codec, const Note &note)
+Kept keepSampleBits(const Condition &condition, int codec, const Note &note)
 {
-    if (const int depth = pcmDepth(codec); depth > 0)
-        return keeps(condition, depth) ? Union<SoundLimits>(1) : Union<SoundLimits>();
-    if (kWithoutSampleBits.has(codec)) return unknownKeeps<SoundLimits>(condition);
-    note(Remark::LeftOut, fmt::format("a Device profile doesn't limit the bits of a sample of {}",
-                                      codecText(codec)));
+    if (const int depth = pcmDepth(codec); depth > 0) return allOrNothing(keeps(condition, depth));
+    if (kWithoutSampleBits.has(codec)) return allOrNothing(!condition.isRequired);
+    note.leftOut("a Device profile doesn't limit the bits of a sample of {}", codecText(codec));
     return std::nullopt;
 }
-
-constexpr auto s_KeepWidth = keepNumbers<PictureLimits, &PictureLimits::width>;
-constexpr auto s_KeepHeight = keepNumbers<PictureLimits, &PictureLimits::height>;
-constexpr auto s_KeepBitrate = keepNumbers<PictureLimits, &PictureLimits::bitrate>;
-constexpr auto s_KeepSoundBitrate = keepNumbers<SoundLimits, &SoundLimits::bitrate>;
-constexpr auto s_KeepChannels = keepNumbers<SoundLimits, &SoundLimits::channels>;
-constexpr auto s_KeepPictureProfiles = keepProfiles<PictureLimits>;
-constexpr auto s_KeepSoundProfiles = keepProfiles<SoundLimits>;
 
 constexpr Property s_Properties[] = {
-    {"AudioChannels", 0, nullptr, s_KeepChannels, nullptr},
-    {"AudioBitrate", 1, nullptr, s_KeepSoundBitrate, nullptr, 1000},
-    {"AudioProfile", 2, nullptr, s_KeepSoundProfiles, nullptr, 1, true},
-    {"Width", 3, s_KeepWidth, nullptr, nullptr},
-    {"Height", 4, s_KeepHeight, nullptr, nullptr},
-    {"Has64BitOffsets", 5, nullptr, nullptr, "the size of offsets in the file"},
-    {"PacketLength", 6, nullptr, nullptr, "the length of packets"},
-    {"VideoBitDepth", 7, keepDepths, nullptr, nullptr},
-    {"VideoBitrate", 8, s_KeepBitrate, nullptr, nullptr, 1000},
-    {"VideoFramerate", 9, nullptr, nullptr, "the frame rate"},
-    {"VideoLevel", 10, keepLevels, nullptr, nullptr, 1, true},
-    {"VideoProfile", 11, s_KeepPictureProfiles, nullptr, nullptr, 1, true},
-    {"VideoTimestamp", 12, nullptr, nullptr, "time stamps in a transport stream"},
-    {"IsAnamorphic", 13, nullptr, nullptr, "the shape of pixels"},
-    {"RefFrames", 14, nullptr, nullptr, "the number of reference frames"},
-    {"NumAudioStreams", 16, nullptr, nullptr, "the number of audio tracks"},
-    {"NumVideoStreams", 17, nullptr, nullptr, "the number of video tracks"},
-    {"IsSecondaryAudio", 18, nullptr, nullptr, "which of several audio tracks is played"},
-    {"VideoCodecTag", 19, nullptr, nullptr, "the codec's tag in the file"},
-    {"IsAvc", 20, nullptr, nullptr, "how the units of a stream are set apart"},
-    {"IsInterlaced", 21, keepInterlacing, nullptr, nullptr},
-    {"AudioSampleRate", 22, nullptr, keepRates, nullptr, 8000},
-    {"AudioBitDepth", 23, nullptr, keepSampleBits, nullptr},
-    {"VideoRangeType", 24, keepDynamics, nullptr, nullptr},
-    {"NumStreams", 25, nullptr, nullptr, "the number of streams"},
-    {"VideoRotation", 26, nullptr, nullptr, "by how much a picture is turned"},
+    {"AudioChannels", 0, Property::Sound, keepNumbers<&Limits::channels>, nullptr},
+    {"AudioBitrate", 1, Property::Sound, keepNumbers<&Limits::bitrate>, nullptr, 1000},
+    {"AudioProfile", 2, Property::Sound, keepProfiles, nullptr, 1, true},
+    {"Width", 3, Property::Picture, keepNumbers<&Limits::width>, nullptr},
+    {"Height", 4, Property::Picture, keepNumbers<&Limits::height>, nullptr},
+    {"Has64BitOffsets", 5, Property::Neither, nullptr, "the size of offsets in the file"},
+    {"PacketLength", 6, Property::Neither, nullptr, "the length of packets"},
+    {"VideoBitDepth", 7, Property::Picture, keepDepths, nullptr},
+    {"VideoBitrate", 8, Property::Picture, keepNumbers<&Limits::bitrate>, nullptr, 1000},
+    {"VideoFramerate", 9, Property::Neither, nullptr, "the frame rate"},
+    {"VideoLevel", 10, Property::Picture, keepLevels, nullptr, 1, true},
+    {"VideoProfile", 11, Property::Picture, keepProfiles, nullptr, 1, true},
+    {"VideoTimestamp", 12, Property::Neither, nullptr, "time stamps in a transport stream"},
+    {"IsAnamorphic", 13, Property::Neither, nullptr, "the shape of pixels"},
+    {"RefFrames", 14, Property::Neither, nullptr, "the number of reference frames"},
+    {"NumAudioStreams", 16, Property::Neither, nullptr, "the number of audio tracks"},
+    {"NumVideoStreams", 17, Property::Neither, nullptr, "the number of video tracks"},
+    {"IsSecondaryAudio", 18, Property::Neither, nullptr, "which of several audio tracks is played"},
+    {"VideoCodecTag", 19, Property::Neither, nullptr, "the codec's tag in the file"},
+    {"IsAvc", 20, Property::Neither, nullptr, "how the units of a stream are set apart"},
+    {"IsInterlaced", 21, Property::Picture, keepInterlacing, nullptr},
+    {"AudioSampleRate", 22, Property::Sound, keepRates, nullptr, 8000},
+    {"AudioBitDepth", 23, Property::Sound, keepSampleBits, nullptr},
+    {"VideoRangeType", 24, Property::Picture, keepDynamics, nullptr},
+    {"NumStreams", 25, Property::Neither, nullptr, "the number of streams"},
+    {"VideoRotation", 26, Property::Neither, nullptr, "by how much a picture is turned"},
 };
-
-/// What keeps the condition by a property that may not be one of such streams.
-template <class Limits>
-Kept<Limits> keptBy(Property::Keep<Limits> keep, const char *stream, const Condition &condition,
-                    int codec, const Note &note)
-{
-    if (keep) return keep(condition, codec, note);
-    note(Remark::LeftOut,
-         condition.property->unlimited
-             ? fmt::format("a Device profile doesn't limit {}", condition.property->unlimited)
-             : fmt::format("it is no property of {}", stream));
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -362,7 +324,7 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
     const auto *const knownTest = findNamed(s_Tests, test.empty() ? "Equals" : test);
     const auto *const knownProperty = findNamed(s_Properties, property);
     if (!knownTest || !knownProperty) {
-        noteAt(player, file, object.line(), said)(Remark::LeftOut, "no condition that is known");
+        Note(player.remarks, file, object.line(), said).leftOut("no condition that is known");
         return std::nullopt;
     }
     Condition condition{static_cast<Condition::Test>(knownTest->number),
@@ -380,53 +342,37 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
     return condition;
 }
 
-template <>
-Kept<PictureLimits> thatKeep(const Condition &condition, int codec, const Note &note)
+Kept thatKeep(const Condition &condition, int codec, const Note &note)
 {
-    return keptBy(condition.property->pictures, "a picture", condition, codec, note);
+    const Property &property = *condition.property;
+    const auto stream = isPicture(codec) ? Property::Picture : Property::Sound;
+    // what is to be none of no values is anything
+    if (condition.isNegated && condition.values.empty()) return allOrNothing(true);
+    if (property.stream == stream) return property.keep(condition, codec, note);
+    if (property.unlimited)
+        note.leftOut("a Device profile doesn't limit {}", property.unlimited);
+    else
+        note.leftOut("it is no property of {}", isPicture(codec) ? "a picture" : "sound");
+    return std::nullopt;
 }
 
-template <>
-Kept<SoundLimits> thatKeep(const Condition &condition, int codec, const Note &note)
+Kept thatKeepExactly(const Condition &condition, int codec)
 {
-    return keptBy(condition.property->sounds, "sound", condition, codec, note);
+    std::set<Remark> inexact;
+    Kept kept = thatKeep(condition, codec, Note(inexact, {}, 0, {}));
+    return inexact.empty() ? kept : std::nullopt;
+}
+
+Condition negationOf(Condition condition)
+{
+    condition.isRequired = !condition.isRequired;
+    condition.isNegated = !condition.isNegated;
+    return condition;
 }
 
 bool takesUnknown(const Condition &condition)
 {
     return condition.property->takesUnknown;
-}
-
-std::vector<Condition> negationOf(const Condition &condition)
-{
-    Condition negated = condition;
-    negated.isRequired = !condition.isRequired;
-    negated.isNegated = true;
-    std::vector<Condition> all;
-    switch (condition.test) {
-    case Condition::Equals:
-    case Condition::AnyOf:
-        negated.test = Condition::NotEquals;
-        for (const std::string &value : condition.values) {
-            negated.values = {value};
-            all.push_back(negated);
-        }
-        return all;
-    case Condition::NotEquals:
-        negated.test = Condition::Equals;
-        break;
-    case Condition::AtMost:
-    case Condition::AtLeast: {
-        const bool wasAtMost = condition.test == Condition::AtMost;
-        negated.test = wasAtMost ? Condition::AtLeast : Condition::AtMost;
-        const std::optional<std::int64_t> value = numberIn(condition.values.front());
-        constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
-        if (value && *value > -kBeyond && *value < kBeyond)
-            negated.values = {std::to_string(*value + (wasAtMost ? 1 : -1))};
-        break;
-    }
-    }
-    return {negated};
 }
 
 } // namespace vornak::tool

@@ -20,7 +20,7 @@ struct JellyfinCondition {
     const JellyfinProperty *property;
     std::vector<std::string> values;
     bool isRequired; ///< a value that isn't known fails
-    bool isNegated;
+    bool isNegated;  ///< it holds where what the test says does not
     int line;
     std::string text; ///< for people: where it stands and what it says
 };
@@ -31,16 +31,13 @@ std::optional<JellyfinCondition> readCondition(ObjectReader &object, const std::
 
 /// What keeps the condition: a union, the stricter one where it can't be said exactly. Nothing: a
 /// Device profile has no limit of that kind.
-template <class Limits>
-std::optional<Union<Limits>> thatKeep(const JellyfinCondition &condition, int codec,
-                                      const Note &note);
-template <>
-std::optional<Union<PictureLimits>> thatKeep(const JellyfinCondition &, int, const Note &);
-template <>
-std::optional<Union<SoundLimits>> thatKeep(const JellyfinCondition &, int, const Note &);
+std::optional<Union> thatKeep(const JellyfinCondition &condition, int codec, const Note &note);
 
-/// What holds where the condition does not: all of these.
-std::vector<JellyfinCondition> negationOf(const JellyfinCondition &condition);
+/// The same, but nothing where it can't be said exactly either.
+std::optional<Union> thatKeepExactly(const JellyfinCondition &condition, int codec);
+
+/// The condition that holds where this one doesn't.
+JellyfinCondition negationOf(JellyfinCondition condition);
 
 /// Whether a rule takes streams whose property isn't known, whatever it is limited to.
 bool takesUnknown(const JellyfinCondition &condition);

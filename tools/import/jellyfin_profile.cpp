@@ -20,8 +20,6 @@
 namespace vornak::tool {
 namespace {
 
-// named, since clang 14 calls them in a template
-constexpr int kMatroska = "matroska"_container;
 constexpr int kWebm = "matroska/webm"_container;
 constexpr std::size_t kMostCombinations = 300'000;
 constexpr std::size_t kMostAlternatives = 40;
@@ -38,8 +36,12 @@ struct Selection {
         return isAll || (std::ranges::find(ids, id) != ids.end()) != isExcept;
     }
 
-    /// Whether Matroska is taken but not WebM, which is the same file with other codecs.
-    bool isButWebm() const { return isExcept && takes(kMatroska) && !takes(kWebm); }
+    /// Whether the container is Matroska and taken, but not WebM, which is the same file with other
+    /// codecs.
+    bool isButWebm(int format) const
+    {
+        return format == kMatroska && isExcept && takes(kMatroska) && !takes(kWebm);
+    }
 };
 
 enum StreamKind { Picture, SoundOfVideo, Music };
@@ -73,8 +75,40 @@ std::vector<int> codecsNamed(const std::string &name, bool picture)
     return {codec};
 }
 
-template <class Limits>
-constexpr bool kIsPicture = std::is_same_v<Limits, PictureLimits>;
+/// A union of very many cases as the first of them, so that it is stricter.
+Union firstOf(Union all, std::size_t most)
+{
+    if (all.size() > most) all.resize(most);
+    return all;
+}
+
+/// What keeps both; of very many cases the first.
+Union both(const Union &one, const Union &other, const Note &note)
+{
+    constexpr std::size_t kMostCases = 100;
+    const Union common = intersection(one, firstOf(other, kMostCases));
+    if (std::max(other.size(), common.size()) > kMostCases)
+        note.stricter("more cases than rules are made for: it holds in some");
+    return firstOf(common, kMostCases);
+}
+
+Union splitByOddities(const Union &all)
+{
+    Union parts;
+    for (const Limits &limits : all)
+        for (const Limits &part : tool::splitByOddities(limits)) add(parts, part);
+    return parts;
+}
+
+std::vector<Container> containersFor(const std::vector<int> &formats, bool isMusic,
+                                     const Limits &sound)
+{
+    std::vector<Container> containers;
+    for (const int format : formats)
+        containers.push_back({format, mimeOf(format, isMusic),
+                              isMusic ? dlnaNameOfMusic(sound, format) : std::string()});
+    return containers;
+}
 
 class Reader {
 public:
@@ -90,8 +124,7 @@ public:
         for (ObjectReader &object : root.list("TranscodingProfiles")) readTranscoding(object);
         for (ObjectReader &object : root.list("DirectPlayProfiles")) readDirectPlay(object);
         if (root.has("SubtitleProfiles"))
-            noteAt(root.lineOf("SubtitleProfiles"), "SubtitleProfiles")(
-                Remark::LeftOut, "a Device profile says nothing of subtitles");
+            noteAt(root, "SubtitleProfiles").leftOut("a Device profile says nothing of subtitles");
         root.noteUnknown(player_);
     }
 
@@ -100,7 +133,16 @@ private:
     Note noteAt(int line, std::string place)
     {
         if (place.ends_with('.')) place.pop_back();
-        return tool::noteAt(player_, file_, line, place);
+        return {player_.remarks, file_, line, std::move(place)};
+    }
+    Note noteAt(const JellyfinCondition &condition)
+    {
+        return noteAt(condition.line, condition.text);
+    }
+    Note noteAt(const ObjectReader &object) { return noteAt(object.line(), object.place()); }
+    Note noteAt(ObjectReader &object, const char *key)
+    {
+        return noteAt(object.lineOf(key), object.place() + key);
     }
 
     void readTotals(ObjectReader &root)
@@ -109,9 +151,9 @@ private:
         for (const char *const key :
              {"MaxStreamingBitrate", "MaxStaticBitrate", "MusicStreamingTranscodingBitrate"})
             if (root.has(key))
-                noteAt(root.lineOf(key), key + (" " + printable(root.text(key))))(
-                    Remark::LeftOut, "what a connection carries of a whole file; a Device profile "
-                                     "limits each stream");
+                noteAt(root.lineOf(key), key + (" " + printable(root.text(key))))
+                    .leftOut("what a connection carries of a whole file; a Device profile limits "
+                             "each stream");
     }
 
     /// A comma list. @param idsOf  of a name; none: it isn't known
@@ -128,9 +170,8 @@ private:
                 if (std::ranges::find(selection.ids, id) == selection.ids.end())
                     selection.ids.push_back(id);
             if (ids.empty())
-                noteAt(object.lineOf(key), object.place() + key)(
-                    Remark::LeftOut,
-                    fmt::format("no {} is known by the name \"{}\"", what, printable(written)));
+                noteAt(object, key)
+                    .leftOut("no {} is known by the name \"{}\"", what, printable(written));
         }
         return selection;
     }
@@ -169,8 +210,8 @@ private:
         const std::string written = object.text("Type");
         const NamedNumber *type = findNamed(types, written.empty() ? "0" : written);
         if (!type)
-            noteAt(object.line(), object.place() + "Type")(
-                Remark::LeftOut, fmt::format("no type that is known: {}", printable(written)));
+            noteAt(object.line(), object.place() + "Type")
+                .leftOut("no type that is known: {}", printable(written));
         return type;
     }
 
@@ -183,8 +224,8 @@ private:
                          readContainers(object), readConditions(object, "ApplyConditions"),
                          readConditions(object, "Conditions"), object.place(), object.line()});
         if (!object.text("SubContainer").empty())
-            noteAt(object.lineOf("SubContainer"), object.place() + "SubContainer")(
-                Remark::LeftOut, "the parts of a stream in pieces; files have none");
+            noteAt(object, "SubContainer")
+                .leftOut("the parts of a stream in pieces; files have none");
         object.noteUnknown(player_);
     }
 
@@ -220,11 +261,9 @@ private:
         const std::string protocol = lowerCase(object.text("Protocol"));
         object.text("Context");
         if (protocol == "hls" || protocol == "1")
-            noteAt(object.lineOf("Protocol"), object.place() + "Protocol")(
-                Remark::LeftOut, "a file is made as a whole, not in pieces");
+            noteAt(object, "Protocol").leftOut("a file is made as a whole, not in pieces");
         for (const JellyfinCondition &condition : readConditions(object, "Conditions"))
-            noteAt(condition.line, condition.text)(
-                Remark::LeftOut, "what is made is described by the first rule alone");
+            noteAt(condition).leftOut("what is made is described by the first rule alone");
         object.noteUnknown(player_);
     }
 
@@ -238,74 +277,51 @@ private:
         object.noteUnknown(player_);
         const int origin = originOf(player_, originText(object.place(), object.line()));
         if (type->number > 1)
-            noteAt(object.line(), object.place())(
-                Remark::LeftOut,
-                fmt::format("a Device profile has no rules for the type {}", type->name));
-        else if (std::string_view(type->name) == "Audio")
-            addMusic(object, formats, sounds, origin);
-        else
-            addVideo(object, formats, pictures, sounds, origin);
-    }
-
-    void addMusic(const ObjectReader &object, const Selection &formats, const Selection &sounds,
-                  int origin)
-    {
+            return noteAt(object).leftOut("a Device profile has no rules for the type {}",
+                                          type->name);
+        const bool isVideo = std::string_view(type->name) == "Video";
         for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats), formats)) {
             const int format = alike.front();
-            const bool isButWebm = format == kMatroska && formats.isButWebm();
-            for (const int codec :
-                 codecsOf<SoundLimits>(object, sounds, format, Music, isButWebm)) {
-                if (isButWebm && canHold(kWebm, codec)) continue;
-                const auto &limits = limitsFor<SoundLimits>(codec, format, Music);
-                count(1 + limits.size());
-                for (const SoundLimits &sound : limits)
-                    player_.ways.push_back({std::nullopt,
-                                            sound,
-                                            containersIn(alike, true, sound),
-                                            {},
-                                            originsFor(origin, codec, format, Music)});
+            const bool isButWebm = formats.isButWebm(format);
+            const std::vector<int> audio =
+                codecsOf(object, sounds, format, isVideo ? SoundOfVideo : Music, isButWebm);
+            std::vector<std::optional<int>> video = {std::nullopt};
+            if (isVideo) {
+                const auto codecs = codecsOf(object, pictures, format, Picture, isButWebm);
+                video.assign(codecs.begin(), codecs.end());
             }
-        }
-    }
-
-    void addVideo(const ObjectReader &object, const Selection &formats, const Selection &pictures,
-                  const Selection &sounds, int origin)
-    {
-        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats), formats)) {
-            const int format = alike.front();
-            const bool isButWebm = format == kMatroska && formats.isButWebm();
-            const auto audio =
-                codecsOf<SoundLimits>(object, sounds, format, SoundOfVideo, isButWebm);
-            for (const int codec :
-                 codecsOf<PictureLimits>(object, pictures, format, Picture, isButWebm))
+            for (const std::optional<int> picture : video)
                 for (const int sound : audio)
-                    if (!isButWebm || !canHold(kWebm, codec) || !canHold(kWebm, sound))
-                        addVideos(codec, sound, alike, origin);
+                    if (!isButWebm || !isOfWebm(picture, sound))
+                        addWays(picture, sound, alike, origin);
         }
     }
 
-    void addVideos(int codec, int audio, const std::vector<int> &alike, int origin)
+    static bool isOfWebm(std::optional<int> picture, int sound)
+    {
+        return (!picture || canHold(kWebm, *picture)) && canHold(kWebm, sound);
+    }
+
+    /// @param picture  its codec; none: music
+    void addWays(std::optional<int> picture, int sound, const std::vector<int> &alike, int origin)
     {
         const int format = alike.front();
-        const auto &pictures = limitsFor<PictureLimits>(codec, format, Picture);
-        const auto &sounds = limitsFor<SoundLimits>(audio, format, SoundOfVideo);
+        const StreamKind kind = picture ? SoundOfVideo : Music;
+        std::vector<std::optional<Limits>> pictures = {std::nullopt};
+        if (picture) {
+            const Union &limits = limitsFor(*picture, format, Picture);
+            pictures.assign(limits.begin(), limits.end());
+        }
+        const Union &sounds = limitsFor(sound, format, kind);
         count(1 + pictures.size() * sounds.size());
-        for (const PictureLimits &picture : pictures)
-            for (const SoundLimits &sound : sounds)
-                player_.ways.push_back({picture, sound, containersIn(alike, false, sound),
-                                        originsFor(origin, codec, format, Picture),
-                                        originsFor(origin, audio, format, SoundOfVideo)});
-    }
-
-    static std::vector<Container> containersIn(const std::vector<int> &formats, bool isMusic,
-                                               const SoundLimits &sound)
-    {
-        std::vector<Container> containers;
-        containers.reserve(formats.size());
-        for (const int format : formats)
-            containers.push_back({format, mimeOf(format, isMusic),
-                                  isMusic ? dlnaNameOfMusic(sound, format) : std::string()});
-        return containers;
+        const auto originsOf = [&](int codec, StreamKind each) {
+            return originsFor(origin, codec, format, each);
+        };
+        for (const std::optional<Limits> &limits : pictures)
+            for (const Limits &each : sounds)
+                player_.ways.push_back({limits, each, containersFor(alike, !picture, each),
+                                        picture ? originsOf(*picture, Picture) : std::vector<int>(),
+                                        originsOf(sound, kind)});
     }
 
     /// The containers of a list, those together that the same conditions concern.
@@ -314,13 +330,11 @@ private:
     {
         std::map<std::vector<bool>, std::vector<int>> groups;
         for (const int format : formats) {
-            std::vector<bool> concerning = {format == kWebm,
-                                            format == kMatroska && list.isButWebm()};
+            std::vector<bool> concerning = {format == kWebm, list.isButWebm(format)};
             for (const LimitSet &set : sets_) concerning.push_back(set.containers.takes(format));
             groups[concerning].push_back(format);
         }
         std::vector<std::vector<int>> all;
-        all.reserve(groups.size());
         for (const auto &[concerning, alike] : groups) all.push_back(alike);
         return all;
     }
@@ -345,53 +359,44 @@ private:
         if (!formats.isExcept) return all;
         for (const int other : formats.ids) {
             std::erase(all, other);
-            if (other == kWebm && formats.isButWebm())
-                noteAt(object.line(), object.place())(
-                    Remark::Stricter, "to a rule, Matroska with WebM's codecs alone is WebM, too, "
-                                      "so it is transcoded");
+            if (other == kWebm && formats.isButWebm(kMatroska))
+                noteAt(object).stricter("to a rule, Matroska with WebM's codecs alone is WebM, "
+                                        "too, so it is transcoded");
             else if (std::erase(all, containerPart(other)) > 0)
-                noteAt(object.line(), object.place())(
-                    Remark::Stricter,
-                    fmt::format("a rule for {} takes {}, too, so it is transcoded",
-                                containerText(containerPart(other)), containerText(other)));
+                noteAt(object).stricter("a rule for {} takes {}, too, so it is transcoded",
+                                        containerText(containerPart(other)), containerText(other));
         }
         return all;
     }
 
     /// The codecs of a list. Any codec stands as such only where none has limits, since a rule for
     /// any codec looks at none; else the common ones stand for it. @param each  never "any"
-    template <class Limits>
     std::vector<int> codecsOf(const ObjectReader &object, const Selection &codecs, int format,
                               StreamKind kind, bool each)
     {
-        if (format == kWebm) return codecsOfWebm<Limits>(object, codecs);
+        if (format == kWebm) return codecsOfWebm(object, codecs, kind);
         if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
-        std::vector<int> all = kIsPicture<Limits> ? commonPictures() : commonSounds();
+        std::vector<int> all = kind == Picture ? commonPictures() : commonSounds();
         for (const LimitSet &set : sets_)
             for (const int id : set.codecs.ids)
                 if (set.kind == kind && std::ranges::find(all, id) == all.end()) all.push_back(id);
-        const bool isLimited =
-            each || std::ranges::any_of(all, [&](int codec) {
-                Limits unlimited;
-                unlimited.codec = codec;
-                return limitsFor<Limits>(codec, format, kind) != Union<Limits>{unlimited};
-            });
-        if (codecs.isAll && !isLimited) return {0};
+        const auto isLimited = [&](int codec) {
+            return limitsFor(codec, format, kind) != Union{{.codec = codec}};
+        };
+        if (codecs.isAll && !each && std::ranges::none_of(all, isLimited)) return {0};
         std::erase_if(all, [&](int codec) { return !codecs.takes(codec); });
-        noteAt(object.line(), object.place())(
-            Remark::Stricter, fmt::format("any {} codec{} is said as {} common ones",
-                                          kind == Picture ? "video" : "audio",
-                                          codecs.isAll ? "" : " but some", all.size()));
+        noteAt(object).stricter("any {} codec{} is said as {} common ones",
+                                kind == Picture ? "video" : "audio",
+                                codecs.isAll ? "" : " but some", all.size());
         return all;
     }
 
     /// To a rule, Matroska files are WebM, too; with WebM's few codecs they are just that.
-    template <class Limits>
-    std::vector<int> codecsOfWebm(const ObjectReader &object, const Selection &codecs)
+    std::vector<int> codecsOfWebm(const ObjectReader &object, const Selection &codecs,
+                                  StreamKind kind)
     {
-        noteAt(object.line(), object.place())(
-            Remark::LeftOut, "a rule for WebM takes Matroska with the codecs of WebM, too");
-        std::vector<int> all = kIsPicture<Limits> ? commonPictures() : commonSounds();
+        noteAt(object).leftOut("a rule for WebM takes Matroska with the codecs of WebM, too");
+        std::vector<int> all = kind == Picture ? commonPictures() : commonSounds();
         std::erase_if(all,
                       [&](int codec) { return !codecs.takes(codec) || !canHold(kWebm, codec); });
         return all;
@@ -412,126 +417,62 @@ private:
     }
 
     /// What is taken of a codec in a container.
-    template <class Limits>
-    const Union<Limits> &limitsFor(int codec, int format, StreamKind kind)
+    const Union &limitsFor(int codec, int format, StreamKind kind)
     {
-        const auto [entry, isNew] =
-            std::get<Known<Limits>>(known_).try_emplace({codec, format, kind});
+        const auto [entry, isNew] = known_.try_emplace({codec, format, kind});
         if (!isNew) return entry->second;
-        Limits any;
-        any.codec = codec;
-        Union<Limits> all = {any};
+        Union all = {{.codec = codec}};
         for (const LimitSet &set : sets_) {
             if (codec == 0 || !concerns(set, codec, format, kind)) continue;
-            Union<Limits> narrowed = narrowedBy(set, codec, all);
-            noteOddities(all, narrowed, noteAt(set.line, set.place));
+            Union narrowed = narrowedBy(set, codec, all);
+            // what else is turned away on account of what the set refuses
+            for (const Limits &limits : narrowed)
+                if (std::ranges::find(all, limits.refused, &Limits::refused) == all.end())
+                    noteOddities(limits, noteAt(set.line, set.place));
             all = std::move(narrowed);
         }
         return entry->second = std::move(all);
     }
 
-    /// Tells what else is turned away on account of what a set refuses.
-    template <class Limits>
-    static void noteOddities(const Union<Limits> &before, const Union<Limits> &after,
-                             const Note &note)
-    {
-        if constexpr (kIsPicture<Limits>)
-            for (const Limits &limits : after)
-                if (std::ranges::find(before, limits.refused, &Limits::refused) == before.end())
-                    tool::noteOddities(limits, note);
-    }
-
-    template <class Limits>
-    static Union<Limits> split(const Union<Limits> &all)
-    {
-        Union<Limits> parts;
-        if constexpr (!kIsPicture<Limits>)
-            return all;
-        else
-            for (const Limits &limits : all)
-                for (const Limits &part : splitByOddities(limits)) add(parts, part);
-        return parts;
-    }
-
-    /// What keeps both; of very many cases the first, so that it is stricter.
-    template <class Limits>
-    Union<Limits> both(const Union<Limits> &one, Union<Limits> other, const Note &note) const
-    {
-        constexpr std::size_t kMostCases = 100;
-        const bool areMany = other.size() > kMostCases;
-        if (areMany) other.resize(kMostCases);
-        Union<Limits> common = intersection(one, other);
-        if (areMany || common.size() > kMostCases)
-            note(Remark::Stricter, "more cases than rules are made for: it holds in some");
-        if (common.size() > kMostCases) common.resize(kMostCases);
-        return common;
-    }
-
     /// A union as the conditions of a set leave it.
-    template <class Limits>
-    Union<Limits> narrowedBy(const LimitSet &set, int codec, const Union<Limits> &all)
+    Union narrowedBy(const LimitSet &set, int codec, const Union &all)
     {
-        Union<Limits> whereItApplies = {Limits{}};
+        Union conditions = {Limits{}};
         for (const JellyfinCondition &condition : set.conditions)
-            if (const Note note = noteAt(condition.line, condition.text);
-                const auto kept = thatKeep<Limits>(condition, codec, note))
-                whereItApplies = both(whereItApplies, *kept, note);
-        Union<Limits> alternatives = whereItApplies;
+            if (const auto kept = thatKeep(condition, codec, noteAt(condition)))
+                conditions = both(conditions, *kept, noteAt(condition));
+        // where the conditions for applying can be told, too: it keeps the cases apart, so that
+        // there are fewer that overlap
+        Union alternatives = conditions;
         for (const JellyfinCondition &condition : set.applying)
-            alternatives = both(alternatives, whereItMay<Limits>(condition, codec),
-                                noteAt(condition.line, condition.text));
+            if (const auto kept = thatKeepExactly(condition, codec))
+                alternatives = both(alternatives, *kept, noteAt(condition));
         for (const JellyfinCondition &condition : set.applying)
-            for (const Limits &limits : whereNot<Limits>(condition, codec))
-                add(alternatives, limits);
-        Union<Limits> narrowed = split(intersection(all, alternatives));
+            for (const Limits &limits : whereNot(condition, codec)) add(alternatives, limits);
+        const Union narrowed = splitByOddities(intersection(all, alternatives));
         if (narrowed.size() <= kMostAlternatives) return narrowed;
-        noteAt(set.line, set.place)(Remark::Stricter, "more cases than rules are made for: its "
-                                                      "conditions hold in all");
-        narrowed = split(intersection(all, whereItApplies));
-        if (narrowed.size() > kMostAlternatives) narrowed.resize(kMostAlternatives);
-        return narrowed;
-    }
-
-    /// Where a condition for applying holds; everywhere, if that can't be said exactly. It keeps
-    /// the cases apart, so that there are fewer that overlap.
-    template <class Limits>
-    static Union<Limits> whereItMay(const JellyfinCondition &condition, int codec)
-    {
-        bool isExact = true;
-        const Note inexact = [&](Remark::Kind, const std::string &) { isExact = false; };
-        const auto kept = thatKeep<Limits>(condition, codec, inexact);
-        return kept && isExact ? *kept : Union<Limits>{Limits{}};
+        noteAt(set.line, set.place)
+            .stricter("more cases than rules are made for: its conditions hold in all");
+        return firstOf(splitByOddities(intersection(all, conditions)), kMostAlternatives);
     }
 
     /// Where a condition for applying doesn't hold; nowhere, if that can't be said exactly.
-    template <class Limits>
-    Union<Limits> whereNot(const JellyfinCondition &condition, int codec)
+    Union whereNot(const JellyfinCondition &condition, int codec)
     {
-        bool isExact = true;
-        const Note inexact = [&](Remark::Kind, const std::string &) { isExact = false; };
-        Union<Limits> all = {Limits{}};
-        for (const JellyfinCondition &negated : negationOf(condition)) {
-            const auto kept = thatKeep<Limits>(negated, codec, inexact);
-            if (!kept) isExact = false;
-            if (isExact) all = both(all, *kept, noteAt(condition.line, condition.text));
-        }
-        if (isExact && !all.empty() && takesUnknown(condition) && !condition.isRequired)
-            noteAt(condition.line, condition.text)(
-                Remark::LeftOut, "where it isn't known, what it is asked for doesn't hold");
-        if (isExact) return all;
-        noteAt(condition.line, condition.text)(
-            Remark::Stricter, "no rule can tell where it holds, so what it is asked for holds "
-                              "everywhere");
-        return {};
+        const auto kept = thatKeepExactly(negationOf(condition), codec);
+        if (!kept)
+            noteAt(condition).stricter("no rule can tell where it holds, so what it is asked for "
+                                       "holds everywhere");
+        else if (!kept->empty() && takesUnknown(condition) && !condition.isRequired)
+            noteAt(condition).leftOut("where it isn't known, what it is asked for doesn't hold");
+        return both({Limits{}}, kept.value_or(Union{}), noteAt(condition));
     }
 
     const std::string &path_;
     std::string file_;
     Player &player_;
     std::vector<LimitSet> sets_;
-    template <class Limits>
-    using Known = std::map<std::tuple<int, int, StreamKind>, Union<Limits>>;
-    std::tuple<Known<PictureLimits>, Known<SoundLimits>> known_;
+    std::map<std::tuple<int, int, StreamKind>, Union> known_;
     std::size_t combinations_ = 0;
 };
 

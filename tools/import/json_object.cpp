@@ -192,12 +192,11 @@ void ObjectReader::noteUnknown(Player &player) const
     std::set<std::string> seen;
     for (const auto &[name, value] : object_.members) {
         const std::string lower = lowerCase(name);
-        const Note note = noteAt(player, shownFileName(path_), value.line,
-                                 place_ + printable(std::string_view(name).substr(0, 60)));
+        const Note note(player.remarks, shownFileName(path_), value.line,
+                        place_ + printable(std::string_view(name).substr(0, 60)));
         if (!asked_.contains(lower) && !lower.starts_with('$'))
-            note(Remark::LeftOut, "says nothing of what is played");
-        if (!seen.insert(lower).second)
-            note(Remark::LeftOut, "a second one of this key: the last counts");
+            note.leftOut("says nothing of what is played");
+        if (!seen.insert(lower).second) note.leftOut("a second one of this key: the last counts");
     }
 }
 

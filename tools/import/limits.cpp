@@ -5,10 +5,8 @@
 namespace vornak::tool {
 namespace {
 
-constexpr Range PictureLimits::*s_PictureRanges[] = {&PictureLimits::width, &PictureLimits::height,
-                                                     &PictureLimits::bitrate};
-constexpr Range SoundLimits::*s_SoundRanges[] = {&SoundLimits::channels, &SoundLimits::bitrate,
-                                                 &SoundLimits::sampleRate};
+constexpr Range Limits::*s_Ranges[] = {&Limits::width, &Limits::height, &Limits::bitrate,
+                                       &Limits::channels, &Limits::sampleRate};
 
 /// The lower of two limits of which 0 is none.
 int lower(int one, int other)
@@ -26,38 +24,26 @@ bool isWithin(int inner, int outer)
     return outer == 0 || (inner != 0 && (inner & ~outer) == 0);
 }
 
-/// What pictures and sound have alike.
-template <class Limits, class Ranges>
-bool intersect(Limits &limits, const Limits &other, const Ranges &ranges)
-{
-    if (limits.codec == 0) limits.codec = other.codec;
-    if (other.codec != 0 && limits.codec != other.codec) return false;
-    const int common = limits.profiles & other.profiles;
-    if (limits.profiles != 0 && other.profiles != 0 && common == 0) return false;
-    limits.profiles = common != 0 ? common : limits.profiles | other.profiles;
-    for (const auto range : ranges) {
-        const std::optional<Range> both = intersection(limits.*range, other.*range);
-        if (!both) return false;
-        limits.*range = *both;
-    }
-    return true;
-}
-
-template <class Limits, class Ranges>
-bool containsIn(const Limits &outer, const Limits &inner, const Ranges &ranges)
-{
-    return (outer.codec == 0 || outer.codec == inner.codec) &&
-           isWithin(inner.profiles, outer.profiles) && std::ranges::all_of(ranges, [&](auto range) {
-               return contains(outer.*range, inner.*range);
-           });
-}
-
 } // namespace
 
-std::optional<Range> intersection(Range one, Range other)
+std::optional<Limits> intersection(const Limits &one, const Limits &other)
 {
-    const Range both{std::max(one.least, other.least), lower(one.most, other.most)};
-    if (both.most != 0 && both.least > both.most) return std::nullopt;
+    Limits both = one;
+    if (both.codec == 0) both.codec = other.codec;
+    if (other.codec != 0 && both.codec != other.codec) return std::nullopt;
+    both.profiles = one.profiles & other.profiles;
+    if (one.profiles == 0 || other.profiles == 0)
+        both.profiles = one.profiles | other.profiles;
+    else if (both.profiles == 0)
+        return std::nullopt;
+    for (const auto range : s_Ranges) {
+        const Range left = one.*range, right = other.*range;
+        both.*range = {std::max(left.least, right.least), lower(left.most, right.most)};
+        if ((both.*range).most != 0 && (both.*range).least > (both.*range).most)
+            return std::nullopt;
+    }
+    both.level = lower(one.level, other.level);
+    both.refused |= other.refused;
     return both;
 }
 
@@ -66,31 +52,47 @@ bool contains(Range outer, Range inner)
     return outer.least <= inner.least && isAtMost(inner.most, outer.most);
 }
 
-std::optional<PictureLimits> intersection(const PictureLimits &one, const PictureLimits &other)
+bool contains(const Limits &outer, const Limits &inner)
 {
-    PictureLimits both = one;
-    if (!intersect(both, other, s_PictureRanges)) return std::nullopt;
-    both.level = lower(one.level, other.level);
-    both.refused |= other.refused;
+    const auto isIn = [&](auto range) { return contains(outer.*range, inner.*range); };
+    return (outer.codec == 0 || outer.codec == inner.codec) &&
+           isWithin(inner.profiles, outer.profiles) && isAtMost(inner.level, outer.level) &&
+           (outer.refused & ~inner.refused) == 0 && std::ranges::all_of(s_Ranges, isIn);
+}
+
+void add(Union &all, const Limits &limits)
+{
+    for (const Limits &other : all)
+        if (contains(other, limits)) return;
+    std::erase_if(all, [&](const Limits &other) { return contains(limits, other); });
+    all.push_back(limits);
+}
+
+Union intersection(const Union &one, const Union &other)
+{
+    Union both;
+    for (const Limits &left : one)
+        for (const Limits &right : other)
+            if (const auto common = intersection(left, right)) add(both, *common);
     return both;
 }
 
-bool contains(const PictureLimits &outer, const PictureLimits &inner)
+std::vector<Limits> regionsOf(const std::vector<Limits> &all)
 {
-    return containsIn(outer, inner, s_PictureRanges) && isAtMost(inner.level, outer.level) &&
-           (outer.refused & ~inner.refused) == 0;
-}
-
-std::optional<SoundLimits> intersection(const SoundLimits &one, const SoundLimits &other)
-{
-    SoundLimits both = one;
-    if (!intersect(both, other, s_SoundRanges)) return std::nullopt;
-    return both;
-}
-
-bool contains(const SoundLimits &outer, const SoundLimits &inner)
-{
-    return containsIn(outer, inner, s_SoundRanges);
+    std::vector<Limits> regions;
+    const auto addNew = [&](const Limits &region) {
+        if (std::ranges::find(regions, region) == regions.end()) regions.push_back(region);
+    };
+    std::ranges::for_each(all, addNew);
+    for (const Limits &limits : all)
+        for (std::size_t i = 0; i < regions.size() && regions.size() < kMostRegions; ++i)
+            if (const auto common = intersection(limits, regions[i])) addNew(*common);
+    const auto containing = [&](const Limits &region) {
+        return std::ranges::count_if(
+            all, [&](const Limits &limits) { return contains(limits, region); });
+    };
+    std::ranges::stable_sort(regions, std::ranges::greater{}, containing);
+    return regions;
 }
 
 } // namespace vornak::tool

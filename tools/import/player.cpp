@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fmt/format.h>
 
 namespace vornak::tool {
 
@@ -14,14 +13,6 @@ int originOf(Player &player, const std::string &origin)
     const auto position = known - player.origins.begin();
     if (known == player.origins.end()) player.origins.push_back(origin);
     return static_cast<int>(position);
-}
-
-Note noteAt(Player &player, const std::string &file, int line, const std::string &what)
-{
-    return [&player, file, line, what](Remark::Kind kind, const std::string &reason) {
-        player.remarks.insert(
-            {file, line, kind, what.empty() ? reason : fmt::format("{}: {}", what, reason)});
-    };
 }
 
 std::string shownFileName(const std::string &path)

@@ -3,10 +3,11 @@
 #pragma once
 
 #include <compare>
-#include <functional>
+#include <fmt/format.h>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vornak::tool {
@@ -19,23 +20,21 @@ struct Range {
     bool operator==(const Range &) const = default;
 };
 
-/// The pictures that are taken: those that keep all of these.
-struct PictureLimits {
+/// What is taken of a stream, a picture's or sound's: what keeps all of these.
+struct Limits {
     int codec = 0;    ///< 0: any
     int profiles = 0; ///< bits; 0: any
-    int level = 0;    ///< the highest, as the stream codes it; 0: any
-    Range width, height, bitrate;
+    Range bitrate = {};
+
+    // of pictures
+    int level = 0; ///< the highest, as the stream codes it; 0: any
+    Range width = {}, height = {};
     int refused = 0; ///< play exceptions none of which a picture may have
 
-    bool operator==(const PictureLimits &) const = default;
-};
+    // of sound
+    Range channels = {}, sampleRate = {};
 
-struct SoundLimits {
-    int codec = 0;
-    int profiles = 0;
-    Range channels, bitrate, sampleRate;
-
-    bool operator==(const SoundLimits &) const = default;
+    bool operator==(const Limits &) const = default;
 };
 
 /// A container that is taken, with what is announced of files in it.
@@ -50,8 +49,8 @@ struct Container {
 /// A kind of file that is played: picture and sound keep their limits, in one of the containers. A
 /// player plays a file that fits any of its ways.
 struct Way {
-    std::optional<PictureLimits> picture; ///< none: music
-    SoundLimits sound;
+    std::optional<Limits> picture; ///< none: music
+    Limits sound;
     std::vector<Container> containers;
     std::vector<int> pictureOrigins, soundOrigins; ///< positions in Player::origins
 };
@@ -85,11 +84,37 @@ struct Player {
 /// The position of an origin, which is added if it is new.
 int originOf(Player &player, const std::string &origin);
 
-/// Takes note of what is said more strictly, or not at all. The reason is printable.
-using Note = std::function<void(Remark::Kind kind, const std::string &reason)>;
+/// Takes note of what is said of a line more strictly, or not at all. Reasons are printable.
+class Note {
+public:
+    /// @param what  before each reason; empty: nothing
+    Note(std::set<Remark> &remarks, std::string file, int line, std::string what)
+        : remarks_(&remarks), file_(std::move(file)), line_(line), what_(std::move(what))
+    {}
 
-/// Notes as the player's remarks about a line. @param what  before each reason; empty: nothing
-Note noteAt(Player &player, const std::string &file, int line, const std::string &what);
+    template <class... Args>
+    void leftOut(fmt::format_string<Args...> reason, Args &&...args) const
+    {
+        add(Remark::LeftOut, fmt::format(reason, std::forward<Args>(args)...));
+    }
+
+    template <class... Args>
+    void stricter(fmt::format_string<Args...> reason, Args &&...args) const
+    {
+        add(Remark::Stricter, fmt::format(reason, std::forward<Args>(args)...));
+    }
+
+private:
+    void add(Remark::Kind kind, const std::string &reason) const
+    {
+        remarks_->insert({file_, line_, kind, what_.empty() ? reason : what_ + ": " + reason});
+    }
+
+    std::set<Remark> *remarks_;
+    std::string file_;
+    int line_;
+    std::string what_;
+};
 
 /// The name of a file without its folder, printable.
 std::string shownFileName(const std::string &path);

@@ -73,7 +73,7 @@ private:
     std::string text_;
 };
 
-void addSizes(Attributes &attributes, const PictureLimits &limits)
+void addSizes(Attributes &attributes, const Limits &limits)
 {
     // a size alone limits nothing; there is no picture beyond this
     constexpr int kBeyond = 65535;
@@ -85,32 +85,23 @@ void addSizes(Attributes &attributes, const PictureLimits &limits)
     attributes.addPlain("MINHEIGHT", limits.height.least);
 }
 
-std::string attributesOf(const PictureRule &rule)
+/// What a rule says, of a picture or of sound: limits that it doesn't have are left out.
+std::string attributesOf(const Rule &rule)
 {
-    const PictureLimits &limits = rule.limits;
+    const Limits &limits = rule.limits;
     Attributes attributes;
     attributes.add("NAME", codecText(limits.codec));
     attributes.addBits("PROFILE", profileTexts(limits.profiles, limits.codec));
     attributes.addPlain("LEVEL", limits.level);
     addSizes(attributes, limits);
-    attributes.add("MAXBITRATE", limits.bitrate.most);
-    attributes.add("MINBITRATE", limits.bitrate.least);
-    attributes.addBits("PLAY_EXCEPTION", playExceptionTexts(rule.exceptions));
-    attributes.addPlain("NOTRANSCODE", rule.noTranscode ? 1 : 0);
-    return attributes.text();
-}
-
-std::string attributesOf(const SoundLimits &limits)
-{
-    Attributes attributes;
-    attributes.add("NAME", codecText(limits.codec));
-    attributes.addBits("PROFILE", profileTexts(limits.profiles, limits.codec));
     attributes.addPlain("MAXCHANNELS", limits.channels.most);
     attributes.addPlain("MINCHANNELS", limits.channels.least);
     attributes.addPlain("MAXFREQUENCY", limits.sampleRate.most);
     attributes.addPlain("MINFREQUENCY", limits.sampleRate.least);
     attributes.add("MAXBITRATE", limits.bitrate.most);
     attributes.add("MINBITRATE", limits.bitrate.least);
+    attributes.addBits("PLAY_EXCEPTION", playExceptionTexts(rule.exceptions));
+    attributes.addPlain("NOTRANSCODE", rule.noTranscode ? 1 : 0);
     return attributes.text();
 }
 
@@ -161,7 +152,7 @@ private:
     {
         const std::vector<std::string> types = mimeTypes();
         bool isPnKnown = true, isMimeKnown = true;
-        const auto look = [&](const SoundRule &rule) {
+        const auto look = [&](const Rule &rule) {
             for (const ContainerRule &entry : rule.containers) {
                 const std::string &pn = entry.container.pn, &mime = entry.container.mime;
                 isPnKnown = isPnKnown && (pn.empty() || findDlnaName(pn));
@@ -170,7 +161,7 @@ private:
             }
         };
         std::ranges::for_each(rules.music, look);
-        for (const PictureRule &rule : rules.video) std::ranges::for_each(rule.sounds, look);
+        for (const Rule &rule : rules.video) std::ranges::for_each(rule.sounds, look);
         if (!isPnKnown) addSilencer("unknown-pn");
         if (!isMimeKnown) addSilencer("unknown-mime");
     }
@@ -185,7 +176,6 @@ private:
         text_ += fmt::format("{:{}}{}\n", "", 2 * depth, line);
     }
 
-    template <class Rule>
     void addSection(const char *name, const std::vector<Rule> &rules)
     {
         if (rules.empty()) return;
@@ -194,7 +184,6 @@ private:
         addLine(1, fmt::format("</{}>", name));
     }
 
-    template <class Rule>
     void addRules(std::size_t depth, const std::vector<Rule> &rules)
     {
         for (const Rule &rule : rules) {
@@ -203,14 +192,10 @@ private:
         }
     }
 
-    static bool isRefusal(const PictureRule &rule) { return rule.noTranscode; }
-    static bool isRefusal(const SoundRule &) { return false; }
-
     /// What a rule is for and where it comes from.
-    template <class Rule>
     void addComment(std::size_t depth, const Rule &rule, bool isFirst)
     {
-        std::string text = isRefusal(rule)
+        std::string text = rule.noTranscode
                                ? "Dolby Vision without a base layer is refused: no film fits the "
                                  "sound below, and none is transcoded to it."
                            : isFirst ? "Transcoded to."
@@ -223,26 +208,16 @@ private:
                 fmt::format("<!-- {} -->", wrappedText(inComment(text), kWidth, hang, hang)));
     }
 
-    void addRule(std::size_t depth, const PictureRule &rule)
+    void addRule(std::size_t depth, const Rule &rule)
     {
-        addStart(depth, "VCODEC", attributesOf(rule), rule.option);
+        const char *element = rule.sounds.empty() ? "ACODEC" : "VCODEC";
+        const bool hasOption = !rule.option.empty();
+        addLine(depth, fmt::format("<{}{}{}", element, attributesOf(rule), hasOption ? "" : ">"));
+        if (hasOption) addLine(depth + 4, fmt::format("OPTION=\"{}\">", escaped(rule.option)));
         addRules(depth + 1, rule.sounds);
-        addLine(depth, "</VCODEC>");
-    }
-
-    void addRule(std::size_t depth, const SoundRule &rule)
-    {
-        addStart(depth, "ACODEC", attributesOf(rule.limits), rule.option);
         for (const ContainerRule &entry : rule.containers)
             addLine(depth + 1, fmt::format("<FORMAT{}/>", attributesOf(entry)));
-        addLine(depth, "</ACODEC>");
-    }
-
-    void addStart(std::size_t depth, const char *element, const std::string &attributes,
-                  const std::string &option)
-    {
-        addLine(depth, fmt::format("<{}{}{}", element, attributes, option.empty() ? ">" : ""));
-        if (!option.empty()) addLine(depth + 4, fmt::format("OPTION=\"{}\">", escaped(option)));
+        addLine(depth, fmt::format("</{}>", element));
     }
 
     const Player &player_;

@@ -29,6 +29,8 @@ struct Surrounding {
     bool isMusic;
     int picture; ///< its codec; 0: any
     const std::vector<Wish> &wishes;
+
+    bool concerns(const Wish &wish) const { return wish.isVideo != isMusic; }
 };
 
 bool isMade(int format, int sound, const Surrounding &surrounding)
@@ -47,7 +49,7 @@ bool isMakeable(int format, int sound, const Surrounding &surrounding)
 auto placeOf(int format, int sound, const Surrounding &surrounding)
 {
     const auto wish = std::ranges::find_if(surrounding.wishes, [&](const Wish &each) {
-        return each.isVideo != surrounding.isMusic && each.format == format;
+        return surrounding.concerns(each) && each.format == format;
     });
     return std::tuple(format == 0, !isMakeable(format, sound, surrounding),
                       !isMade(format, sound, surrounding), wish - surrounding.wishes.begin(),
@@ -106,40 +108,35 @@ std::vector<ContainerRule> containersOf(const Ways &ways, int sound, const Surro
     return rules;
 }
 
-/// What a way says of the sound, or of the picture.
-const SoundLimits &limitsIn(const Way &way, const SoundRule *)
-{
-    return way.sound;
-}
-const PictureLimits &limitsIn(const Way &way, const PictureRule *)
+/// What a way says of the picture, or of the sound.
+const Limits &pictureOf(const Way &way)
 {
     return *way.picture;
 }
-template <class Rule>
-const auto &limitsIn(const Way &way)
+const Limits &soundOf(const Way &way)
 {
-    return limitsIn(way, static_cast<const Rule *>(nullptr));
+    return way.sound;
 }
+using StreamOf = const Limits &(*)(const Way &way);
 
 /// The codecs to make rules for, in the ways' order. Where a way takes any, that comes last, and
 /// those that can be made come too: one of them is to be the target.
-template <class Rule>
-std::vector<int> codecsOf(const Ways &ways, const std::vector<int> &makeable)
+std::vector<int> codecsOf(const Ways &ways, StreamOf stream)
 {
     std::vector<int> codecs;
     const auto addNew = [&](int codec) {
         if (codec != 0 && std::ranges::find(codecs, codec) == codecs.end()) codecs.push_back(codec);
     };
-    const auto codecIn = [](const Way *way) { return limitsIn<Rule>(*way).codec; };
+    const auto codecIn = [stream](const Way *way) { return stream(*way).codec; };
     std::ranges::for_each(ways, addNew, codecIn);
     if (std::ranges::find(ways, 0, codecIn) == ways.end()) return codecs;
-    std::ranges::for_each(makeable, addNew);
+    std::ranges::for_each(makeableCodecs(stream == pictureOf), addNew);
     codecs.push_back(0);
     return codecs;
 }
 
 /// As a rule says them: a size alone limits nothing, so it gets a partner that all pictures keep.
-PictureLimits asSaid(PictureLimits limits)
+Limits asSaid(Limits limits)
 {
     if (limits.width.least != 0 || limits.height.least != 0) {
         limits.width.least = std::max(limits.width.least, 1);
@@ -147,18 +144,13 @@ PictureLimits asSaid(PictureLimits limits)
     }
     return limits;
 }
-SoundLimits asSaid(const SoundLimits &limits)
-{
-    return limits;
-}
 
 /// The limits for one codec, each once: of the ways that name it, and of those that name none.
-template <class Rule>
-auto limitsOf(const Ways &ways, int codec)
+std::vector<Limits> limitsOf(const Ways &ways, StreamOf stream, int codec)
 {
-    std::vector<decltype(Rule::limits)> all;
+    std::vector<Limits> all;
     for (const Way *way : ways) {
-        auto limits = asSaid(limitsIn<Rule>(*way));
+        Limits limits = asSaid(stream(*way));
         if (limits.codec != 0 && limits.codec != codec) continue;
         limits.codec = codec;
         if (std::ranges::find(all, limits) == all.end()) all.push_back(limits);
@@ -167,12 +159,11 @@ auto limitsOf(const Ways &ways, int codec)
 }
 
 /// The ways that take all of the region.
-template <class Rule>
-Ways waysOf(const Ways &ways, const decltype(Rule::limits) &region)
+Ways waysOf(const Ways &ways, StreamOf stream, const Limits &region)
 {
     Ways found;
     std::ranges::copy_if(ways, std::back_inserter(found),
-                         [&](const Way *way) { return contains(limitsIn<Rule>(*way), region); });
+                         [&](const Way *way) { return contains(stream(*way), region); });
     return found;
 }
 
@@ -183,20 +174,16 @@ std::set<int> originsOf(const Ways &ways, std::vector<int> Way::*kind)
     return origins;
 }
 
-bool haveSameContent(const SoundRule &one, const SoundRule &other)
+bool haveSameContent(const Rule &one, const Rule &other)
 {
     const auto format = [](const ContainerRule &rule) { return rule.container.format; };
-    return std::ranges::is_permutation(one.containers, other.containers, {}, format, format);
-}
-bool haveSameContent(const PictureRule &one, const PictureRule &other)
-{
-    return std::ranges::equal(one.sounds, other.sounds, [](const auto &left, const auto &right) {
-        return left.limits == right.limits && haveSameContent(left, right);
-    });
+    return std::ranges::is_permutation(one.containers, other.containers, {}, format, format) &&
+           std::ranges::equal(one.sounds, other.sounds, [](const Rule &left, const Rule &right) {
+               return left.limits == right.limits && haveSameContent(left, right);
+           });
 }
 
 /// Whether all that a rule takes finds the same in the rules behind it.
-template <class Rule>
 bool isNeedless(const Rule &rule, const std::vector<Rule> &rules)
 {
     for (const Rule &later : std::span(&rule + 1, rules.data() + rules.size())) {
@@ -208,7 +195,6 @@ bool isNeedless(const Rule &rule, const std::vector<Rule> &rules)
 }
 
 /// Removes rules that nothing gets to, or that make no difference. The first stays, as the target.
-template <class Rule>
 void dropNeedless(std::vector<Rule> &rules)
 {
     for (std::size_t i = rules.size(); i-- > 1;)
@@ -216,75 +202,50 @@ void dropNeedless(std::vector<Rule> &rules)
             rules.erase(rules.begin() + static_cast<std::ptrdiff_t>(i));
 }
 
-/// Whether what would find an earlier rule finds the same in this one.
-template <class Rule>
-bool isAlike(const Rule &earlier, const Rule &rule)
+/// What of a rule may stand before all others, since what would find an earlier one finds the same
+/// in it; nothing: none of it. Of pictures it is those that are larger than what earlier rules
+/// take. A rule that leads is what is transcoded to, and needs both of the greatest sizes or none.
+std::optional<Limits> leadingPart(const Rule &rule, const std::vector<Rule> &rules)
 {
-    return !intersection(earlier.limits, rule.limits) || haveSameContent(earlier, rule);
-}
-
-/// What of a rule may stand before all others; nothing: none of it.
-std::optional<SoundLimits> leadingPart(const SoundRule &rule, const std::vector<SoundRule> &rules)
-{
-    const bool isWhole = std::all_of(
-        rules.data(), &rule, [&](const SoundRule &earlier) { return isAlike(earlier, rule); });
-    return isWhole ? std::optional(rule.limits) : std::nullopt;
-}
-
-/// The same of pictures: those that are larger than what earlier rules take. A rule that leads is
-/// what is transcoded to, and needs both of the greatest sizes or none.
-std::optional<PictureLimits> leadingPart(const PictureRule &rule,
-                                         const std::vector<PictureRule> &rules)
-{
-    PictureRule part = rule;
-    part.limits = withWholeSize(rule.limits);
-    for (const PictureRule *earlier = rules.data(); earlier != &rule; ++earlier) {
-        if (isAlike(*earlier, part)) continue;
+    Limits part = withWholeSize(rule.limits);
+    for (const Rule *earlier = rules.data(); earlier != &rule; ++earlier) {
+        const auto isAlike = [&] {
+            return !intersection(earlier->limits, part) || haveSameContent(*earlier, rule);
+        };
+        if (isAlike()) continue;
         const bool isLower = earlier->limits.height.most != 0;
-        Range &size = isLower ? part.limits.height : part.limits.width;
+        Range &size = isLower ? part.height : part.width;
         size.least = (isLower ? earlier->limits.height : earlier->limits.width).most + 1;
-        if ((size.most != 0 && size.least > size.most) || !isAlike(*earlier, part))
-            return std::nullopt;
+        if ((size.most != 0 && size.least > size.most) || !isAlike()) return std::nullopt;
     }
-    return asSaid(part.limits);
+    return asSaid(part);
 }
 
 /// Whether what the rule takes can be made, and put into its first container.
-bool isTarget(const SoundRule &rule)
+bool isTarget(const Rule &rule)
 {
-    return !rule.option.empty() && !rule.containers.front().noTranscode;
-}
-bool isTarget(const PictureRule &rule)
-{
-    return !rule.option.empty() &&
-           canHold(rule.sounds.front().containers.front().container.format, rule.limits.codec);
-}
-
-auto rankIn(const std::vector<int> &preferred, int codec)
-{
-    return std::ranges::find(preferred, codec) - preferred.begin();
+    if (rule.option.empty()) return false;
+    if (rule.sounds.empty()) return !rule.containers.front().noTranscode;
+    return canHold(rule.sounds.front().containers.front().container.format, rule.limits.codec);
 }
 
 /// The place in the order of targets: what is wished for, then what is preferred anyway.
-auto placeOf(const SoundRule &rule, const Surrounding &surrounding)
+auto placeOf(const Rule &rule, const Surrounding &surrounding)
 {
+    const int codec = rule.limits.codec;
+    const bool ofPicture = isPicture(codec);
     const auto wish = std::ranges::find_if(surrounding.wishes, [&](const Wish &each) {
-        return each.isVideo != surrounding.isMusic && each.sound == rule.limits.codec;
+        return ofPicture ? each.picture == codec
+                         : surrounding.concerns(each) && each.sound == codec;
     });
-    return std::pair(wish - surrounding.wishes.begin(),
-                     rankIn(makeableSounds(), rule.limits.codec));
-}
-auto placeOf(const PictureRule &rule, const Surrounding &surrounding)
-{
-    const auto wish = std::ranges::find(surrounding.wishes, rule.limits.codec, &Wish::picture);
+    const std::vector<int> preferred = makeableCodecs(ofPicture);
     return std::tuple(wish - surrounding.wishes.begin(),
-                      rankIn(makeablePictures(), rule.limits.codec), isLimitedBelow(rule.limits),
-                      -targetArea(rule.limits));
+                      std::ranges::find(preferred, codec) - preferred.begin(),
+                      isLimitedBelow(rule.limits), -targetArea(rule.limits));
 }
 
 /// Puts the best target before all rules, of equals the last, which takes most, and behind it the
 /// rules of its codec. Without a target nothing is left.
-template <class Rule>
 void putTargetFirst(std::vector<Rule> &rules, const Surrounding &surrounding)
 {
     const Rule *best = nullptr;
@@ -304,41 +265,44 @@ void putTargetFirst(std::vector<Rule> &rules, const Surrounding &surrounding)
 
 /// Where no sound can be put into a container that is known to hold the picture as well, any
 /// container that can be made has to do.
-void allowUnusualTargets(std::vector<SoundRule> &rules)
+void allowUnusualTargets(std::vector<Rule> &rules)
 {
-    if (std::ranges::any_of(rules, [](const SoundRule &rule) { return isTarget(rule); })) return;
-    for (SoundRule &rule : rules) {
+    if (std::ranges::any_of(rules, isTarget)) return;
+    for (Rule &rule : rules) {
         ContainerRule &first = rule.containers.front();
         first.noTranscode = first.option.empty();
     }
 }
 
-void leaveOut(Player &player, std::string text)
+/// A note on what the rules made of a player leave out.
+Note noteOf(Player &player, std::string what)
 {
-    player.remarks.insert({{}, 0, Remark::Stricter, std::move(text)});
+    return {player.remarks, {}, 0, std::move(what)};
 }
 
 /// The limits to make rules for.
-template <class Rule>
-auto regions(const Ways &ways, int codec, Player &player)
+std::vector<Limits> regions(const Ways &ways, StreamOf stream, int codec, Player &player)
 {
-    auto found = regionsOf(limitsOf<Rule>(ways, codec));
+    std::vector<Limits> found = regionsOf(limitsOf(ways, stream, codec));
     if (found.size() >= kMostRegions)
-        leaveOut(player, fmt::format("{}: its limits overlap in more ways than rules are made for; "
-                                     "where they do, some files are transcoded",
-                                     codecText(codec)));
+        noteOf(player, codecText(codec))
+            .stricter("its limits overlap in more ways than rules are made for; where they do, "
+                      "some files are transcoded");
     return found;
 }
 
 /// The rules for the sound; none, if none of it can be made.
-std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surrounding, Player &player)
+std::vector<Rule> soundRules(const Ways &ways, const Surrounding &surrounding, Player &player)
 {
-    std::vector<SoundRule> rules;
-    for (const int codec : codecsOf<SoundRule>(ways, makeableSounds()))
-        for (const SoundLimits &region : regions<SoundRule>(ways, codec, player)) {
-            const Ways taking = waysOf<SoundRule>(ways, region);
-            rules.push_back({region, soundOption(region), containersOf(taking, codec, surrounding),
-                             originsOf(taking, &Way::soundOrigins)});
+    std::vector<Rule> rules;
+    for (const int codec : codecsOf(ways, soundOf))
+        for (const Limits &region : regions(ways, soundOf, codec, player)) {
+            const Ways taking = waysOf(ways, soundOf, region);
+            rules.push_back({region,
+                             targetOption(region),
+                             originsOf(taking, &Way::soundOrigins),
+                             containersOf(taking, codec, surrounding),
+                             {}});
         }
     if (!surrounding.isMusic) allowUnusualTargets(rules);
     putTargetFirst(rules, surrounding);
@@ -347,23 +311,21 @@ std::vector<SoundRule> soundRules(const Ways &ways, const Surrounding &surroundi
 }
 
 /// A table for which there is no film, so that a rule without transcoding refuses what it takes.
-std::vector<SoundRule> soundsOfNoFilm()
+std::vector<Rule> soundsOfNoFilm()
 {
-    SoundLimits sound;
-    sound.codec = "pcm_s16le"_codec;
+    const Limits sound{.codec = "pcm_s16le"_codec};
     const int wav = "wav"_container;
-    return {{sound,
-             soundOption(sound),
-             {{{wav, mimeOf(wav, true), {}}, containerOption(wav, sound.codec, true)}},
-             {}}};
+    const ContainerRule container{{wav, mimeOf(wav, true), {}},
+                                  containerOption(wav, sound.codec, true)};
+    return {{sound, targetOption(sound), {}, {container}, {}}};
 }
 
 /// Whether nothing gets past the earlier of two rules with play exceptions. Rules that refuse
 /// different things may come to turn away the same.
-bool covers(const PictureRule &earlier, const PictureRule &rule)
+bool covers(const Rule &earlier, const Rule &rule)
 {
-    PictureLimits outer = earlier.limits;
-    PictureLimits inner = rule.limits;
+    Limits outer = earlier.limits;
+    Limits inner = rule.limits;
     outer.refused = inner.refused = 0;
     return contains(outer, inner) && (earlier.exceptions & ~rule.exceptions) == 0;
 }
@@ -371,15 +333,15 @@ bool covers(const PictureRule &earlier, const PictureRule &rule)
 /// Gives the rules their play exceptions. To turn Dolby Vision away a list would have to name all
 /// that comes with it, ten bits before all, and so turn them away too; ffmpeg could make little of
 /// its colours anyhow. So it is refused, by a rule between two that take the rest.
-std::vector<PictureRule> withExceptions(const std::vector<PictureRule> &rules)
+std::vector<Rule> withExceptions(const std::vector<Rule> &rules)
 {
-    std::vector<PictureRule> all;
-    for (PictureRule rule : rules) {
+    std::vector<Rule> all;
+    for (Rule rule : rules) {
         rule.exceptions = playExceptions(rule.limits);
-        const auto takesAll = [&](const PictureRule &earlier) { return covers(earlier, rule); };
+        const auto takesAll = [&](const Rule &earlier) { return covers(earlier, rule); };
         if (std::ranges::any_of(all, takesAll)) continue;
         all.push_back(rule);
-        const bool isTakenElsewhere = std::ranges::any_of(rules, [&](const PictureRule &other) {
+        const bool isTakenElsewhere = std::ranges::any_of(rules, [&](const Rule &other) {
             return withoutDolbyVision(other.limits) == other.limits &&
                    intersection(other.limits, withoutDolbyVision(rule.limits));
         });
@@ -395,33 +357,34 @@ std::vector<PictureRule> withExceptions(const std::vector<PictureRule> &rules)
     return all;
 }
 
-std::vector<PictureRule> pictureRules(const Ways &ways, Player &player)
+std::vector<Rule> pictureRules(const Ways &ways, Player &player)
 {
-    std::vector<PictureRule> rules;
-    for (const int codec : codecsOf<PictureRule>(ways, makeablePictures()))
-        for (const PictureLimits &region : regions<PictureRule>(ways, codec, player)) {
-            const Ways taking = waysOf<PictureRule>(ways, region);
-            PictureRule rule{region, pictureOption(withWholeSize(region)),
-                             soundRules(taking, {false, codec, player.wishes}, player),
-                             originsOf(taking, &Way::pictureOrigins)};
-            if (!rule.sounds.empty())
-                rules.push_back(std::move(rule));
-            else
-                leaveOut(player, fmt::format("{}: no sound that is played with it can be made, and "
-                                             "every VCODEC needs one; it is transcoded",
-                                             codecText(codec)));
+    std::vector<Rule> rules;
+    for (const int codec : codecsOf(ways, pictureOf))
+        for (const Limits &region : regions(ways, pictureOf, codec, player)) {
+            const Ways taking = waysOf(ways, pictureOf, region);
+            rules.push_back({region,
+                             targetOption(withWholeSize(region)),
+                             originsOf(taking, &Way::pictureOrigins),
+                             {},
+                             soundRules(taking, {false, codec, player.wishes}, player)});
+            if (!rules.back().sounds.empty()) continue;
+            noteOf(player, codecText(codec))
+                .stricter("no sound that is played with it can be made, and every VCODEC needs "
+                          "one; it is transcoded");
+            rules.pop_back();
         }
     putTargetFirst(rules, {false, 0, player.wishes});
     dropNeedless(rules);
     return withExceptions(rules);
 }
 
-template <class Rule>
 void keepAddressable(std::vector<Rule> &rules, const char *element, Player &player)
 {
     if (rules.size() <= kMostRules) return;
-    leaveOut(player, fmt::format("{} {} rules are left out: a list has {} places",
-                                 rules.size() - kMostRules, element, kMostRules));
+    noteOf(player, {})
+        .stricter("{} {} rules are left out: a list has {} places", rules.size() - kMostRules,
+                  element, kMostRules);
     rules.resize(kMostRules);
 }
 
@@ -440,34 +403,31 @@ void takeWhatIsWished(Player &player, bool isVideo)
         if (wish.isVideo != isVideo || wish.sound == 0 || wish.format == 0) continue;
         Way way{std::nullopt, {}, {{wish.format, mimeOf(wish.format, !isVideo), {}}}, {}, {}};
         way.sound.codec = wish.sound;
-        if (isVideo) way.picture = PictureLimits{wish.picture, 0, 0, {0, 1920}, {0, 1080}, {}, 0};
+        if (isVideo)
+            way.picture = Limits{.codec = wish.picture, .width = {0, 1920}, .height = {0, 1080}};
         player.ways.push_back(std::move(way));
     }
-}
-
-void note(Player &player, Remark::Kind kind, bool isVideo, const char *what)
-{
-    player.remarks.insert({{}, 0, kind, fmt::format("{}: {}", isVideo ? "VIDEO" : "MUSIC", what)});
 }
 
 /// Makes the rules of a section. Where nothing of what is played can be made, what is wished for
 /// has to be played as well, since the first rule says both.
 template <class MakeRules>
-auto rulesOfSection(Player &player, bool isVideo, MakeRules make)
+std::vector<Rule> rulesOfSection(Player &player, bool isVideo, MakeRules make)
 {
     const bool isAny = !waysOfKind(player, isVideo).empty();
-    auto rules = make(waysOfKind(player, isVideo));
+    std::vector<Rule> rules = make(waysOfKind(player, isVideo));
     if (!rules.empty()) return rules;
     takeWhatIsWished(player, isVideo);
     rules = make(waysOfKind(player, isVideo));
+    const Note note = noteOf(player, isVideo ? "VIDEO" : "MUSIC");
     if (!rules.empty())
-        note(player, Remark::LeftOut, isVideo,
-             "nothing of what is played as it is can be made; what is wished for is taken as it "
-             "is, too, since the first rule says both");
+        note.leftOut(
+            "nothing of what is played as it is can be made; what is wished for is taken as it "
+            "is, too, since the first rule says both");
     else if (isAny)
-        note(player, Remark::Stricter, isVideo,
-             "ffmpeg makes nothing of what is played, and there is no rule without something to "
-             "transcode to");
+        note.stricter(
+            "ffmpeg makes nothing of what is played, and there is no rule without something to "
+            "transcode to");
     return rules;
 }
 
@@ -486,7 +446,7 @@ DeviceRules makeRules(Player &player)
                                  "is nothing to transcode to, and no profile");
     keepAddressable(rules.music, "ACODEC", player);
     keepAddressable(rules.video, "VCODEC", player);
-    for (PictureRule &rule : rules.video) keepAddressable(rule.sounds, "ACODEC", player);
+    for (Rule &rule : rules.video) keepAddressable(rule.sounds, "ACODEC", player);
     return rules;
 }
 

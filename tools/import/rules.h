@@ -15,18 +15,13 @@ struct ContainerRule {
     bool noTranscode = false; ///< nothing is put into it
 };
 
-struct SoundRule {
-    SoundLimits limits;
+/// A rule for sound, with its containers, or for pictures, with its rules for sound.
+struct Rule {
+    Limits limits;
     std::string option;
+    std::set<int> origins;
     std::vector<ContainerRule> containers;
-    std::set<int> origins;
-};
-
-struct PictureRule {
-    PictureLimits limits;
-    std::string option;
-    std::vector<SoundRule> sounds;
-    std::set<int> origins;
+    std::vector<Rule> sounds;
     int exceptions = 0;       ///< play exceptions
     bool noTranscode = false; ///< what fits it is kept or refused
 };
@@ -34,8 +29,7 @@ struct PictureRule {
 /// Lists whose first rule is what is transcoded to; an empty one: nothing of that kind is played,
 /// or nothing of it can be made.
 struct DeviceRules {
-    std::vector<SoundRule> music;
-    std::vector<PictureRule> video;
+    std::vector<Rule> music, video;
 };
 
 /// Adds to the player's remarks what is left out. Throws a line for the user where there would be

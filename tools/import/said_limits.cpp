@@ -97,9 +97,15 @@ int possibleOddities(int codec, int profiles)
     return isListed ? bits : allOddities();
 }
 
-} // namespace
+/// The oddities that a picture can have of which the limits refuse any; 0: it can have none.
+int refusedAmong(const Limits &limits)
+{
+    const int possible = possibleOddities(limits.codec, limits.profiles);
+    return (limits.refused & possible) != 0 ? possible : 0;
+}
 
-std::optional<SayableRates> sayableRates(Range rates)
+/// The widest range that the list can say and that lies within `rates`; nothing: there is none.
+std::optional<Range> sayableRates(Range rates)
 {
     Range said;
     if (rates.least > 0) {
@@ -113,51 +119,57 @@ std::optional<SayableRates> sayableRates(Range rates)
         said.most = above[-1];
     }
     if (said.most != 0 && said.least > said.most) return std::nullopt;
-    const auto isLost = [&](int rate) { return isIn(rates, rate) && !isIn(said, rate); };
-    return SayableRates{said, std::ranges::none_of(s_Unsayable, isLost)};
+    return said;
 }
 
-Union<SoundLimits> withSayableRates(const Union<SoundLimits> &all, const Note &note)
+/// Whether a rate that is taken can't be said: one that files have, or the only one.
+bool losesRate(Range taken, const std::optional<Range> &said)
 {
-    Union<SoundLimits> sayable;
-    for (SoundLimits limits : all) {
-        const std::optional<SayableRates> rates = sayableRates(limits.sampleRate);
-        if (!rates || !rates->isExact)
-            note(Remark::Stricter, "rules name the usual sample rates alone");
-        if (!rates) continue;
-        limits.sampleRate = rates->range;
+    if (!said && taken.least == taken.most) return true;
+    return std::ranges::any_of(
+        s_Unsayable, [&](int rate) { return isIn(taken, rate) && !(said && isIn(*said, rate)); });
+}
+
+} // namespace
+
+Union withSayableRates(const Union &all, const Note &note)
+{
+    Union sayable;
+    for (Limits limits : all) {
+        const std::optional<Range> said = sayableRates(limits.sampleRate);
+        if (losesRate(limits.sampleRate, said))
+            note.stricter("rules name the usual sample rates alone");
+        if (!said) continue;
+        limits.sampleRate = *said;
         add(sayable, limits);
     }
     return sayable;
 }
 
-Union<PictureLimits> levelsWhere(const std::function<bool(int level)> &isTaken, int codec,
-                                 const Note &note)
+Union levelsWhere(const std::function<bool(int level)> &isTaken, int codec, const Note &note)
 {
-    PictureLimits limits;
+    Limits limits;
     const std::span<const int> known = knownLevels(codec);
     const auto gap = std::ranges::find_if_not(known, isTaken);
     if (gap == known.end()) return {limits};
     if (std::any_of(gap, known.end(), isTaken))
-        note(Remark::Stricter,
-             "a rule limits levels upwards alone, so those above a gap are transcoded");
+        note.stricter("a rule limits levels upwards alone, so those above a gap are transcoded");
     if (gap == known.begin()) return {};
     limits.level = gap[-1];
     return {limits};
 }
 
-Union<PictureLimits> interlacingWhere(bool takesProgressive, bool takesInterlaced,
-                                      const char *otherwise, const Note &note)
+Union interlacingWhere(bool takesProgressive, bool takesInterlaced, const char *otherwise,
+                       const Note &note)
 {
     if (takesProgressive) return refusing(takesInterlaced ? "" : "interlaced");
-    note(Remark::Stricter,
-         fmt::format("no rule can turn away progressive pictures alone, {}", otherwise));
+    note.stricter("no rule can turn away progressive pictures alone, {}", otherwise);
     return {};
 }
 
-Union<PictureLimits> refusing(const char *oddities)
+Union refusing(const char *oddities)
 {
-    PictureLimits limits;
+    Limits limits;
     limits.refused = playExceptionsNamed(oddities);
     return {limits};
 }
@@ -177,26 +189,24 @@ bool hasRateBetween(int codec, int above, int below)
     return below - above > 1;
 }
 
-int playExceptions(const PictureLimits &limits)
+int playExceptions(const Limits &limits)
 {
-    const int possible = possibleOddities(limits.codec, limits.profiles);
-    return (limits.refused & possible) != 0 ? allOddities() : limits.refused;
+    return refusedAmong(limits) != 0 ? allOddities() : limits.refused;
 }
 
-int alsoTurnedAway(const PictureLimits &limits)
+int alsoTurnedAway(const Limits &limits)
 {
-    const int possible = possibleOddities(limits.codec, limits.profiles);
-    return (limits.refused & possible) != 0 ? possible & ~limits.refused : 0;
+    return refusedAmong(limits) & ~limits.refused;
 }
 
-PictureLimits withoutDolbyVision(const PictureLimits &limits)
+Limits withoutDolbyVision(const Limits &limits)
 {
-    PictureLimits without = limits;
+    Limits without = limits;
     without.refused &= ~playExceptionsNamed("dolby_vision");
     return without;
 }
 
-bool isForDolbyVision(const PictureLimits &limits)
+bool isForDolbyVision(const Limits &limits)
 {
     return (alsoTurnedAway(limits) & ~alsoTurnedAway(withoutDolbyVision(limits))) != 0;
 }
@@ -206,7 +216,7 @@ int allButDolbyVision()
     return allOddities() & ~playExceptionsNamed("dolby_vision");
 }
 
-std::vector<PictureLimits> splitByOddities(const PictureLimits &limits)
+std::vector<Limits> splitByOddities(const Limits &limits)
 {
     int without = 0;
     int with = 0;
@@ -217,28 +227,26 @@ std::vector<PictureLimits> splitByOddities(const PictureLimits &limits)
         ((limits.refused & possible) == 0 ? without : with) |= row.bit;
     }
     if (without == 0 || with == 0) return {limits};
-    PictureLimits plain = limits;
-    PictureLimits odd = limits;
+    Limits plain = limits;
+    Limits odd = limits;
     plain.profiles = without;
     odd.profiles = with;
     return {plain, odd};
 }
 
-void noteOddities(const PictureLimits &limits, const Note &note)
+void noteOddities(const Limits &limits, const Note &note)
 {
-    const std::string profiles =
-        limits.profiles == 0
-            ? ""
-            : fmt::format(" ({})", fmt::join(profileTexts(limits.profiles, limits.codec), ", "));
-    const std::string what = codecText(limits.codec) + profiles;
-    if (isForDolbyVision(limits))
-        note(Remark::Stricter, what + " with dolby_vision is refused, and not transcoded either");
-    const PictureLimits rest = isForDolbyVision(limits) ? withoutDolbyVision(limits) : limits;
+    std::string what = codecText(limits.codec);
+    if (limits.profiles != 0)
+        what += fmt::format(" ({})", fmt::join(profileTexts(limits.profiles, limits.codec), ", "));
+    const bool refusesDolbyVision = isForDolbyVision(limits);
+    if (refusesDolbyVision)
+        note.stricter("{} with dolby_vision is refused, and not transcoded either", what);
+    const Limits rest = refusesDolbyVision ? withoutDolbyVision(limits) : limits;
     if (const int others = alsoTurnedAway(rest); others != 0)
-        note(Remark::Stricter,
-             fmt::format("to turn away {} with {} a rule has to turn away what has {} alone, too",
-                         what, fmt::join(playExceptionTexts(rest.refused), ", "),
-                         fmt::join(playExceptionTexts(others), ", ")));
+        note.stricter("to turn away {} with {} a rule has to turn away what has {} alone, too",
+                      what, fmt::join(playExceptionTexts(rest.refused), ", "),
+                      fmt::join(playExceptionTexts(others), ", "));
 }
 
 } // namespace vornak::tool

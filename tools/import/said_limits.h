@@ -2,61 +2,49 @@
 #pragma once
 
 #include "tools/import/limits.h"
-#include "tools/import/names.h"
 
 #include <functional>
-
-#include <optional>
 #include <vector>
 
 namespace vornak::tool {
 
-struct SayableRates {
-    Range range;
-    bool isExact; ///< whether no rate that files have is lost
-};
-
-/// The widest range that the list can say and that lies within `rates`; nothing: there is none.
-std::optional<SayableRates> sayableRates(Range rates);
-
-/// The union as rules can say it.
-Union<SoundLimits> withSayableRates(const Union<SoundLimits> &all, const Note &note);
+/// The union as rules can say it: with the usual sample rates.
+Union withSayableRates(const Union &all, const Note &note);
 
 /// The levels of a codec that are taken, of which a rule says the highest. The codec's are known.
-Union<PictureLimits> levelsWhere(const std::function<bool(int level)> &isTaken, int codec,
-                                 const Note &note);
+Union levelsWhere(const std::function<bool(int level)> &isTaken, int codec, const Note &note);
 
 /// What progressive and interlaced pictures are taken. @param otherwise  what comes of it if the
 /// former aren't
-Union<PictureLimits> interlacingWhere(bool takesProgressive, bool takesInterlaced,
-                                      const char *otherwise, const Note &note);
+Union interlacingWhere(bool takesProgressive, bool takesInterlaced, const char *otherwise,
+                       const Note &note);
 
 /// All but pictures with one of the oddities, which bars separate.
-Union<PictureLimits> refusing(const char *oddities);
+Union refusing(const char *oddities);
 
 /// Whether streams of the codec can have a sample rate between the two.
 bool hasRateBetween(int codec, int above, int below);
 
 /// The list by which a rule takes no source with any oddity in `limits.refused`.
-int playExceptions(const PictureLimits &limits);
+int playExceptions(const Limits &limits);
 
 /// What a source can have that turns it away although it isn't refused.
-int alsoTurnedAway(const PictureLimits &limits);
+int alsoTurnedAway(const Limits &limits);
 
 /// Whether it is for Dolby Vision's sake that the list has to name other things.
-bool isForDolbyVision(const PictureLimits &limits);
+bool isForDolbyVision(const Limits &limits);
 
 /// The limits without what they say of Dolby Vision.
-PictureLimits withoutDolbyVision(const PictureLimits &limits);
+Limits withoutDolbyVision(const Limits &limits);
 
 /// The list of a rule that takes nothing but what has Dolby Vision, or nothing odd.
 int allButDolbyVision();
 
 /// The limits in two parts where some profiles can't have what is refused: the rule for those
 /// needn't turn away anything else.
-std::vector<PictureLimits> splitByOddities(const PictureLimits &limits);
+std::vector<Limits> splitByOddities(const Limits &limits);
 
 /// Tells what else rules turn away on account of what is refused.
-void noteOddities(const PictureLimits &limits, const Note &note);
+void noteOddities(const Limits &limits, const Note &note);
 
 } // namespace vornak::tool

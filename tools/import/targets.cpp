@@ -88,7 +88,7 @@ struct Size {
 };
 
 /// The size that a made picture has at most.
-Size targetSize(const PictureLimits &limits)
+Size targetSize(const Limits &limits)
 {
     Size size{1920, 1080};
     for (const auto &row : s_LevelSizes) {
@@ -107,7 +107,7 @@ struct Rates {
 };
 
 /// The bit rates of a made picture, or nothing where none is taken.
-std::optional<Rates> targetRates(const PictureLimits &limits, Size size)
+std::optional<Rates> targetRates(const Limits &limits, Size size)
 {
     const int area = size.width * size.height;
     Rates rates = area > 1280 * 720  ? Rates{8'000'000, 12'000'000}
@@ -127,7 +127,7 @@ std::optional<Rates> targetRates(const PictureLimits &limits, Size size)
 
 /// The filter that fits a picture into the size, keeps its shape and never enlarges it. The sum is
 /// the smaller of two numbers, without the comma that would end a filter.
-std::string scaleFilter(const PictureLimits &limits, Size size)
+std::string scaleFilter(const Limits &limits, Size size)
 {
     if (isLimitedBelow(limits)) return fmt::format("scale={}:{}", size.width, size.height);
     return fmt::format("scale=(iw+{0}-abs(iw-{0}))/2:(ih+{1}-abs(ih-{1}))/2"
@@ -135,21 +135,15 @@ std::string scaleFilter(const PictureLimits &limits, Size size)
                        size.width, size.height);
 }
 
-std::string filters(const PictureLimits &limits, Size size)
+std::string filters(const Limits &limits, Size size)
 {
     const bool needsSteadyRate = (playExceptions(limits) & playExceptionsNamed("vfr")) != 0;
     return fmt::format(" -vf yadif=deint=1,{}{}", needsSteadyRate ? "fps=source_fps," : "",
                        scaleFilter(limits, size));
 }
 
-const PictureEncoder *findPictureEncoder(int codec)
-{
-    const auto *const row = std::ranges::find(s_PictureEncoders, codec, &PictureEncoder::codec);
-    return row == std::end(s_PictureEncoders) ? nullptr : row;
-}
-
 /// The option for the first profile that is taken; null: none is.
-const char *findProfileOption(const PictureEncoder &encoder, const PictureLimits &limits)
+const char *findProfileOption(const PictureEncoder &encoder, const Limits &limits)
 {
     for (const ProfileOption &row : encoder.profiles) {
         if (!row.profile) break;
@@ -162,7 +156,7 @@ const char *findProfileOption(const PictureEncoder &encoder, const PictureLimits
 }
 
 /// Empty: the encoder chooses by itself. Nothing: it can't keep the limit.
-std::optional<std::string> levelOption(const PictureLimits &limits)
+std::optional<std::string> levelOption(const Limits &limits)
 {
     if (limits.codec != "h264"_codec) return "";
     const int level = limits.level == 0 ? 41 : std::min(limits.level, 41);
@@ -241,7 +235,19 @@ int losslessBitrate(int codec, int channels, int rate)
     return channels * rate * bits;
 }
 
-std::string soundOptionBy(const SoundEncoder &encoder, const SoundLimits &limits)
+std::string pictureOption(const PictureEncoder &encoder, const Limits &limits)
+{
+    const char *profile = findProfileOption(encoder, limits);
+    const std::optional<std::string> level = levelOption(limits);
+    const Size size = targetSize(limits);
+    const std::optional<Rates> rates = targetRates(limits, size);
+    if (!profile || !level || !rates) return {};
+    return fmt::format("{}{}{} -b:v {} -maxrate {} -bufsize {}{}", encoder.option, profile, *level,
+                       bitrateText(rates->usual), bitrateText(rates->most),
+                       bitrateText(rates->most), filters(limits, size));
+}
+
+std::string soundOption(const SoundEncoder &encoder, const Limits &limits)
 {
     if (limits.profiles != 0 && (limits.profiles & profilesNamed(encoder.profile)) == 0) return {};
     const int channels = targetChannels(encoder, limits.channels);
@@ -263,56 +269,41 @@ std::string soundOptionBy(const SoundEncoder &encoder, const SoundLimits &limits
 
 } // namespace
 
-std::string pictureOption(const PictureLimits &limits)
+std::string targetOption(const Limits &limits)
 {
-    const PictureEncoder *encoder = findPictureEncoder(limits.codec);
-    if (!encoder) return {};
-    const char *profile = findProfileOption(*encoder, limits);
-    const std::optional<std::string> level = levelOption(limits);
-    const Size size = targetSize(limits);
-    const std::optional<Rates> rates = targetRates(limits, size);
-    if (!profile || !level || !rates) return {};
-    return fmt::format("{}{}{} -b:v {} -maxrate {} -bufsize {}{}", encoder->option, profile, *level,
-                       bitrateText(rates->usual), bitrateText(rates->most),
-                       bitrateText(rates->most), filters(limits, size));
-}
-
-std::string soundOption(const SoundLimits &limits)
-{
+    for (const PictureEncoder &encoder : s_PictureEncoders)
+        if (limits.codec == encoder.codec) return pictureOption(encoder, limits);
     for (const SoundEncoder &encoder : soundEncoders())
-        if (limits.codec == encoder.codec) return soundOptionBy(encoder, limits);
+        if (limits.codec == encoder.codec) return soundOption(encoder, limits);
     return {};
 }
 
-std::vector<int> makeablePictures()
+std::vector<int> makeableCodecs(bool ofPictures)
 {
     std::vector<int> codecs;
-    std::ranges::transform(s_PictureEncoders, std::back_inserter(codecs), &PictureEncoder::codec);
+    const auto addCodec = [&](const auto &encoder) { codecs.push_back(encoder.codec); };
+    if (ofPictures)
+        std::ranges::for_each(s_PictureEncoders, addCodec);
+    else
+        std::ranges::for_each(soundEncoders(), addCodec);
     return codecs;
 }
 
-std::vector<int> makeableSounds()
-{
-    std::vector<int> codecs;
-    std::ranges::transform(soundEncoders(), std::back_inserter(codecs), &SoundEncoder::codec);
-    return codecs;
-}
-
-bool isLimitedBelow(const PictureLimits &limits)
+bool isLimitedBelow(const Limits &limits)
 {
     constexpr int kSmallest = 16; // that there is
     return limits.width.least > kSmallest || limits.height.least > kSmallest;
 }
 
-int targetArea(const PictureLimits &limits)
+int targetArea(const Limits &limits)
 {
     const Size size = targetSize(limits);
     return size.width * size.height;
 }
 
-PictureLimits withWholeSize(const PictureLimits &limits)
+Limits withWholeSize(const Limits &limits)
 {
-    PictureLimits whole = limits;
+    Limits whole = limits;
     const bool isHalf = (limits.width.most == 0) != (limits.height.most == 0);
     if (!isHalf) return whole;
     const Size size = targetSize(limits);

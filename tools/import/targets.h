@@ -8,22 +8,20 @@
 
 namespace vornak::tool {
 
-/// Empty: ffmpeg makes nothing that the limits take.
-std::string pictureOption(const PictureLimits &limits);
-std::string soundOption(const SoundLimits &limits);
+/// How a picture, or sound, is made. Empty: ffmpeg makes nothing that the limits take.
+std::string targetOption(const Limits &limits);
 
 /// Codecs that ffmpeg makes, the preferred first.
-std::vector<int> makeablePictures();
-std::vector<int> makeableSounds();
+std::vector<int> makeableCodecs(bool ofPictures);
 
 /// Whether small pictures are not taken.
-bool isLimitedBelow(const PictureLimits &limits);
+bool isLimitedBelow(const Limits &limits);
 
 /// How large a picture is that is made, in pixels.
-int targetArea(const PictureLimits &limits);
+int targetArea(const Limits &limits);
 
 /// Limits for a rule that is transcoded to: as these, but where only one of the two greatest sizes
 /// is limited, the other as well. The limits are handed to the transcoder as a pair.
-PictureLimits withWholeSize(const PictureLimits &limits);
+Limits withWholeSize(const Limits &limits);
 
 } // namespace vornak::tool
