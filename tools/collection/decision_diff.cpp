@@ -6,7 +6,7 @@
 
 namespace vornak::tool {
 
-std::size_t diffDecisions(const std::vector<MatrixColumn> &both, const MediaNames &media)
+bool areDecidedAlike(const std::vector<MatrixColumn> &both, const MediaNames &media)
 {
     useColours(ColourUse::Never);
     const DecisionRequest request;
@@ -21,10 +21,12 @@ std::size_t diffDecisions(const std::vector<MatrixColumn> &both, const MediaName
             writeOut(text);
             changed += !text.empty();
         });
-    writeOut(fmt::format("{}{} {}: {} decided alike, {} otherwise\n", changed > 0 ? "\n" : "",
-                         totals.files, totals.files == 1 ? "file" : "files", totals.files - changed,
-                         changed));
-    return changed;
+    const std::string unreadable =
+        totals.unreadable > 0 ? fmt::format(", {} unreadable", totals.unreadable) : "";
+    writeOut(fmt::format("{}{} {}: {} decided alike, {} otherwise{}\n", changed > 0 ? "\n" : "",
+                         totals.files, totals.files == 1 ? "file" : "files",
+                         totals.files - changed - totals.unreadable, changed, unreadable));
+    return changed + totals.unreadable == 0;
 }
 
 } // namespace vornak::tool

@@ -3,13 +3,12 @@
 
 #include "tools/collection/matrix.h"
 
-#include <cstddef>
 #include <vector>
 
 namespace vornak::tool {
 
-/// Prints each file whose decision changes, and the sum. Returns how many files they are.
+/// Prints each file whose decision changes, and the sum. False: some does, or can't be read.
 /// @param both  the profile before and the one after
-std::size_t diffDecisions(const std::vector<MatrixColumn> &both, const MediaNames &media);
+bool areDecidedAlike(const std::vector<MatrixColumn> &both, const MediaNames &media);
 
 } // namespace vornak::tool

@@ -32,7 +32,8 @@ Examples:
       whose decision changes, and why
   vornak profile diff --json old.xml new.xml | jq -r '.differences[].attribute'
 
-Exit status: 0 no difference, 1 some, 2 bad usage or a profile that can't be loaded.
+Exit status: 0 no difference, 1 some or media that can't be read, 2 bad usage or a profile that
+can't be loaded.
 )";
 
 struct DiffOptions {
@@ -159,7 +160,7 @@ int runDecisionDiff(const DiffOptions &options)
     checkMedia(options.media, options.left == "-" || options.right == "-");
     const std::vector<MatrixColumn> both = loadColumns({options.left, options.right});
     if (lacksPlayer(both)) return kUnusable; // which has been said
-    return diffDecisions(both, options.media) > 0 ? kIncomplete : kDone;
+    return areDecidedAlike(both, options.media) ? kDone : kIncomplete;
 }
 
 int runProfileDiff(const DiffOptions &options)

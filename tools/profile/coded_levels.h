@@ -30,4 +30,31 @@ constexpr const LevelScale *levelScaleOf(int codecId)
     return row == std::end(s_LevelScales) ? nullptr : row;
 }
 
+/// The levels of AV1 count four to each whole one from 2.0 on; written in tenths, 51 for 5.1.
+constexpr int codedAv1Level(int written)
+{
+    return (written / 10 - 2) * 4 + written % 10;
+}
+constexpr int writtenAv1Level(int coded)
+{
+    constexpr int kLast = 23; // 7.3; what lies above stands for none
+    const int level = std::min(coded, kLast);
+    return (level / 4 + 2) * 10 + level % 4;
+}
+static_assert(codedAv1Level(51) == 13 && writtenAv1Level(13) == 51);
+
+struct NamedLevel {
+    int coded;
+    const char *name;
+};
+inline constexpr NamedLevel s_Mpeg2Levels[] = {
+    {4, "High"}, {6, "High 1440"}, {8, "Main"}, {10, "Low"}};
+
+/// Of a codec whose levels have names, and count backwards.
+constexpr std::span<const NamedLevel> levelNamesOf(int codecId)
+{
+    if (codecId != "mpeg2video"_codec) return {};
+    return s_Mpeg2Levels;
+}
+
 } // namespace vornak::tool

@@ -1,29 +1,21 @@
 #include "tools/profile/profile_words.h"
 
-#include "tools/profile/coded_levels.h"
 #include "tools/profile/profile_session.h"
-#include "tools/profile/rule_text.h"
+#include "tools/profile/rule_words.h"
 #include "tools/profile/spoken_names.h"
 #include "tools/terminal/output.h"
 #include "tools/terminal/printable.h"
 #include "tools/terminal/wrapped_text.h"
 
 #include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <map>
+#include <span>
 #include <utility>
 
 namespace vornak::tool {
 namespace {
-
-using Words = std::vector<std::string>;
-
-/// "a", "a or b", "a, b or c".
-std::string listed(const Words &words, const char *last)
-{
-    std::string text;
-    for (std::size_t i = 0; i < words.size(); ++i)
-        text += (i == 0 ? "" : i + 1 == words.size() ? last : ", ") + words[i];
-    return text;
-}
 
 std::string capitalised(std::string sentence)
 {
@@ -31,281 +23,258 @@ std::string capitalised(std::string sentence)
     return sentence;
 }
 
-void addNew(Words &words, const std::string &word)
+/// The rules that a stream can get to: none stands behind the wildcard.
+template <class Rule>
+std::span<const Rule> reachable(const Rule *table)
 {
-    if (std::ranges::find(words, word) == words.end()) words.push_back(word);
-}
-
-/// A number in thousandths, as short as it can be: "44.1" for 44100.
-std::string inThousands(int number)
-{
-    return fmt::format("{:g}", number / 1000.0);
-}
-
-/// A value of a limit, and what it is counted in.
-struct Quantity {
-    std::string number, unit;
-};
-
-Quantity quantityOf(Unit unit, int value, int codec)
-{
-    switch (unit) {
-    case Unit::Level: {
-        const LevelScale *scale = levelScaleOf(codec);
-        return {scale ? fmt::format("level {:.1f}", value * 1.0 / scale->factor)
-                      : fmt::format("level {}", value),
-                ""};
-    }
-    case Unit::Channels:
-        return {std::to_string(value), value == 1 ? " channel" : " channels"};
-    case Unit::SampleRate:
-        return {inThousands(value), " kHz"};
-    case Unit::BitRate:
-        return value < 1'000'000 ? Quantity{inThousands(value), " kbit/s"}
-                                 : Quantity{fmt::format("{:g}", value / 1e6), " Mbit/s"};
-    case Unit::Pixels:
-        return {std::to_string(value), " pixels"};
-    default:
-        return {std::to_string(value), ""};
-    }
-}
-
-/// What a rule takes of something that can be measured.
-struct Measure {
-    Quantity least, most; ///< empty: no end
-};
-
-/// A pair of sizes. Where one is beyond all pictures, or below, it is the other that counts.
-Quantity sizeOf(int width, int height)
-{
-    constexpr int kBeyond = 65535;
-    if (width <= 0 || height <= 0) return {}; // one alone limits nothing
-    const bool isWidth = width > 1 && width<kBeyond, isHeight = height> 1 && height < kBeyond;
-    if (!isWidth && !isHeight) return {};
-    if (!isWidth) return {std::to_string(height), " pixels in height"};
-    if (!isHeight) return {std::to_string(width), " pixels in width"};
-    return {fmt::format("{}×{}", width, height), ""};
-}
-
-/// The phrases of a rule.
-struct Phrases {
-    Words profiles, upTo, others, exceptions;
-};
-
-template <class Rule, class Source>
-void addBound(const Property<Rule, Source> &property, const Rule &rule, Phrases &phrases)
-{
-    const int limit = property.in(rule);
-    if (property.unit == Unit::ExceptionBits) {
-        for (const std::string &name : playExceptionTexts(limit))
-            phrases.exceptions.push_back(spokenException(name));
-    } else if (limit <= 0) {
-        return;
-    } else if (property.unit == Unit::ProfileBits && limit != allProfilesOf(idOf(rule))) {
-        for (const std::string &name : profileTexts(limit, idOf(rule)))
-            phrases.profiles.push_back(spokenProfile(name));
-    }
-}
-
-/// The other end of what a property bounds; null: it has none.
-template <class Rule, class Source>
-const Property<Rule, Source> *otherEnd(const Property<Rule, Source> &property, const Rule &rule)
-{
-    for (const auto *other : shownOf(rule))
-        if (other != &property && other->bounded == property.bounded && property.bounded)
-            return other;
-    return nullptr;
-}
-
-/// Upper ends are told together, ranges apart.
-void addMeasure(const Measure &measure, Phrases &phrases)
-{
-    const auto &[least, most] = measure;
-    if (!least.number.empty() && !most.number.empty() && least.unit == most.unit) {
-        phrases.others.push_back(
-            least.number == most.number
-                ? fmt::format("exactly {}{}", most.number, most.unit)
-                : fmt::format("{} to {}{}", least.number, most.number, most.unit));
-        return;
-    }
-    if (!most.number.empty()) phrases.upTo.push_back(most.number + most.unit);
-    if (!least.number.empty())
-        phrases.others.push_back(fmt::format("at least {}{}", least.number, least.unit));
+    const auto rules = recordsOf(table);
+    const auto any =
+        std::ranges::find(rules, kAnyCodec, [](const Rule &rule) { return idOf(rule); });
+    return rules.first(any == rules.end() ? rules.size() : any - rules.begin() + 1);
 }
 
 template <class Rule>
-void addSizes(const Rule &rule, Phrases &phrases)
+bool takesAll(const Rule *table)
 {
-    Measure size;
-    int tolerance = 0;
-    for (const auto &row : comparisonsOf(rule)) {
-        if (!row.second) continue;
-        const Quantity pair = sizeOf(row.first->in(rule), row.second->in(rule));
-        (row.first->bound == Bound::AtMost ? size.most : size.least) = pair;
-        tolerance = std::max(tolerance, row.closeness->in(rule));
-    }
-    if (tolerance <= 0) return addMeasure(size, phrases);
-    for (const Quantity &pair : {size.most, size.least}) // which are met, not kept
-        if (!pair.number.empty())
-            addNew(phrases.others,
-                   fmt::format("within {} pixels of {}{}", tolerance, pair.number, pair.unit));
+    const auto rules = reachable(table);
+    return !rules.empty() && idOf(rules.back()) == kAnyCodec;
 }
 
-/// All that a rule asks, each row once, the two ends of one thing together.
-template <class Rule>
-Phrases phrasesOf(const Rule &rule)
+const ContainerEntry *firstEntry(const AudioRule &rule)
 {
-    Phrases phrases;
-    bool hasSizes = false;
-    for (const auto *property : shownOf(rule)) {
-        if (property->unit == Unit::Pixels) {
-            if (!std::exchange(hasSizes, true)) addSizes(rule, phrases);
-        } else if (property->bound == Bound::AtMost || property->bound == Bound::AtLeast) {
-            const auto *other = otherEnd(*property, rule);
-            if (other && other < property) continue; // said with the first of the two
-            Measure measure;
-            for (const auto *end : {property, other})
-                if (end && end->in(rule) > (end->bound == Bound::AtLeast ? 1 : 0))
-                    (end->bound == Bound::AtMost ? measure.most : measure.least) =
-                        quantityOf(end->unit, end->in(rule), idOf(rule));
-            addMeasure(measure, phrases);
-        } else if (property->bound != Bound::None) {
-            addBound(*property, rule, phrases);
-        }
-    }
-    return phrases;
+    return recordAt<ContainerEntry>(rule.pFormatTable, 0);
 }
 
-bool isForbidden(const VideoRule &rule)
+bool takesAllContainers(const AudioRule &rule)
 {
-    return rule.noTranscode == 1;
-}
-bool isForbidden(const AudioRule &)
-{
-    return false; // where it has no effect
+    return std::ranges::count(recordsOf<ContainerEntry>(rule.pFormatTable), kAnyContainer,
+                              &ContainerEntry::formatId) > 0;
 }
 
-/// "H.264 Main or High, up to level 4.1, 1920×1080 and 25 Mbit/s, but not interlaced".
-template <class Rule>
-std::string ruleText(const Rule &rule)
+/// Whether nothing may be transcoded into the rule's first container: one flag alone forbids to
+/// remux into it, and no more.
+bool isNeverMade(const AudioRule &rule)
 {
-    if (idOf(rule) == kAnyCodec) return "any other codec"; // which heeds no limits
-    std::string text = spokenCodec(idOf(rule));
-    const Phrases phrases = phrasesOf(rule);
-    Words parts;
-    if (!phrases.profiles.empty()) text += ' ' + listed(phrases.profiles, " or ");
-    if (!phrases.upTo.empty()) parts.push_back("up to " + listed(phrases.upTo, " and "));
-    parts.insert(parts.end(), phrases.others.begin(), phrases.others.end());
-    if (!phrases.exceptions.empty())
-        parts.push_back("but not " + listed(phrases.exceptions, " or "));
-    if (isForbidden(rule)) parts.emplace_back("sent as it is or not at all");
-    for (const std::string &part : parts) text += (&part == &parts.front() ? " " : ", ") + part;
-    return text;
+    const ContainerEntry *entry = firstEntry(rule);
+    return entry && entry->noTranscode == 1 && entry->nonSeekable == 1;
 }
 
+bool refusesOthers(const AudioRule *table)
+{
+    return isNeverMade(recordsOf(table).front());
+}
+
+/// What becomes of a stream that the rule takes in a container that it doesn't.
+enum class Elsewhere { Remuxed, Converted, Refused, Nowhere };
+
+Elsewhere elsewhere(const AudioRule &rule, const AudioRule *table)
+{
+    const ContainerEntry *entry = firstEntry(rule);
+    if (!entry || takesAllContainers(rule)) return Elsewhere::Nowhere;
+    if (entry->noTranscode != 1) return Elsewhere::Remuxed;
+    if (refusesOthers(table)) return Elsewhere::Refused;
+    // nothing is encoded for a wildcard: what it makes is a copy
+    return idOf(*table) == kAnyCodec ? Elsewhere::Remuxed : Elsewhere::Converted;
+}
+
+/// "MP4 or any other container"; what stands behind those that take any is never chosen.
 std::string containersText(const AudioRule &rule)
 {
     Words names;
-    for (const ContainerEntry &entry : recordsOf(rule.pFormatTable))
+    for (const ContainerEntry &entry : recordsOf<ContainerEntry>(rule.pFormatTable)) {
         addNew(names, spokenContainer(entry.formatId));
+        if (entry.formatId == kAnyContainer) break;
+    }
     if (names.empty()) return "no container";
-    return names.size() == 1 && names.front() == spokenContainer(kAnyContainer)
-               ? "any container"
-               : listed(names, " or ");
+    return names.front() == spokenContainer(kAnyContainer) ? "any container"
+                                                           : listed(names, " or ");
 }
 
-std::string soundsIn(const AudioRule &rule)
+std::string innerText(const AudioRule &rule, const AudioRule *table)
 {
-    return containersText(rule);
+    const Elsewhere end = elsewhere(rule, table);
+    return containersText(rule) + (end == Elsewhere::Converted ? ", else converted"
+                                   : end == Elsewhere::Refused ? ", else not sent"
+                                                               : "");
 }
 
-/// The sound of a video rule: "AC-3 up to 6 channels, in MP4 or MPEG-TS; ...".
+/// The sound of a video rule: "AC-3 up to 6 channels, in MP4 or MPEG-TS. ...".
 std::string soundsOf(const AudioRule *table);
 
-std::string soundsIn(const VideoRule &rule)
+std::string innerText(const VideoRule &rule, const VideoRule *)
 {
-    return soundsOf(rule.pAudioTable);
+    const AudioRule *sounds = rule.pAudioTable;
+    const bool refuses = !recordsOf(sounds).empty() && !takesAll(sounds) && refusesOthers(sounds);
+    return soundsOf(sounds) +
+           (refuses && !isForbidden(rule) ? ". With other sound it isn't sent" : "");
 }
 
-/// Rules that share what belongs to them are told together, whatever stands between them.
+/// Rules that share what belongs to them, and that the order of the page leaves as they are.
+template <class Rule>
 struct Group {
-    Words rules;
+    std::vector<const Rule *> rules;
     std::string inner;
+
+    bool hasCodecOf(const Rule &rule) const
+    {
+        return idOf(rule) == kAnyCodec ||
+               std::ranges::any_of(rules, [&](auto *one) { return idOf(*one) == idOf(rule); });
+    }
+    std::string text(const Rule *table) const
+    {
+        Words words;
+        for (const Rule *rule : rules)
+            addNew(words, ruleWords(*rule, rule == table ? "any codec" : "anything else"));
+        return fmt::format("{}", fmt::join(words, "; "));
+    }
 };
 
+/// A rule is told with those before it unless one in between may take what it would.
 template <class Rule>
-std::vector<Group> groupsOf(const Rule *table)
+std::vector<Group<Rule>> groupsOf(const Rule *table)
 {
-    std::vector<Group> groups;
-    for (const Rule &rule : recordsOf(table)) {
-        const std::string inner = soundsIn(rule);
-        auto group = std::ranges::find(groups, inner, &Group::inner);
-        if (group == groups.end()) group = groups.insert(group, {{}, inner});
-        const bool isAll = &rule == table && idOf(rule) == kAnyCodec;
-        addNew(group->rules, isAll ? "any codec" : ruleText(rule));
+    std::vector<Group<Rule>> groups;
+    for (const Rule &rule : reachable(table)) {
+        const std::string inner = innerText(rule, table);
+        auto group = groups.rbegin();
+        while (group != groups.rend() && group->inner != inner && !group->hasCodecOf(rule)) ++group;
+        if (group != groups.rend() && group->inner == inner)
+            group->rules.push_back(&rule);
+        else
+            groups.push_back({{&rule}, inner});
     }
     return groups;
+}
+
+/// Whether a stream may fit two rules that do different things with it.
+template <class Rule>
+bool isOrderSaid(const Rule *table)
+{
+    const auto groups = groupsOf(table);
+    std::map<int, std::pair<const Group<Rule> *, bool>> doings; // by codec
+    for (const auto &group : groups)
+        for (const Rule *rule : group.rules) {
+            const std::pair doing{&group, isForbidden(*rule)};
+            if (doings.try_emplace(idOf(*rule), doing).first->second != doing) return true;
+        }
+    return false;
 }
 
 std::string soundsOf(const AudioRule *table)
 {
     Words clauses;
-    for (const Group &group : groupsOf(table))
-        clauses.push_back(
-            capitalised(fmt::format("{}, in {}", fmt::join(group.rules, "; "), group.inner)));
+    for (const auto &group : groupsOf(table))
+        clauses.push_back(capitalised(fmt::format("{}, in {}", group.text(table), group.inner)));
     return clauses.empty() ? "none" : fmt::format("{}", fmt::join(clauses, ". "));
 }
 
-/// What a table's first rule makes; empty: it forbids that, or says nothing.
-std::string targetOf(const AudioRule *table)
+std::string targetContainer(const AudioRule &rule)
 {
-    const auto rules = recordsOf(table);
-    if (rules.empty() || rules.front().aCodecId == kAnyCodec) return {};
-    const auto entries = recordsOf(rules.front().pFormatTable);
-    if (entries.empty() || entries.front().noTranscode == 1) return {};
-    return fmt::format("{} in {}", spokenCodec(rules.front().aCodecId),
-                       spokenContainer(entries.front().formatId));
+    const ContainerEntry *entry = firstEntry(rule);
+    return !entry                             ? "no container"
+           : entry->formatId == kAnyContainer ? "the container that it is in"
+                                              : spokenContainer(entry->formatId);
 }
-std::string targetOf(const VideoRule *table)
+
+/// What becomes of music that no rule takes.
+std::string otherMusic(const AudioRule *table)
 {
-    const auto rules = recordsOf(table);
-    if (rules.empty() || rules.front().vCodecId == kAnyCodec || isForbidden(rules.front()))
-        return {};
-    const std::string sound = targetOf(rules.front().pAudioTable);
-    if (sound.empty()) return {};
-    return fmt::format("{} with {}", spokenCodec(rules.front().vCodecId), sound);
+    const bool converts = std::ranges::any_of(reachable(table), [&](const AudioRule &rule) {
+        return elsewhere(rule, table) == Elsewhere::Converted;
+    });
+    if (takesAll(table) && !converts) return {};
+    if (refusesOthers(table)) return "Other music isn't sent.";
+    return fmt::format("Other music is converted to {} in {}.", spokenCodec(idOf(*table)),
+                       targetContainer(*table));
 }
+
+/// What becomes of a video that no rule takes: its sound is looked for in the first rule.
+std::string otherVideo(const VideoRule *table)
+{
+    if (takesAll(table)) return {};
+    const AudioRule *sounds = table->pAudioTable;
+    if (recordsOf(sounds).empty() && !isForbidden(*table))
+        return "Nothing is known about other video.";
+    Words kept, containers;
+    for (const AudioRule &rule : reachable(sounds)) {
+        if (isNeverMade(rule)) continue;
+        kept.push_back(ruleWords(rule));
+        addNew(containers, targetContainer(rule));
+    }
+    if (isForbidden(*table) || kept.empty()) return "Other video isn't sent.";
+    const bool keepsAll = kept.size() == reachable(sounds).size();
+    const std::string container =
+        containers.size() == 1 ? containers.front() : "the first container named with its sound";
+    const std::string converted =
+        fmt::format("Other video is converted to {} in {}, with its own sound",
+                    spokenCodec(idOf(*table)), container);
+    if (takesAll(sounds) && keepsAll) return converted + '.';
+    return fmt::format("{} where {}; {}.", converted,
+                       keepsAll ? "the first list takes that" : "that is " + listed(kept, " or "),
+                       refusesOthers(sounds) ? "with other sound it isn't sent"
+                                             : fmt::format("other sound is converted to {}",
+                                                           spokenCodec(idOf(*sounds))));
+}
+
+/// What holds of several rules, and is said once.
+struct Notes {
+    bool isOrdered = false;  ///< the first that fits counts
+    bool isExcepted = false; ///< a rule names what it doesn't take
+    bool converts = false;   ///< the sound of a picture that is kept
+    bool remuxes = false;
+    bool isUnknown = false;    ///< what comes of it
+    bool hasOtherwise = false; ///< a list says of itself what of these doesn't hold for it
+
+    void add(const AudioRule *table)
+    {
+        isOrdered = isOrdered || isOrderSaid(table);
+        isUnknown = isUnknown || recordsOf(table).empty();
+        for (const AudioRule &rule : reachable(table)) {
+            const Elsewhere end = elsewhere(rule, table);
+            isUnknown = isUnknown || !firstEntry(rule);
+            remuxes = remuxes || end == Elsewhere::Remuxed;
+            converts = converts || end == Elsewhere::Converted;
+            hasOtherwise = hasOtherwise || end == Elsewhere::Converted || end == Elsewhere::Refused;
+        }
+    }
+    void add(const VideoRule &rule)
+    {
+        const AudioRule *sounds = rule.pAudioTable;
+        isExcepted = isExcepted || (idOf(rule) != kAnyCodec && rule.playException != 0);
+        if (isForbidden(rule)) {
+            isOrdered = isOrdered || isOrderSaid(sounds);
+            hasOtherwise = true;
+            return;
+        }
+        add(sounds);
+        if (recordsOf(sounds).empty() || takesAll(sounds)) return;
+        (refusesOthers(sounds) ? hasOtherwise : converts) = true;
+    }
+};
 
 class Page {
 public:
-    void add(const std::string &paragraph)
-    {
-        constexpr std::size_t kWidth = 80;
-        text_ += '\n' + wrappedText(paragraph, kWidth, 0, 0) + '\n';
-    }
-
     void addMusic(const AudioRule *table)
     {
-        if (!table) return add("Music: none is sent.");
+        if (recordsOf(table).empty()) return addUnserved("Music");
         add("Music: " + soundsOf(table) + ".");
-        addTarget("music", targetOf(table));
+        Notes notes;
+        notes.add(table);
+        notes.converts = false; // of which the last sentence tells
+        addNotes(notes);
+        add(otherMusic(table));
     }
 
     void addVideos(const VideoRule *table)
     {
-        if (!table) return add("Video: none is sent.");
-        bool hasExceptions = false;
-        for (const Group &group : groupsOf(table))
-            add(fmt::format("Video: {}. Its sound: {}.", fmt::join(group.rules, "; "),
-                            group.inner));
-        for (const VideoRule &rule : recordsOf(table))
-            hasExceptions = hasExceptions || rule.playException != 0;
-        if (hasExceptions)
-            add("A video that a list says \"but not\" of is taken all the same if it has an oddity "
-                "that the list doesn't name.");
-        add("A video whose picture is taken and whose sound isn't keeps the picture: the sound "
-            "becomes the first that is named with it.");
-        addTarget("video", targetOf(table));
+        if (recordsOf(table).empty()) return addUnserved("Video");
+        for (const auto &group : groupsOf(table))
+            add(fmt::format("Video: {}. Its sound: {}.", group.text(table), group.inner));
+        Notes notes;
+        notes.isOrdered = isOrderSaid(table);
+        for (const VideoRule &rule : reachable(table)) notes.add(rule);
+        addNotes(notes);
+        add(otherVideo(table));
     }
 
     std::string take(const std::string &name)
@@ -314,10 +283,36 @@ public:
     }
 
 private:
-    void addTarget(const char *what, const std::string &target)
+    void add(const std::string &paragraph)
     {
-        add(target.empty() ? fmt::format("Other {} isn't sent.", what)
-                           : fmt::format("Other {} becomes {}.", what, target));
+        constexpr std::size_t kWidth = 80;
+        if (!paragraph.empty()) text_ += '\n' + wrappedText(paragraph, kWidth, 0, 0) + '\n';
+    }
+
+    void addUnserved(const char *section)
+    {
+        add(fmt::format("{}: no rule serves it, so nothing is known about such files.", section));
+    }
+
+    void addNotes(const Notes &notes)
+    {
+        const char *otherwise = notes.hasOtherwise ? ", unless its list says otherwise" : "";
+        if (notes.isOrdered)
+            add("Of several that a stream fits, the first counts, whatever the container.");
+        if (notes.isExcepted)
+            add("A video that a list says \"but not\" of is taken all the same if it has an oddity "
+                "that the list doesn't name.");
+        if (notes.converts)
+            add(fmt::format("A video whose picture is taken and whose sound isn't keeps the "
+                            "picture: the sound is converted to the first that is named with "
+                            "it{}.",
+                            otherwise));
+        if (notes.remuxes)
+            add(fmt::format("What is taken, but in another container, is put into the first that "
+                            "is named with it{}.",
+                            otherwise));
+        if (notes.isUnknown)
+            add("Where no sound or no container is named, nothing is known about such files.");
     }
 
     std::string text_;
