@@ -171,6 +171,12 @@ private:
         std::set<int> taken = {0};
         for (int i = 0, count = 1 + below(4); i < count; ++i) {
             const std::string &muxer = any(tool::muxerNames());
+            // only what is put into the first container is looked at
+            if (i == 0 && (tool::refusesCodec(muxer, std::max(picture_.picture, 0)) ||
+                           tool::refusesCodec(muxer, sound))) {
+                --i;
+                continue;
+            }
             const int id = containerFor(muxer);
             if (!taken.insert(containerPart(id)).second && (i > 0 || id == 0)) {
                 --i;

@@ -72,6 +72,7 @@ enum class Fault {
     StrayWord,
     OptionCodec,
     OptionContainer,
+    MuxerCodec,
     OptionLimit,
     OptionPixels,
     OptionPcm,

@@ -127,6 +127,19 @@ void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &rep
         "name the format that NAME and SUBTYPE say");
 }
 
+/// Whether what is transcoded to can be put into the container for it.
+void checkHeldCodecs(const Place &place, std::string_view muxer, Report &report)
+{
+    const int picture = place.video.record ? place.video.record->vCodecId : kAnyCodec;
+    for (const int codec : {picture, place.audio.record->aCodecId})
+        if (codec != kAnyCodec && refusesCodec(muxer, codec))
+            report.add(Fault::MuxerCodec, place.entry.element,
+                       place.entry.element.attribute("OPTION"),
+                       fmt::format("-f {}: {} puts no {} into it", excerpt(muxer), askedFormats(),
+                                   codecText(codec)),
+                       fmt::format("put a container first that holds {}", codecText(codec)));
+}
+
 /// The container that everything goes into which isn't sent as it is.
 void checkFirstContainer(const Place &place, Report &report)
 {
@@ -143,7 +156,9 @@ void checkFirstContainer(const Place &place, Report &report)
                    "the first container says what is made, and a wildcard says nothing",
                    "put a container before it");
     if (entry.formatId == kAnyContainer || entry.noTranscode == 1) return;
-    if (!optionValue(textOf(entry.option), "-f"))
+    const auto muxer = optionValue(textOf(entry.option), "-f");
+    if (muxer && isTarget && place.video.position == 0) checkHeldCodecs(place, *muxer, report);
+    if (!muxer)
         report.add(Fault::ContainerWithoutOption, element, element.attribute("OPTION"),
                    "what is put into the first container needs an OPTION with -f",
                    "add OPTION=\"-f ...\"");

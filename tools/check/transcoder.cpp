@@ -87,13 +87,27 @@ std::optional<int> codecNamed(const std::string &name)
     return id;
 }
 
-int codecMadeBy(const AVCodec &encoder)
+int registryId(AVMediaType type, AVCodecID id)
 {
     AVCodecParameters parameters{};
-    parameters.codec_type = encoder.type;
-    parameters.codec_id = encoder.id;
+    parameters.codec_type = type;
+    parameters.codec_id = id;
     parameters.profile = FF_PROFILE_UNKNOWN;
     return identifyCodec(parameters).codecId;
+}
+
+/// The codecs of libavcodec that are one to the registry.
+const std::vector<AVCodecID> &codecsOf(int codecId)
+{
+    static const std::unordered_map<int, std::vector<AVCodecID>> s_codecs = [] {
+        std::unordered_map<int, std::vector<AVCodecID>> codecs;
+        for (const AVCodecDescriptor *each = nullptr; (each = avcodec_descriptor_next(each));)
+            codecs[registryId(each->type, each->id)].push_back(each->id);
+        return codecs;
+    }();
+    static const std::vector<AVCodecID> s_none;
+    const auto found = s_codecs.find(codecId);
+    return found == s_codecs.end() ? s_none : found->second;
 }
 
 /// By its name, or the usual one of the codec of that name, as ffmpeg has it.
@@ -172,7 +186,7 @@ std::string askedFormats()
 std::optional<int> encodedCodec(std::string_view encoder)
 {
     const std::string name(encoder);
-    if (const AVCodec *codec = findEncoder(name)) return codecMadeBy(*codec);
+    if (const AVCodec *codec = findEncoder(name)) return registryId(codec->type, codec->id);
     for (const auto &row : s_OtherEncoders)
         if (row.encoder == encoder) return row.codecId;
     const std::size_t end = name.rfind('_');
@@ -208,6 +222,15 @@ const std::vector<std::string> &muxerNames()
         return names;
     }();
     return s_names;
+}
+
+bool refusesCodec(std::string_view muxer, int codecId)
+{
+    const AVOutputFormat *format = av_guess_format(std::string(muxer).c_str(), nullptr, nullptr);
+    const std::vector<AVCodecID> &codecs = codecsOf(codecId);
+    return format && !codecs.empty() && std::ranges::all_of(codecs, [&](AVCodecID codec) {
+               return avformat_query_codec(format, codec, FF_COMPLIANCE_EXPERIMENTAL) == 0;
+           });
 }
 
 std::optional<std::string> muxerCalled(const std::string &name)

@@ -22,6 +22,9 @@ std::vector<std::string> encoderNames(bool isVideo);
 bool isMuxer(std::string_view name);
 const std::vector<std::string> &muxerNames();
 
+/// Whether the muxer takes no stream in a codec of the registry.
+bool refusesCodec(std::string_view muxer, int codecId);
+
 /// The muxer for which a name stands elsewhere, such as in file names: "matroska" for "mkv".
 std::optional<std::string> muxerCalled(const std::string &name);
 

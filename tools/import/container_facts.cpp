@@ -13,7 +13,8 @@ namespace {
 constexpr CodecList kAnything{};
 constexpr CodecList kMp4Codecs = "h264|hevc|av1|vp9|vvc|mpeg4|mpeg2video|mpeg1video|mjpeg|"
                                  "aac|mp3|mp2|mp1|ac3|eac3|alac|flac|opus|dts|dtshd|vorbis"_codecs;
-constexpr CodecList k3gpCodecs = "h264|hevc|mpeg4|h263|aac|amr_nb|amr_wb"_codecs;
+constexpr CodecList k3gpCodecs = "h264|mpeg4|h263|aac|amr_nb|amr_wb"_codecs;
+constexpr CodecList kM4vCodecs = "h264|mpeg4|aac|alac|ac3"_codecs;
 constexpr CodecList kMp4SoundCodecs = "aac|alac"_codecs;
 constexpr CodecList kQuickTimeCodecs =
     "h264|hevc|mpeg4|mpeg2video|mjpeg|prores|dnxhd|svq1|svq3|qtrle|rpza|cinepak|dvvideo|h263|"
@@ -46,7 +47,7 @@ constexpr struct {
     {"mpegps"_container, "-f vob", "video/mpeg", nullptr, kProgramCodecs},
     {"mpegps_dvd"_container, nullptr, "video/mpeg", nullptr, kProgramCodecs},
     {"mpegps_mpeg1"_container, nullptr, "video/mpeg", nullptr, "mpeg1video|mp1|mp2|mp3"_codecs},
-    {"mp4/m4v"_container, "-f ipod", "video/mp4", nullptr, kMp4Codecs},
+    {"mp4/m4v"_container, "-f ipod", "video/mp4", nullptr, kM4vCodecs},
     {"mp4/3gp"_container, "-f 3gp", "video/3gpp", "audio/3gpp", k3gpCodecs},
     {"mp4/3g2"_container, "-f 3g2", "video/3gpp2", "audio/3gpp2", k3gpCodecs},
     {"mp4/qt"_container, "-f mov", "video/quicktime", nullptr, kQuickTimeCodecs},
