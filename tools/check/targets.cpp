@@ -22,6 +22,21 @@ std::string nameOf(pugi::xml_node element)
     return excerpt(element.attribute("NAME").value());
 }
 
+/// "name an encoder of mp3, such as libmp3lame"
+std::string encoderAdvice(pugi::xml_node element, int codecId)
+{
+    const std::string usual = usualEncoder(codecId);
+    return fmt::format("name an encoder of {}{}", nameOf(element),
+                       usual.empty() ? "" : ", such as " + usual);
+}
+
+/// @param usual  the usual encoder or muxer; empty: there is none
+std::string optionAdvice(const char *option, const std::string &usual)
+{
+    return usual.empty() ? "put something before it that ffmpeg makes"
+                         : fmt::format("add OPTION=\"{} {}\"", option, usual);
+}
+
 void reportNoEffect(pugi::xml_node element, const char *attribute, std::string_view reason,
                     const char *advice, Report &report)
 {
@@ -49,7 +64,7 @@ void reportNoEncoder(const Target &target, pugi::xml_attribute attribute, Report
     report.add(Fault::TargetWithoutOption, target.element, attribute,
                fmt::format("OPTION has no {}: the transcoder chooses the codec by itself",
                            target.codecOption),
-               fmt::format("name an encoder of {}", nameOf(target.element)));
+               encoderAdvice(target.element, target.codecId));
 }
 
 void checkEncoder(const Target &target, Report &report)
@@ -65,7 +80,7 @@ void checkEncoder(const Target &target, Report &report)
     report.add(Fault::OptionCodec, target.element, attribute,
                fmt::format("{} {} does not make {}", target.codecOption, excerpt(*encoder),
                            nameOf(target.element)),
-               fmt::format("name an encoder of {}", nameOf(target.element)));
+               encoderAdvice(target.element, target.codecId));
 }
 
 /// What the first rule of a list is for.
@@ -100,7 +115,7 @@ void checkTarget(const Target &target, Report &report)
     if (isTarget)
         report.add(Fault::TargetWithoutOption, target.element,
                    firstRuleSays(target.element) + ", and this one has no OPTION",
-                   fmt::format("add OPTION=\"{} ...\"", target.codecOption));
+                   optionAdvice(target.codecOption, usualEncoder(target.codecId)));
 }
 
 void checkForbidden(int noTranscode, pugi::xml_node element, const char *effect, Report &report)
@@ -121,10 +136,11 @@ void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &rep
     if (*made == containerPart(entry.formatId) &&
         (!needsSubtype || writesSubtype(*muxer, entry.formatId)))
         return;
+    const std::string usual = usualMuxer(entry.formatId);
     report.add(
         Fault::OptionContainer, element, element.attribute("OPTION"),
         fmt::format("-f {} does not make {}", excerpt(*muxer), containerText(entry.formatId)),
-        "name the format that NAME and SUBTYPE say");
+        usual.empty() ? "remove it, since ffmpeg makes no such file" : "write -f " + usual);
 }
 
 /// Whether what is transcoded to can be put into the container for it.
@@ -161,7 +177,7 @@ void checkFirstContainer(const Place &place, Report &report)
     if (!muxer)
         report.add(Fault::ContainerWithoutOption, element, element.attribute("OPTION"),
                    "what is put into the first container needs an OPTION with -f",
-                   "add OPTION=\"-f ...\"");
+                   optionAdvice("-f", usualMuxer(entry.formatId)));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "include/vornak_host.h"
 #include "tools/probe/codec_mapping.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -195,6 +196,13 @@ std::optional<int> encodedCodec(std::string_view encoder)
     return std::nullopt;
 }
 
+std::string usualEncoder(int codecId)
+{
+    for (const AVCodecID codec : codecsOf(codecId))
+        if (const AVCodec *encoder = avcodec_find_encoder(codec)) return encoder->name;
+    return {};
+}
+
 std::vector<std::string> encoderNames(bool isVideo)
 {
     std::vector<std::string> names;
@@ -231,6 +239,18 @@ bool refusesCodec(std::string_view muxer, int codecId)
     return format && !codecs.empty() && std::ranges::all_of(codecs, [&](AVCodecID codec) {
                return avformat_query_codec(format, codec, FF_COMPLIANCE_EXPERIMENTAL) == 0;
            });
+}
+
+std::string usualMuxer(int formatId)
+{
+    std::string usual;
+    for (const std::string &muxer : muxerNames()) {
+        const bool writes = containerWrittenBy(muxer) == containerPart(formatId) &&
+                            (subtypePart(formatId) == 0 || writesSubtype(muxer, formatId));
+        if (writes && (usual.empty() || muxer == containerText(containerPart(formatId))))
+            usual = muxer;
+    }
+    return usual;
 }
 
 std::optional<std::string> muxerCalled(const std::string &name)

@@ -17,6 +17,9 @@ std::string askedFormats();
 /// machine hasn't; nothing when unknown.
 std::optional<int> encodedCodec(std::string_view encoder);
 
+/// The encoder that makes the registry's codec where none is named; empty: there is none.
+std::string usualEncoder(int codecId);
+
 std::vector<std::string> encoderNames(bool isVideo);
 
 bool isMuxer(std::string_view name);
@@ -24,6 +27,9 @@ const std::vector<std::string> &muxerNames();
 
 /// Whether the muxer takes no stream in a codec of the registry.
 bool refusesCodec(std::string_view muxer, int codecId);
+
+/// The muxer that writes the registry's container, with its subtype; empty: there is none.
+std::string usualMuxer(int formatId);
 
 /// The muxer for which a name stands elsewhere, such as in file names: "matroska" for "mkv".
 std::optional<std::string> muxerCalled(const std::string &name);
