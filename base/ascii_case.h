@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 namespace vornak {
@@ -9,6 +10,13 @@ namespace vornak {
 constexpr char lowerAscii(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+inline std::string lowerCase(std::string_view text)
+{
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), lowerAscii);
+    return lower;
 }
 
 constexpr bool equalIgnoringCase(std::string_view left, std::string_view right)

@@ -9,7 +9,6 @@
 #include "tools/profile/id_names.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <string>
 
@@ -31,15 +30,11 @@ void checkMime(const Place &place, Report &report)
                           fmt::format("{} is announced without a MIME type",
                                       excerpt(element.attribute("NAME").value())),
                           "add MIME");
-    static const std::vector<std::string> s_known = mimeTypes();
-    std::string type(mime);
-    type.erase(std::min(type.find_first_of("; "), type.size())); // its parameters
-    std::ranges::transform(type, type.begin(), [](unsigned char c) { return std::tolower(c); });
-    if (std::ranges::find(s_known, type) != s_known.end()) return;
+    if (isKnownMimeType(mime)) return;
     report.add(
         Fault::UnknownMime, element, element.attribute("MIME"),
         fmt::format("{} is no MIME type of media known here", shown(element.attribute("MIME"))),
-        report.suggest(type, s_known, "write the one that the player states"));
+        report.suggest(bareMimeType(mime), mimeTypes(), "write the one that the player states"));
 }
 
 /// The profile of H.264 or the like that OPTION asks for, as a bit, where this place announces what

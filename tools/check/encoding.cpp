@@ -1,8 +1,9 @@
 // Whether the file is XML that all read alike: its encoding, and what only some readers take.
 #include "tools/check/checks.h"
 
+#include "base/ascii_case.h"
+
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <string>
 #include <string_view>
@@ -52,8 +53,7 @@ std::string declaredEncoding(pugi::xml_node device)
     std::string name;
     for (const pugi::xml_node node : device.root().children())
         if (node.type() == pugi::node_declaration) name = node.attribute("encoding").value();
-    std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
-    return name;
+    return lowerCase(name);
 }
 
 bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names)

@@ -82,7 +82,7 @@ std::string codecAndProfile(const std::string &name)
     std::string joined = name;
     std::ranges::replace_if(
         joined, [](char c) { return kJoints.find(c) != std::string_view::npos; }, '|');
-    const std::vector<std::string> words = splitAtBars(joined);
+    const std::vector<std::string> words = splitList(joined);
     const std::size_t count = words.size() > kMostWords ? 0 : words.size();
     const auto word = [&](std::size_t i) { return words.begin() + static_cast<std::ptrdiff_t>(i); };
     for (std::size_t from = 0; from < count; ++from)
@@ -124,7 +124,7 @@ std::vector<int> idsMeant(std::string_view text, const NameKind &kind)
     std::ranges::replace_if(
         joined, [](char c) { return kOtherSeparators.find(c) != std::string_view::npos; }, '|');
     std::vector<int> ids;
-    for (const std::string &name : splitAtBars(joined)) {
+    for (const std::string &name : splitList(joined)) {
         if (kind.lookup(name.c_str(), &id) != 0) return {};
         if (std::ranges::find(ids, id) == ids.end()) ids.push_back(id);
     }
@@ -219,7 +219,7 @@ std::string withBars(std::string written, const ListKind &kind)
 {
     std::ranges::replace_if(
         written, [](char c) { return kOtherSeparators.find(c) != std::string_view::npos; }, '|');
-    const std::vector<std::string> names = splitAtBars(written);
+    const std::vector<std::string> names = splitList(written);
     int bit = 0;
     const bool areKnown = std::ranges::all_of(
         names, [&](const std::string &name) { return kind.lookup(name.c_str(), &bit) == 0; });

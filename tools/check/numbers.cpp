@@ -1,6 +1,7 @@
 // Numbers that the loader reads as other numbers than those written.
 #include "tools/check/checks.h"
 
+#include "base/ascii_case.h"
 #include "profile/attribute_value.h"
 
 #include <algorithm>
@@ -46,18 +47,12 @@ WrittenNumber readAttribute(const ElementPlace &place, pugi::xml_attribute attri
 constexpr std::string_view s_Units[] = {"Hz",  "bps", "bit", "bits", "bit/s",   "bits/s",
                                         "b/s", "px",  "p",   "ch",   "channels"};
 
-bool equalsLowered(std::string_view text, std::string_view unit)
-{
-    const auto lowered = [](unsigned char c) { return std::tolower(c); };
-    return std::ranges::equal(text, unit, {}, lowered, lowered);
-}
-
 /// Whether what follows a number only says what it counts. A "B" would be bytes, not bits.
 bool isUnit(std::string_view text)
 {
     while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
     return !text.starts_with('B') && std::ranges::any_of(s_Units, [&](std::string_view unit) {
-        return equalsLowered(text, unit);
+        return equalIgnoringCase(text, unit);
     });
 }
 
@@ -133,7 +128,7 @@ std::string_view numberCalled(std::string_view word, Unit unit)
         {Unit::Flag, "no", "0"},       {Unit::Flag, "off", "0"},
     };
     for (const auto &row : s_Words)
-        if (row.unit == unit && equalsLowered(word, row.word)) return row.number;
+        if (row.unit == unit && equalIgnoringCase(word, row.word)) return row.number;
     return {};
 }
 
@@ -157,7 +152,7 @@ Mend mendOfStop(const WrittenNumber &number)
         return {fmt::format("write {}", value), std::string(value)};
     if (number.hasDigits() && std::ranges::all_of(rest, isSpace))
         return {"remove the blank after it", read};
-    if (equalsLowered(rest, "p") && std::string_view(number.row.name).ends_with("WIDTH"))
+    if (equalIgnoringCase(rest, "p") && std::string_view(number.row.name).ends_with("WIDTH"))
         return {fmt::format("{} counts lines: write it as the height, and the width here",
                             number.attribute.value()),
                 {}};

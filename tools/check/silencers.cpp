@@ -1,11 +1,11 @@
 // Comments that silence findings: <!-- vornak: ignore ID ID (reason) --> before an element.
 #include "tools/check/checks.h"
 
+#include "base/ascii_case.h"
 #include "tools/check/option_words.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <fmt/format.h>
 #include <iterator>
 
@@ -18,9 +18,8 @@ constexpr auto kFaults = static_cast<std::size_t>(Fault::End);
 /// Whether a comment that begins so is meant as one for vornak: "Vornak ignore", "vornak:ignore".
 bool isNearly(std::string_view mark, std::string_view rest)
 {
-    const auto lowered = [](unsigned char c) { return std::tolower(c); };
     const std::string_view name = kMark.substr(0, kMark.size() - 1);
-    if (!std::ranges::equal(mark.substr(0, name.size()), name, {}, lowered)) return false;
+    if (!beginsIgnoringCase(mark, name)) return false;
     const std::string_view behind = mark.substr(name.size());
     return behind == ":ignore" || ((behind.empty() || behind == ":") && takeWord(rest) == "ignore");
 }

@@ -81,13 +81,6 @@ bool lists(const auto &names, std::string_view name)
     return std::ranges::find(names, name) != std::end(names);
 }
 
-std::optional<int> codecNamed(const std::string &name)
-{
-    int id = 0;
-    if (CodecNameToID(name.c_str(), &id) != 0) return std::nullopt;
-    return id;
-}
-
 int registryId(AVMediaType type, AVCodecID id)
 {
     AVCodecParameters parameters{};
@@ -146,11 +139,11 @@ bool isForStreams(const std::string &name)
 
 OptionForm askForOption(const std::string &name)
 {
-    static const std::vector<std::string> s_flags = splitAtBars(kFlagOptions);
-    static const std::vector<std::string> s_values = splitAtBars(kValueOptions);
+    static const std::vector<std::string> s_flags = splitList(kFlagOptions);
+    static const std::vector<std::string> s_values = splitList(kValueOptions);
     const bool isNegated = name.starts_with("no") && lists(s_flags, name.substr(2));
     if (lists(s_flags, name) || isNegated) return OptionForm::Flag;
-    static const std::vector<std::string> s_scalers = splitAtBars(kScalerOptions);
+    static const std::vector<std::string> s_scalers = splitList(kScalerOptions);
     if (lists(s_values, name) || lists(s_scalers, name) || findLibraryOption(name.c_str()) ||
         isForStreams(name))
         return OptionForm::Value;
@@ -191,9 +184,10 @@ std::optional<int> encodedCodec(std::string_view encoder)
     for (const auto &row : s_OtherEncoders)
         if (row.encoder == encoder) return row.codecId;
     const std::size_t end = name.rfind('_');
-    if (end != std::string::npos && lists(s_Hardware, encoder.substr(end + 1)))
-        return codecNamed(name.substr(0, end));
-    return std::nullopt;
+    if (end == std::string::npos || !lists(s_Hardware, encoder.substr(end + 1)))
+        return std::nullopt;
+    const int codec = codecNamed(name.substr(0, end));
+    return codec < 0 ? std::nullopt : std::optional(codec);
 }
 
 std::string usualEncoder(int codecId)
@@ -270,9 +264,9 @@ OptionForm formOfOption(const std::string &name)
 
 std::vector<std::string> optionNames()
 {
-    std::vector<std::string> names = splitAtBars(kValueOptions);
+    std::vector<std::string> names = splitList(kValueOptions);
     for (const std::string_view more : {kFlagOptions, kScalerOptions})
-        std::ranges::move(splitAtBars(more), std::back_inserter(names));
+        std::ranges::move(splitList(more), std::back_inserter(names));
     for (const AVClass *options : {avcodec_get_class(), avformat_get_class()})
         addOptions(options, names);
     return names;

@@ -1,9 +1,9 @@
 #include "tools/files/media_list.h"
 
+#include "base/ascii_case.h"
 #include "base/directory.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <functional>
@@ -70,10 +70,8 @@ bool hasMediaName(std::string_view name)
 {
     const std::size_t point = name.rfind('.');
     if (point == std::string_view::npos || point == 0) return false;
-    std::string extension(name.substr(point + 1));
-    for (char &c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return std::binary_search(std::begin(s_MediaExtensions), std::end(s_MediaExtensions),
-                              extension);
+                              lowerCase(name.substr(point + 1)));
 }
 
 std::string MediaItem::openablePath() const

@@ -1,17 +1,19 @@
 #include "tools/import/described_player.h"
 
+#include "base/ascii_case.h"
 #include "base/media_ids.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
-#include "tools/import/container_facts.h"
+#include "profile/numbers.h"
+#include "tools/import/announcement.h"
 #include "tools/import/limits.h"
-#include "tools/import/names.h"
+#include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 #include "tools/terminal/nearest_name.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fmt/format.h>
 #include <stdexcept>
 #include <utility>
@@ -101,18 +103,12 @@ int readProfiles(const char *option, const std::string &given, int codec, const 
     return bits;
 }
 
-/// A number with a suffix K or M that is all of the text and above 0; 0: it isn't.
+/// A number, perhaps with K or M, that is all of the text and above 0; 0: it isn't.
 int readNumber(const std::string &text)
 {
-    std::int64_t number = 0;
-    const char *const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || number <= 0 || number > 2'000'000'000) return 0;
-    const std::string suffix = lowerCase(std::string(stop, end));
-    if (suffix == "k") number *= 1000;
-    if (suffix == "m") number *= 1'000'000;
-    const bool isWhole = suffix.empty() || suffix == "k" || suffix == "m";
-    return isWhole && number <= 2'000'000'000 ? static_cast<int>(number) : 0;
+    const Number number = readSuffixedNumber(text.c_str());
+    const bool isWhole = *number.end == '\0' && !number.overflows;
+    return isWhole && number.value > 0 ? number.value : 0;
 }
 
 void readSizeOrRate(const std::string &given, const std::string &word, Limits &limits)
@@ -203,11 +199,7 @@ void addMusic(Player &player, const std::string &option, const std::string &give
         refuse("--music", given, "no container is known for music of this codec");
     const int origin = originOf(player, fmt::format("{} {}", option.substr(2), printable(given)));
     for (const int format : formats)
-        player.ways.push_back({std::nullopt,
-                               sound,
-                               {{format, mimeOf(format, true), dlnaNameOfMusic(sound, format)}},
-                               {},
-                               {origin}});
+        player.ways.push_back({std::nullopt, sound, {musicIn(format, sound)}, {}, {origin}});
     player.wishes.push_back({false, 0, sound.codec, 0});
 }
 
@@ -224,7 +216,7 @@ void addVideo(Player &player, const std::string &given, const Description &descr
             if (!canHold(format, picture.codec) || !canHold(format, sound.codec)) continue;
             player.ways.push_back({picture,
                                    sound,
-                                   {{format, mimeOf(format, false), {}}},
+                                   {videoIn(format)},
                                    {origin},
                                    {originOf(player, "audio " + printable(audio))}});
             player.wishes.push_back({true, picture.codec, sound.codec, format});
@@ -253,13 +245,10 @@ void takeOverFrom(const Like &like, Description &description)
 void takeOverFromLike(Description &description)
 {
     if (description.like.empty()) return;
-    Words names;
-    for (const Like &like : s_Likes) {
+    for (const Like &like : s_Likes)
         if (description.like == like.name) return takeOverFrom(like, description);
-        names.emplace_back(like.name);
-    }
     refuse("--like", description.like,
-           "there is no such player" + nearestOrAll(description.like, names));
+           "there is no such player" + nearestOrAll(description.like, likeNames()));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "tools/import/dlna_document.h"
 
-#include "tools/import/names.h"
-#include "tools/import/text_file.h"
+#include "tools/profile/id_names.h"
+#include "tools/profile/regular_file.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -61,15 +61,15 @@ XmlFile::XmlFile(std::string path, std::string text)
     : path_(std::move(path)), text_(std::move(text))
 {
     if (text_.find('\0') != std::string::npos)
-        throw ImportError(path_, 0, "it is no text in UTF-8");
+        throw ProfileError(path_, 0, "it is no text in UTF-8");
     for (std::size_t i = 0; i < text_.size(); ++i)
         if (text_[i] == '\n') lineEnds_.push_back(i);
     const pugi::xml_parse_result result =
         document_.load_buffer(text_.data(), text_.size(), pugi::parse_default, pugi::encoding_utf8);
     if (!result)
-        throw ImportError(path_, lineAt(result.offset),
-                          fmt::format("not well-formed XML: {}", result.description()));
-    if (!root()) throw ImportError(path_, 0, "it holds no XML element");
+        throw ProfileError(path_, lineAt(result.offset),
+                           fmt::format("not well-formed XML: {}", result.description()));
+    if (!root()) throw ProfileError(path_, 0, "it holds no XML element");
 }
 
 int XmlFile::lineOf(pugi::xml_node element) const
@@ -121,7 +121,7 @@ DlnaDocument::DlnaDocument(const std::string &path, bool relaxed, Player &player
     std::vector<std::string> paths;
     for (const auto &entry : std::filesystem::directory_iterator(path, error))
         if (entry.path().extension() == ".xml") paths.push_back(entry.path().string());
-    if (paths.empty()) throw ImportError(path, 0, "the folder holds no XML files");
+    if (paths.empty()) throw ProfileError(path, 0, "the folder holds no XML files");
     std::ranges::sort(paths);
     for (const std::string &each : paths) load(each, open);
 }
@@ -132,11 +132,11 @@ void DlnaDocument::load(const std::string &path, std::vector<std::string> &open)
     const auto isThis = [&](const auto &file) { return file->path() == plain; };
     if (std::ranges::any_of(files_, isThis)) return;
     if (files_.size() == kMostFiles)
-        throw ImportError(path, 0, "more files than profiles are described in");
-    files_.push_back(std::make_unique<XmlFile>(plain.string(), readTextFile(path)));
+        throw ProfileError(path, 0, "more files than profiles are described in");
+    files_.push_back(std::make_unique<XmlFile>(plain.string(), readForeignFile(path)));
     const XmlFile &file = *files_.back();
     if (std::string_view(file.root().name()) != "dlna-profiles")
-        throw ImportError(
+        throw ProfileError(
             path, file.lineOf(file.root()),
             fmt::format("the outermost element is {}; it is dlna-profiles in gupnp-dlna's files, "
                         "and Jellyfin's profiles are read in JSON",
@@ -155,8 +155,8 @@ void DlnaDocument::loadIncluded(const XmlFile &file, pugi::xml_node include,
     const std::filesystem::path path =
         (std::filesystem::path(file.path()).parent_path() / ref).lexically_normal();
     const auto refuse = [&](std::string_view why) {
-        throw ImportError(file.path(), file.lineOf(include),
-                          fmt::format("include of {}: {}", printable(ref.substr(0, 200)), why));
+        throw ProfileError(file.path(), file.lineOf(include),
+                           fmt::format("include of {}: {}", printable(ref.substr(0, 200)), why));
     };
     std::error_code error;
     const std::filesystem::path target = realPlace(path);

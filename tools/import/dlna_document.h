@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tools/import/player.h"
+#include "tools/profile/id_names.h"
 
 #include <cstddef>
 #include <map>
@@ -17,7 +18,7 @@ namespace vornak::tool {
 
 class XmlFile {
 public:
-    /// Parses the text; throws ImportError for what is not well-formed, or not in UTF-8.
+    /// Parses the text; throws ProfileError for what is not well-formed, or not in UTF-8.
     XmlFile(std::string path, std::string text);
     XmlFile(const XmlFile &) = delete;
     XmlFile &operator=(const XmlFile &) = delete;
@@ -67,7 +68,7 @@ std::optional<double> dlnaNumber(const std::string &text);
 
 class DlnaDocument {
 public:
-    /// @param path     of a file, or a folder of files. Throws ImportError.
+    /// @param path     of a file, or a folder of files. Throws ProfileError.
     /// @param relaxed  whether to read what holds in the relaxed mode, not in the strict one
     /// @param player   receives remarks
     DlnaDocument(const std::string &path, bool relaxed, Player &player);

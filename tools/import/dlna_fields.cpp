@@ -2,8 +2,8 @@
 
 #include "base/media_ids.h"
 #include "platform/registry_names.h"
-#include "tools/import/names.h"
 #include "tools/import/said_limits.h"
+#include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
 

@@ -1,13 +1,12 @@
 #include "tools/import/dlna_profiles.h"
 
+#include "base/ascii_case.h"
 #include "base/media_ids.h"
-#include "tools/import/container_facts.h"
 #include "tools/import/dlna_document.h"
 #include "tools/import/dlna_fields.h"
-#include "tools/import/names.h"
 #include "tools/import/said_limits.h"
-#include "tools/import/text_file.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/regular_file.h"
 #include "tools/terminal/nearest_name.h"
 #include "tools/terminal/printable.h"
 
@@ -45,7 +44,7 @@ public:
     {
         for (const SinkEntry &entry : wanted) add(entry);
         if (player_.ways.empty())
-            throw ImportError(
+            throw ProfileError(
                 path_, 0,
                 fmt::format("none of the names stands for a DLNA profile whose files "
                             "rules can describe{}",
@@ -95,19 +94,37 @@ private:
                 noteOf(profile).leftOut("a Device profile has no rules for streams of the type {}",
                                         printable(stream.type));
         }
-        if (isVideo)
-            addVideo(profile, pictures, sounds);
-        else
-            addMusic(profile, sounds);
+        if (isVideo && !profile.container)
+            return noteOf(profile).stricter("no file holds pictures without a container");
+        if (isVideo && sounds.empty())
+            return noteOf(profile).stricter("no sound fits it, and a rule needs some");
+        for (const Limits &limits : pictures) noteOddities(limits, noteOf(profile));
+        std::vector<std::optional<Limits>> parts(pictures.begin(), pictures.end());
+        if (!isVideo) parts.emplace_back();
+        if (!profile.container) return addBare(profile, sounds);
+        for (const Container &container : containersThatFit(*profile.container, !isVideo, player_))
+            for (const std::optional<Limits> &picture : parts)
+                for (const Limits &sound : sounds) addWay(profile, picture, sound, container);
+    }
+
+    /// Adds music that is a file of its own.
+    void addBare(const DlnaProfile &profile, const Union &sounds)
+    {
+        for (const Limits &sound : sounds)
+            if (const int format = bareContainer(sound.codec); format != 0)
+                addWay(profile, std::nullopt, sound, {format, {}, {}});
+            else
+                noteOf(profile).stricter("no file holds {} alone, without a container",
+                                         codecText(sound.codec));
     }
 
     void addWay(const DlnaProfile &profile, const std::optional<Limits> &picture,
                 const Limits &sound, Container container)
     {
         if (player_.ways.size() == kMostWays)
-            throw ImportError(path_, 0,
-                              "the profiles combine to more kinds of files than a Device "
-                              "profile can hold");
+            throw ProfileError(path_, 0,
+                               "the profiles combine to more kinds of files than a Device "
+                               "profile can hold");
         container.mime = profile.mime;
         container.pn = profile.name;
         if (player_.wishes.size() < kMostWishes)
@@ -117,33 +134,6 @@ private:
             originOf(player_, fmt::format("{} ({}:{})", printable(profile.name), profile.file,
                                           profile.line))};
         player_.ways.push_back({picture, sound, {container}, origin, origin});
-    }
-
-    void addVideo(const DlnaProfile &profile, const Union &pictures, const Union &sounds)
-    {
-        if (!profile.container)
-            return noteOf(profile).stricter("no file holds pictures without a container");
-        if (sounds.empty())
-            return noteOf(profile).stricter("no sound fits it, and a rule needs some");
-        for (const Limits &limits : pictures) noteOddities(limits, noteOf(profile));
-        for (const Container &container : containersThatFit(*profile.container, false, player_))
-            for (const Limits &picture : pictures)
-                for (const Limits &sound : sounds) addWay(profile, picture, sound, container);
-    }
-
-    void addMusic(const DlnaProfile &profile, const Union &sounds)
-    {
-        std::vector<Container> containers;
-        if (profile.container) containers = containersThatFit(*profile.container, true, player_);
-        for (const Container &container : containers)
-            for (const Limits &sound : sounds) addWay(profile, std::nullopt, sound, container);
-        if (profile.container) return;
-        for (const Limits &sound : sounds)
-            if (const int format = bareContainer(sound.codec); format != 0)
-                addWay(profile, std::nullopt, sound, {format, {}, {}});
-            else
-                noteOf(profile).stricter("no file holds {} alone, without a container",
-                                         codecText(sound.codec));
     }
 
     const std::string &path_;

@@ -21,7 +21,7 @@ std::vector<SinkEntry> readSinkProtocolInfo(const std::string &list);
 /// @param path     of a file or of a folder of files
 /// @param wanted   the profiles, those that are gladly given first; a MIME type narrows the choice
 /// @param relaxed  the mode in which the files are read
-/// Throws ImportError, or a line for the user.
+/// Throws ProfileError, or a line for the user.
 Player readDlnaProfiles(const std::string &path, const std::vector<SinkEntry> &wanted,
                         bool relaxed);
 

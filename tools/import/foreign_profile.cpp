@@ -2,7 +2,7 @@
 
 #include "tools/import/dlna_profiles.h"
 #include "tools/import/jellyfin_profile.h"
-#include "tools/import/text_file.h"
+#include "tools/profile/regular_file.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -38,7 +38,7 @@ Player readProfile(const ImportOptions &options)
     std::error_code error;
     if (std::filesystem::is_directory(options.file, error))
         return readDlnaProfiles(options.file, wantedProfiles(options), options.relaxed);
-    const std::string text = readTextFile(options.file);
+    const std::string text = readForeignFile(options.file);
     switch (firstCharacter(text)) {
     case '<':
         return readDlnaProfiles(options.file, wantedProfiles(options), options.relaxed);
@@ -48,7 +48,7 @@ Player readProfile(const ImportOptions &options)
                                      "Jellyfin profile is taken whole");
         return readJellyfinProfile(options.file, text);
     default:
-        throw ImportError(
+        throw ProfileError(
             options.file, 0,
             "it is neither a JSON object, as Jellyfin's device profiles are, nor XML, "
             "as gupnp-dlna's are");

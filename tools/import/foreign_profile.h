@@ -16,7 +16,7 @@ struct ImportOptions {
     bool relaxed = false;
 };
 
-/// What the file says that the player takes. Throws ImportError, or a line for the user.
+/// What the file says that the player takes. Throws ProfileError, or a line for the user.
 Player readForeignProfile(const ImportOptions &options);
 
 } // namespace vornak::tool

@@ -1,11 +1,13 @@
 #include "tools/import/jellyfin_condition.h"
 
+#include "base/ascii_case.h"
 #include "base/media_ids.h"
 #include "platform/registry_names.h"
-#include "tools/import/names.h"
 #include "tools/import/said_limits.h"
-#include "tools/import/text_file.h"
+#include "tools/profile/codec_list.h"
+#include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/regular_file.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -112,9 +114,8 @@ std::vector<Range> rangesThatKeep(const Condition &condition)
 /// Whether a known value keeps the condition.
 bool keeps(const Condition &condition, int value)
 {
-    return std::ranges::any_of(rangesThatKeep(condition), [value](Range range) {
-        return contains(range, {value, value});
-    });
+    return std::ranges::any_of(rangesThatKeep(condition),
+                               [value](Range range) { return contains(range, value); });
 }
 
 /// The same of words, in lower case, which have no order.
@@ -337,8 +338,8 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
     if (condition.test != Condition::AnyOf) return condition;
     condition.values = splitList(value, '|');
     if (condition.values.size() > kMostValues)
-        throw ImportError(file, object.line(),
-                          fmt::format("{}Value lists more than any profile", object.place()));
+        throw ProfileError(file, object.line(),
+                           fmt::format("{}Value lists more than any profile", object.place()));
     return condition;
 }
 

@@ -1,18 +1,21 @@
 #include "tools/import/jellyfin_profile.h"
 
+#include "base/ascii_case.h"
 #include "base/media_ids.h"
-#include "tools/import/container_facts.h"
+#include "tools/import/announcement.h"
 #include "tools/import/jellyfin_condition.h"
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
 #include "tools/import/said_limits.h"
-#include "tools/import/text_file.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
+#include "tools/profile/regular_file.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
+#include <functional>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -46,8 +49,9 @@ struct Selection {
 
 enum StreamKind { Picture, SoundOfVideo, Music };
 
+constexpr int kAudio = 0, kVideo = 1;
 constexpr NamedNumber s_MediaTypes[] = {
-    {"Audio", 0}, {"Video", 1}, {"Photo", 2}, {"Subtitle", 3}, {"Lyric", 4}};
+    {"Audio", kAudio}, {"Video", kVideo}, {"Photo", 2}, {"Subtitle", 3}, {"Lyric", 4}};
 constexpr NamedNumber s_CodecTypes[] = {
     {"Video", Picture}, {"VideoAudio", SoundOfVideo}, {"Audio", Music}};
 
@@ -66,10 +70,16 @@ bool isFamily(const std::string &name)
     return name == "pcm" || name == "lpcm" || name == "wma" || name == "dsd";
 }
 
-std::vector<int> codecsNamed(const std::string &name, bool picture)
+std::vector<int> picturesNamed(const std::string &name)
 {
     const int codec = codecNamed(name);
-    if (isFamily(name) || codec <= 0 || isPicture(codec) != picture) return {};
+    return isPicture(codec) ? std::vector{codec} : std::vector<int>();
+}
+
+std::vector<int> soundsNamed(const std::string &name)
+{
+    const int codec = codecNamed(name);
+    if (isFamily(name) || codec <= 0 || isPicture(codec)) return {};
     // what extends DTS is a codec of its own here alone
     if (codec == "dts"_codec) return {codec, "dtshd"_codec};
     return {codec};
@@ -105,8 +115,7 @@ std::vector<Container> containersFor(const std::vector<int> &formats, bool isMus
 {
     std::vector<Container> containers;
     for (const int format : formats)
-        containers.push_back({format, mimeOf(format, isMusic),
-                              isMusic ? dlnaNameOfMusic(sound, format) : std::string()});
+        containers.push_back(isMusic ? musicIn(format, sound) : videoIn(format));
     return containers;
 }
 
@@ -157,8 +166,8 @@ private:
     }
 
     /// A comma list. @param idsOf  of a name; none: it isn't known
-    template <class IdsOf>
-    Selection readSelection(ObjectReader &object, const char *key, IdsOf idsOf, const char *what)
+    Selection readSelection(ObjectReader &object, const char *key,
+                            std::vector<int> (*idsOf)(const std::string &name), const char *what)
     {
         const std::string text = object.text(key);
         Selection selection{splitList(text, ',').empty(), text.starts_with('-'), {}};
@@ -178,9 +187,8 @@ private:
 
     Selection readCodecs(ObjectReader &object, const char *key, bool picture)
     {
-        return readSelection(
-            object, key, [picture](const std::string &name) { return codecsNamed(name, picture); },
-            picture ? "video codec" : "audio codec");
+        return picture ? readSelection(object, key, picturesNamed, "video codec")
+                       : readSelection(object, key, soundsNamed, "audio codec");
     }
 
     Selection readContainers(ObjectReader &object)
@@ -233,29 +241,38 @@ private:
     {
         const NamedNumber *type = readType(object, s_MediaTypes);
         if (!type) return;
-        LimitSet set{Picture,
-                     {},
-                     readContainers(object),
-                     {},
-                     readConditions(object, "Conditions"),
-                     object.place(),
-                     object.line()};
+        const Selection formats = readContainers(object);
+        const auto conditions = readConditions(object, "Conditions");
         object.noteUnknown(player_);
-        if (std::string_view(type->name) == "Audio") set.kind = Music;
-        if (type->number <= 1) sets_.push_back(std::move(set));
+        if (type->number == kAudio || type->number == kVideo)
+            sets_.push_back({type->number == kAudio ? Music : Picture,
+                             {},
+                             formats,
+                             {},
+                             conditions,
+                             object.place(),
+                             object.line()});
+    }
+
+    /// What DirectPlayProfiles and TranscodingProfiles list.
+    struct Lists {
+        Selection formats, pictures, sounds;
+    };
+    Lists readLists(ObjectReader &object)
+    {
+        return {readContainers(object), readCodecs(object, "VideoCodec", true),
+                readCodecs(object, "AudioCodec", false)};
     }
 
     void readTranscoding(ObjectReader &object)
     {
         const NamedNumber *type = readType(object, s_MediaTypes);
         if (!type) return;
-        const Selection formats = readContainers(object);
-        const Selection pictures = readCodecs(object, "VideoCodec", true);
-        const Selection sounds = readCodecs(object, "AudioCodec", false);
-        const bool isVideo = std::string_view(type->name) == "Video";
-        for (const int picture : isVideo ? pictures.ids : std::vector{0})
-            for (const int sound : sounds.ids)
-                for (const int format : formats.ids)
+        const Lists lists = readLists(object);
+        const bool isVideo = type->number == kVideo;
+        for (const int picture : isVideo ? lists.pictures.ids : std::vector{0})
+            for (const int sound : lists.sounds.ids)
+                for (const int format : lists.formats.ids)
                     if (player_.wishes.size() < kMostWishes)
                         player_.wishes.push_back({isVideo, picture, sound, format});
         const std::string protocol = lowerCase(object.text("Protocol"));
@@ -271,30 +288,33 @@ private:
     {
         const NamedNumber *type = readType(object, s_MediaTypes);
         if (!type) return;
-        const Selection formats = readContainers(object);
-        const Selection pictures = readCodecs(object, "VideoCodec", true);
-        const Selection sounds = readCodecs(object, "AudioCodec", false);
+        const Lists lists = readLists(object);
         object.noteUnknown(player_);
         const int origin = originOf(player_, originText(object.place(), object.line()));
-        if (type->number > 1)
+        if (type->number != kAudio && type->number != kVideo)
             return noteAt(object).leftOut("a Device profile has no rules for the type {}",
                                           type->name);
-        const bool isVideo = std::string_view(type->name) == "Video";
-        for (const std::vector<int> &alike : groupsOf(formatsOf(object, formats), formats)) {
-            const int format = alike.front();
-            const bool isButWebm = formats.isButWebm(format);
-            const std::vector<int> audio =
-                codecsOf(object, sounds, format, isVideo ? SoundOfVideo : Music, isButWebm);
-            std::vector<std::optional<int>> video = {std::nullopt};
-            if (isVideo) {
-                const auto codecs = codecsOf(object, pictures, format, Picture, isButWebm);
-                video.assign(codecs.begin(), codecs.end());
-            }
-            for (const std::optional<int> picture : video)
-                for (const int sound : audio)
-                    if (!isButWebm || !isOfWebm(picture, sound))
-                        addWays(picture, sound, alike, origin);
+        for (const std::vector<int> &alike :
+             groupsOf(formatsOf(object, lists.formats), lists.formats))
+            addWays(object, lists, type->number == kVideo, alike, origin);
+    }
+
+    /// Adds what is taken in containers that the same conditions concern.
+    void addWays(const ObjectReader &object, const Lists &lists, bool isVideo,
+                 const std::vector<int> &alike, int origin)
+    {
+        const int format = alike.front();
+        const bool isButWebm = lists.formats.isButWebm(format);
+        const std::vector<int> sounds =
+            codecsOf(object, lists.sounds, format, isVideo ? SoundOfVideo : Music, isButWebm);
+        std::vector<std::optional<int>> pictures = {std::nullopt};
+        if (isVideo) {
+            const auto codecs = codecsOf(object, lists.pictures, format, Picture, isButWebm);
+            pictures.assign(codecs.begin(), codecs.end());
         }
+        for (const std::optional<int> picture : pictures)
+            for (const int sound : sounds)
+                if (!isButWebm || !isOfWebm(picture, sound)) addWays(picture, sound, alike, origin);
     }
 
     static bool isOfWebm(std::optional<int> picture, int sound)
@@ -343,9 +363,9 @@ private:
     {
         combinations_ += combinations;
         if (combinations_ > kMostCombinations)
-            throw ImportError(path_, 0,
-                              "its codecs, containers and conditions combine to more "
-                              "kinds of files than a profile can hold");
+            throw ProfileError(path_, 0,
+                               "its codecs, containers and conditions combine to more "
+                               "kinds of files than a profile can hold");
     }
 
     /// The containers of a list. Any container stands as such only where none has conditions.
@@ -374,9 +394,14 @@ private:
     std::vector<int> codecsOf(const ObjectReader &object, const Selection &codecs, int format,
                               StreamKind kind, bool each)
     {
-        if (format == kWebm) return codecsOfWebm(object, codecs, kind);
-        if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
         std::vector<int> all = kind == Picture ? commonPictures() : commonSounds();
+        const auto isTaken = [&](int codec) { return codecs.takes(codec); };
+        if (format == kWebm) { // to a rule, Matroska files are WebM, too, with these codecs
+            noteAt(object).leftOut("a rule for WebM takes Matroska with the codecs of WebM, too");
+            std::erase_if(all, [&](int id) { return !isTaken(id) || !canHold(kWebm, id); });
+            return all;
+        }
+        if (!codecs.isAll && !codecs.isExcept) return codecs.ids;
         for (const LimitSet &set : sets_)
             for (const int id : set.codecs.ids)
                 if (set.kind == kind && std::ranges::find(all, id) == all.end()) all.push_back(id);
@@ -384,21 +409,10 @@ private:
             return limitsFor(codec, format, kind) != Union{{.codec = codec}};
         };
         if (codecs.isAll && !each && std::ranges::none_of(all, isLimited)) return {0};
-        std::erase_if(all, [&](int codec) { return !codecs.takes(codec); });
+        std::erase_if(all, std::not_fn(isTaken));
         noteAt(object).stricter("any {} codec{} is said as {} common ones",
                                 kind == Picture ? "video" : "audio",
                                 codecs.isAll ? "" : " but some", all.size());
-        return all;
-    }
-
-    /// To a rule, Matroska files are WebM, too; with WebM's few codecs they are just that.
-    std::vector<int> codecsOfWebm(const ObjectReader &object, const Selection &codecs,
-                                  StreamKind kind)
-    {
-        noteAt(object).leftOut("a rule for WebM takes Matroska with the codecs of WebM, too");
-        std::vector<int> all = kind == Picture ? commonPictures() : commonSounds();
-        std::erase_if(all,
-                      [&](int codec) { return !codecs.takes(codec) || !canHold(kWebm, codec); });
         return all;
     }
 
@@ -488,12 +502,12 @@ Player readJellyfinProfile(const std::string &path, const std::string &text)
 {
     const JsonValue document = parseJson(path, text);
     if (document.kind != JsonValue::Object)
-        throw ImportError(path, document.line, "it holds no object, as a device profile is");
+        throw ProfileError(path, document.line, "it holds no object, as a device profile is");
     ObjectReader root(path, document, "");
     if (!isProfile(root))
-        throw ImportError(path, document.line,
-                          "it is no device profile of Jellyfin: it has neither "
-                          "DirectPlayProfiles nor TranscodingProfiles nor CodecProfiles");
+        throw ProfileError(path, document.line,
+                           "it is no device profile of Jellyfin: it has neither "
+                           "DirectPlayProfiles nor TranscodingProfiles nor CodecProfiles");
     Player player;
     Reader(path, player).read(root);
     if (player.name.empty()) player.name = std::filesystem::path(path).stem().string();

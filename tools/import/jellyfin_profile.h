@@ -7,7 +7,7 @@
 
 namespace vornak::tool {
 
-/// What the profile says that the player takes. Throws ImportError.
+/// What the profile says that the player takes. Throws ProfileError.
 Player readJellyfinProfile(const std::string &path, const std::string &text);
 
 } // namespace vornak::tool

@@ -1,7 +1,7 @@
 #include "tools/import/json_object.h"
 
-#include "tools/import/names.h"
-#include "tools/import/text_file.h"
+#include "base/ascii_case.h"
+#include "tools/profile/regular_file.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -60,11 +60,11 @@ public:
     JsonValue take() { return std::move(root_); }
 
     bool null() override { return add(JsonValue::Null, {}); }
-    bool boolean(bool value) override { return add(JsonValue::Flag, value ? "true" : "false"); }
+    bool boolean(bool value) override { return add(JsonValue::Scalar, value ? "true" : "false"); }
     bool number_integer(number_integer_t n) override { return addNumber(std::to_string(n)); }
     bool number_unsigned(number_unsigned_t n) override { return addNumber(std::to_string(n)); }
     bool number_float(number_float_t, const string_t &text) override { return addNumber(text); }
-    bool string(string_t &text) override { return add(JsonValue::Text, text); }
+    bool string(string_t &text) override { return add(JsonValue::Scalar, text); }
     bool binary(binary_t &) override { return false; } // not in JSON
     bool start_object(std::size_t) override { return open(JsonValue::Object); }
     bool end_object() override { return close(); }
@@ -82,24 +82,24 @@ public:
         const std::string_view what = error.what();
         const std::size_t column = what.find("column");
         const std::size_t reason = what.find(": ", column == std::string_view::npos ? 0 : column);
-        throw ImportError(path_, place_.line,
-                          fmt::format("not well-formed JSON{}",
-                                      reason == std::string_view::npos
-                                          ? ""
-                                          : printable(what.substr(reason)).substr(0, 160)));
+        throw ProfileError(path_, place_.line,
+                           fmt::format("not well-formed JSON{}",
+                                       reason == std::string_view::npos
+                                           ? ""
+                                           : printable(what.substr(reason)).substr(0, 160)));
     }
 
 private:
     /// The parser has read a byte beyond a number.
     bool addNumber(std::string text)
     {
-        return add(JsonValue::Number, std::move(text), place_.last == '\n' ? 1 : 0);
+        return add(JsonValue::Scalar, std::move(text), place_.last == '\n' ? 1 : 0);
     }
 
     bool add(JsonValue::Kind kind, std::string text, int beyond = 0)
     {
         if (++values_ > kMostValues)
-            throw ImportError(path_, place_.line, "it holds more values than any profile");
+            throw ProfileError(path_, place_.line, "it holds more values than any profile");
         JsonValue value{kind, place_.line - beyond, std::move(text), {}};
         if (open_.empty())
             root_ = std::move(value);
@@ -111,9 +111,9 @@ private:
     bool open(JsonValue::Kind kind)
     {
         if (open_.size() == kDeepest)
-            throw ImportError(path_, place_.line,
-                              "lists and objects lie deeper in each other than in "
-                              "any profile");
+            throw ProfileError(path_, place_.line,
+                               "lists and objects lie deeper in each other than in "
+                               "any profile");
         add(kind, {});
         // a value is only added to the innermost one, so none that is open moves
         open_.push_back(open_.empty() ? &root_ : &open_.back()->members.back().value);
@@ -147,10 +147,6 @@ JsonValue parseJson(const std::string &path, const std::string &text)
     return builder.take();
 }
 
-ObjectReader::ObjectReader(const std::string &path, const JsonValue &object, std::string place)
-    : path_(path), object_(object), place_(std::move(place))
-{}
-
 const JsonValue *ObjectReader::find(std::string_view key)
 {
     const std::string lower = lowerCase(key);
@@ -166,7 +162,7 @@ std::string ObjectReader::text(std::string_view key)
     const JsonValue *value = find(key);
     if (!value) return {};
     if (value->kind == JsonValue::List || value->kind == JsonValue::Object)
-        throw ImportError(path_, value->line, fmt::format("{}{} is no text", place_, key));
+        throw ProfileError(path_, value->line, fmt::format("{}{} is no text", place_, key));
     return value->text;
 }
 
@@ -176,11 +172,11 @@ std::vector<ObjectReader> ObjectReader::list(std::string_view key)
     if (!value) return {};
     const auto isObject = [](const auto &member) { return member.value.kind == JsonValue::Object; };
     if (value->kind != JsonValue::List || !std::ranges::all_of(value->members, isObject))
-        throw ImportError(path_, value->line,
-                          fmt::format("{}{} is no list of objects", place_, key));
+        throw ProfileError(path_, value->line,
+                           fmt::format("{}{} is no list of objects", place_, key));
     if (value->members.size() > kLongestList)
-        throw ImportError(path_, value->line,
-                          fmt::format("{}{} is longer than in any profile", place_, key));
+        throw ProfileError(path_, value->line,
+                           fmt::format("{}{} is longer than in any profile", place_, key));
     std::vector<ObjectReader> objects;
     for (const auto &[name, object] : value->members)
         objects.emplace_back(path_, object, fmt::format("{}{}[{}].", place_, key, objects.size()));

@@ -2,7 +2,7 @@
 // are written in any letter case.
 #pragma once
 
-#include "tools/import/names.h"
+#include "base/ascii_case.h"
 #include "tools/import/player.h"
 
 #include <algorithm>
@@ -17,11 +17,11 @@ namespace vornak::tool {
 struct JsonMember;
 
 struct JsonValue {
-    enum Kind { Null, Flag, Number, Text, List, Object };
+    enum Kind { Null, Scalar, List, Object };
 
     Kind kind = Null;
     int line = 0;     ///< where it begins, from 1
-    std::string text; ///< of a text, a number as it is written, or "true" and "false"
+    std::string text; ///< of a scalar: a text, a number as it is written, "true" or "false"
     std::vector<JsonMember> members; ///< of a list without names
 };
 
@@ -30,7 +30,7 @@ struct JsonMember {
     JsonValue value;
 };
 
-/// Parses a document; throws ImportError for what is no JSON or nests deeper than any profile.
+/// Parses a document; throws ProfileError for what is no JSON or nests deeper than any profile.
 JsonValue parseJson(const std::string &path, const std::string &text);
 
 /// A value of an enumeration, which may be written as its name or its number.
@@ -52,15 +52,17 @@ const Row *findNamed(const Row (&rows)[Size], std::string_view word)
 class ObjectReader {
 public:
     /// @param place  of the object in the document, such as "CodecProfiles[2]"
-    ObjectReader(const std::string &path, const JsonValue &object, std::string place);
+    ObjectReader(const std::string &path, const JsonValue &object, std::string place)
+        : path_(path), object_(object), place_(std::move(place))
+    {}
 
     const std::string &place() const { return place_; }
     int line() const { return object_.line; }
 
-    /// A text, number or flag as it is written; empty: absent. Throws ImportError for others.
+    /// A text, number or flag as it is written; empty: absent. Throws ProfileError for others.
     std::string text(std::string_view key);
 
-    /// The objects of a list; none: absent. Throws ImportError for what is no list of objects, or
+    /// The objects of a list; none: absent. Throws ProfileError for what is no list of objects, or
     /// longer than any.
     std::vector<ObjectReader> list(std::string_view key);
 

@@ -52,6 +52,11 @@ bool contains(Range outer, Range inner)
     return outer.least <= inner.least && isAtMost(inner.most, outer.most);
 }
 
+bool contains(Range outer, int value)
+{
+    return contains(outer, {value, value});
+}
+
 bool contains(const Limits &outer, const Limits &inner)
 {
     const auto isIn = [&](auto range) { return contains(outer.*range, inner.*range); };

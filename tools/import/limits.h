@@ -15,6 +15,7 @@ std::optional<Limits> intersection(const Limits &one, const Limits &other);
 
 /// Whether `outer` takes everything that `inner` takes.
 bool contains(Range outer, Range inner);
+bool contains(Range outer, int value);
 bool contains(const Limits &outer, const Limits &inner);
 
 /// A union of limits: what keeps any of them is taken.

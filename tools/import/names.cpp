@@ -1,25 +1,11 @@
 #include "tools/import/names.h"
 
 #include "base/media_ids.h"
-#include "include/vornak_host.h"
-#include "platform/registry_names.h"
-#include "tools/profile/coded_levels.h"
-
-#include <algorithm>
-#include <charconv>
+#include "tools/profile/codec_list.h"
+#include "tools/profile/id_names.h"
 
 namespace vornak::tool {
 namespace {
-
-int bitsNamed(std::string_view names, int (*lookup)(const char *name, int *bit))
-{
-    int bits = 0;
-    for (const std::string &name : splitList(names, '|')) {
-        int bit = 0;
-        if (lookup(name.c_str(), &bit) == 0) bits |= bit;
-    }
-    return bits;
-}
 
 std::vector<int> listOf(const CodecList &codecs)
 {
@@ -31,72 +17,7 @@ std::vector<int> generalMp4()
     return {"mp4/isom"_container, "mp4/mp42"_container, "mp4/mp41"_container};
 }
 
-/// A number with at most one digit behind a point, in tenths: 41 for "4.1", 40 for "4".
-std::optional<int> tenths(const std::string &text)
-{
-    int whole = 0;
-    const char *const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, whole);
-    if (error != std::errc() || whole < 0 || whole > 99) return std::nullopt;
-    if (stop == end) return whole * 10;
-    if (end - stop != 2 || *stop != '.' || stop[1] < '0' || stop[1] > '9') return std::nullopt;
-    return whole * 10 + (stop[1] - '0');
-}
-
 } // namespace
-
-int codecNamed(const std::string &name)
-{
-    int id = 0;
-    return CodecNameToID(name.c_str(), &id) == 0 ? id : -1;
-}
-
-bool isPicture(int codec)
-{
-    return codec > 0 && codec < kFirstAudioCodec;
-}
-
-int containerNamed(const std::string &name)
-{
-    const std::size_t slash = name.find('/');
-    const std::string subtype = slash == std::string::npos ? "" : name.substr(slash + 1);
-    int id = 0;
-    return ContainerFormatNameToID(name.substr(0, slash).c_str(), subtype.c_str(), &id) == 0 ? id
-                                                                                             : -1;
-}
-
-int profilesNamed(std::string_view names)
-{
-    return bitsNamed(names, ProfileNameToID);
-}
-
-int playExceptionsNamed(std::string_view names)
-{
-    return bitsNamed(names, PlayExceptionNameToID);
-}
-
-std::vector<std::string> splitList(std::string_view list, char separator)
-{
-    constexpr std::string_view kBlanks = " \t\r\n";
-    std::vector<std::string> pieces;
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find(separator), list.size());
-        std::string_view piece = list.substr(0, end);
-        list.remove_prefix(std::min(end + 1, list.size()));
-        piece.remove_prefix(std::min(piece.find_first_not_of(kBlanks), piece.size()));
-        piece = piece.substr(0, piece.find_last_not_of(kBlanks) + 1);
-        if (!piece.empty()) pieces.emplace_back(piece);
-    }
-    return pieces;
-}
-
-std::string lowerCase(std::string_view text)
-{
-    std::string lower(text);
-    for (char &c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
 
 std::vector<int> commonPictures()
 {
@@ -134,29 +55,6 @@ std::vector<int> containersNamed(const std::string &name)
     const int format = containerNamed(name == "webma" ? "webm" : name);
     if (format <= 0) return {};
     return format == "mp4"_container ? generalMp4() : std::vector{format};
-}
-
-std::span<const int> knownLevels(int codec)
-{
-    const LevelScale *scale = levelScaleOf(codec);
-    return scale ? scale->levels : std::span<const int>();
-}
-
-std::optional<int> codedLevel(int codec, const std::string &level)
-{
-    if (codec == "h264"_codec && lowerCase(level) == "1b") return 9;
-    const std::optional<int> written = tenths(level);
-    if (!written) return std::nullopt;
-    const LevelScale *scale = levelScaleOf(codec);
-    if (!scale) {
-        // AV1 counts from 2.0, four to each whole level
-        if (codec == "av1"_codec && *written >= 20 && *written % 10 < 4)
-            return (*written / 10 - 2) * 4 + *written % 10;
-        return *written % 10 == 0 ? std::optional(*written / 10) : std::nullopt;
-    }
-    const int coded = *written * scale->factor / 10;
-    const bool isKnown = std::ranges::find(scale->levels, coded) != scale->levels.end();
-    return isKnown ? std::optional(coded) : std::nullopt;
 }
 
 } // namespace vornak::tool

@@ -1,5 +1,6 @@
 #include "tools/import/player.h"
 
+#include "tools/profile/regular_file.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -13,6 +14,12 @@ int originOf(Player &player, const std::string &origin)
     const auto position = known - player.origins.begin();
     if (known == player.origins.end()) player.origins.push_back(origin);
     return static_cast<int>(position);
+}
+
+std::string readForeignFile(const std::string &path)
+{
+    constexpr std::size_t kLargest = 4'000'000;
+    return readRegularFile(path, path, kLargest);
 }
 
 std::string shownFileName(const std::string &path)

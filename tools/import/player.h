@@ -116,6 +116,9 @@ private:
     std::string what_;
 };
 
+/// What a foreign profile's file holds. Throws ProfileError.
+std::string readForeignFile(const std::string &path);
+
 /// The name of a file without its folder, printable.
 std::string shownFileName(const std::string &path);
 

@@ -1,6 +1,5 @@
 #include "tools/import/profile_text.h"
 
-#include "tools/import/names.h"
 #include "tools/profile/dlna_names.h"
 #include "tools/profile/id_names.h"
 #include "tools/terminal/printable.h"
@@ -150,14 +149,12 @@ private:
     /// Keeps the check from doubting names that the foreign profile states.
     void addSilencers(const DeviceRules &rules)
     {
-        const std::vector<std::string> types = mimeTypes();
         bool isPnKnown = true, isMimeKnown = true;
         const auto look = [&](const Rule &rule) {
             for (const ContainerRule &entry : rule.containers) {
                 const std::string &pn = entry.container.pn, &mime = entry.container.mime;
                 isPnKnown = isPnKnown && (pn.empty() || findDlnaName(pn));
-                const std::string type = lowerCase(mime.substr(0, mime.find_first_of("; ")));
-                isMimeKnown = isMimeKnown && (mime.empty() || std::ranges::count(types, type) > 0);
+                isMimeKnown = isMimeKnown && (mime.empty() || isKnownMimeType(mime));
             }
         };
         std::ranges::for_each(rules.music, look);

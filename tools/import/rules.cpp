@@ -1,12 +1,12 @@
 #include "tools/import/rules.h"
 
 #include "base/media_ids.h"
-#include "tools/import/container_facts.h"
 #include "tools/import/limits.h"
 #include "tools/import/names.h"
 #include "tools/import/said_limits.h"
 #include "tools/import/targets.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -409,25 +409,29 @@ void takeWhatIsWished(Player &player, bool isVideo)
     }
 }
 
+std::vector<Rule> rulesOfKind(Player &player, bool isVideo)
+{
+    const Ways ways = waysOfKind(player, isVideo);
+    return isVideo ? pictureRules(ways, player)
+                   : soundRules(ways, {true, 0, player.wishes}, player);
+}
+
 /// Makes the rules of a section. Where nothing of what is played can be made, what is wished for
 /// has to be played as well, since the first rule says both.
-template <class MakeRules>
-std::vector<Rule> rulesOfSection(Player &player, bool isVideo, MakeRules make)
+std::vector<Rule> rulesOfSection(Player &player, bool isVideo)
 {
     const bool isAny = !waysOfKind(player, isVideo).empty();
-    std::vector<Rule> rules = make(waysOfKind(player, isVideo));
+    std::vector<Rule> rules = rulesOfKind(player, isVideo);
     if (!rules.empty()) return rules;
     takeWhatIsWished(player, isVideo);
-    rules = make(waysOfKind(player, isVideo));
+    rules = rulesOfKind(player, isVideo);
     const Note note = noteOf(player, isVideo ? "VIDEO" : "MUSIC");
     if (!rules.empty())
-        note.leftOut(
-            "nothing of what is played as it is can be made; what is wished for is taken as it "
-            "is, too, since the first rule says both");
+        note.leftOut("nothing of what is played as it is can be made; what is wished for is taken "
+                     "as it is, too, since the first rule says both");
     else if (isAny)
-        note.stricter(
-            "ffmpeg makes nothing of what is played, and there is no rule without something to "
-            "transcode to");
+        note.stricter("ffmpeg makes nothing of what is played, and there is no rule without "
+                      "something to transcode to");
     return rules;
 }
 
@@ -435,12 +439,7 @@ std::vector<Rule> rulesOfSection(Player &player, bool isVideo, MakeRules make)
 
 DeviceRules makeRules(Player &player)
 {
-    DeviceRules rules;
-    rules.music = rulesOfSection(player, false, [&](const Ways &ways) {
-        return soundRules(ways, {true, 0, player.wishes}, player);
-    });
-    rules.video =
-        rulesOfSection(player, true, [&](const Ways &ways) { return pictureRules(ways, player); });
+    DeviceRules rules{rulesOfSection(player, false), rulesOfSection(player, true)};
     if (rules.music.empty() && rules.video.empty())
         throw std::runtime_error("nothing that is played as it is can be made by ffmpeg, so there "
                                  "is nothing to transcode to, and no profile");

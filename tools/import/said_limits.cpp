@@ -3,7 +3,7 @@
 #include "base/media_ids.h"
 #include "platform/registry_names.h"
 #include "profile/sample_rates.h"
-#include "tools/import/names.h"
+#include "tools/profile/coded_levels.h"
 #include "tools/profile/id_names.h"
 
 #include <algorithm>
@@ -23,11 +23,6 @@ constexpr int s_Mpeg[] = {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100,
 constexpr int s_Aac[] = {7350,  8000,  11025, 12000, 16000, 22050, 24000,
                          32000, 44100, 48000, 64000, 88200, 96000};
 constexpr int s_Dolby[] = {16000, 22050, 24000, 32000, 44100, 48000};
-
-bool isIn(Range range, int rate)
-{
-    return rate >= range.least && (range.most == 0 || rate <= range.most);
-}
 
 /// What a picture can have that a decoder may stumble over; codecs that aren't listed can have
 /// all of it. Fields of HEVC are pictures of their own, no other coding: they count for little
@@ -126,8 +121,9 @@ std::optional<Range> sayableRates(Range rates)
 bool losesRate(Range taken, const std::optional<Range> &said)
 {
     if (!said && taken.least == taken.most) return true;
-    return std::ranges::any_of(
-        s_Unsayable, [&](int rate) { return isIn(taken, rate) && !(said && isIn(*said, rate)); });
+    return std::ranges::any_of(s_Unsayable, [&](int rate) {
+        return contains(taken, rate) && !(said && contains(*said, rate));
+    });
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "base/media_ids.h"
 #include "tools/import/limits.h"
-#include "tools/import/names.h"
 #include "tools/import/said_limits.h"
 #include "tools/profile/id_names.h"
 
@@ -21,11 +20,6 @@ constexpr int kGreatestBitrate = 100'000'000;
 int mostOf(Range range, int otherwise)
 {
     return range.most == 0 ? otherwise : std::min(range.most, otherwise);
-}
-
-bool isIn(Range range, int value)
-{
-    return contains(range, {value, value});
 }
 
 std::string bitrateText(int bitrate)
@@ -251,15 +245,15 @@ std::string soundOption(const SoundEncoder &encoder, const Limits &limits)
 {
     if (limits.profiles != 0 && (limits.profiles & profilesNamed(encoder.profile)) == 0) return {};
     const int channels = targetChannels(encoder, limits.channels);
-    const auto rate = std::ranges::find_if(encoder.rates,
-                                           [&](int each) { return isIn(limits.sampleRate, each); });
-    if (rate == encoder.rates.end() || !isIn(limits.channels, channels)) return {};
+    const auto rate = std::ranges::find_if(
+        encoder.rates, [&](int each) { return contains(limits.sampleRate, each); });
+    if (rate == encoder.rates.end() || !contains(limits.channels, channels)) return {};
     std::string option = encoder.option;
     if (encoder.stereo > 0) {
         const int bitrate = targetBitrate(encoder, limits.bitrate, channels);
         if (bitrate == 0) return {};
         option += fmt::format(" -b:a {}k", bitrate);
-    } else if (!isIn(limits.bitrate, losslessBitrate(limits.codec, channels, *rate))) {
+    } else if (!contains(limits.bitrate, losslessBitrate(limits.codec, channels, *rate))) {
         return {};
     }
     const bool keepsChannels = encoder.channels == 0 && channels >= 6 && limits.channels.least < 2;

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <span>
+#include <string>
 
 namespace vornak::tool {
 
@@ -56,5 +58,11 @@ constexpr std::span<const NamedLevel> levelNamesOf(int codecId)
     if (codecId != "mpeg2video"_codec) return {};
     return s_Mpeg2Levels;
 }
+
+/// The levels of the codec, rising, as its streams code them; empty: they have no known order.
+std::span<const int> knownLevels(int codec);
+
+/// What a stream says for a level such as "4.1"; nothing: the codec has no such level.
+std::optional<int> codedLevel(int codec, const std::string &level);
 
 } // namespace vornak::tool

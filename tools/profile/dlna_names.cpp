@@ -1,5 +1,6 @@
 #include "tools/profile/dlna_names.h"
 
+#include "base/ascii_case.h"
 #include "base/media_ids.h"
 #include "base/rule_tables.h"
 #include "include/vornak_host.h"
@@ -180,7 +181,7 @@ std::vector<int> idsOf(std::string_view list, int (*lookup)(const char *name, in
                     {"ps", "mpegps|mpegps_dvd|mpegps_mpeg1"},
                     {"pcm", "pcm_s16le|pcm_s16be|pcm_s24le|pcm_s24be|pcm_dvd|pcm_bluray|pcm_u8"}};
     std::vector<int> ids;
-    for (const std::string &name : splitAtBars(list)) {
+    for (const std::string &name : splitList(list)) {
         const auto *const group =
             std::ranges::find(s_Groups, name, [](const auto &row) { return row.name; });
         int id = 0;
@@ -206,12 +207,6 @@ std::string_view soundsIn(std::string_view name)
     return {};
 }
 
-int profileBit(const std::string &name)
-{
-    int bit = 0;
-    return ProfileNameToID(name.c_str(), &bit) == 0 ? bit : 0;
-}
-
 /// What the words in a name say of its picture and its sound.
 void readName(DlnaName &name)
 {
@@ -220,15 +215,12 @@ void readName(DlnaName &name)
     };
     for (const auto &row : s_Profiles) {
         if (name.profiles != 0 || !name.name.starts_with(row.family) || !hasWord(row)) continue;
-        for (const std::string &profile : splitAtBars(row.profiles)) {
-            if (name.profiles == 0) name.bestProfile = profileBit(profile);
-            name.profiles |= profileBit(profile);
-        }
+        name.bestProfile = profilesNamed(row.profiles.substr(0, row.profiles.find('|')));
+        name.profiles = profilesNamed(row.profiles);
     }
     if (const auto *const sound = std::ranges::find_if(s_SoundProfiles, hasWord);
         sound != std::end(s_SoundProfiles))
-        for (const std::string &profile : splitAtBars(sound->profiles))
-            name.soundProfiles |= profileBit(profile);
+        name.soundProfiles = profilesNamed(sound->profiles);
     const auto *const size = std::ranges::find_if(s_Sizes, hasWord);
     if (size == std::end(s_Sizes)) return;
     name.width = size->width;
@@ -359,9 +351,20 @@ const std::string &dlnaNameFor(const DlnaUse &use)
     return known->second;
 }
 
-std::vector<std::string> mimeTypes()
+const std::vector<std::string> &mimeTypes()
 {
-    return splitAtBars(kMimeTypes);
+    static const std::vector<std::string> s_types = splitList(kMimeTypes);
+    return s_types;
+}
+
+std::string bareMimeType(std::string_view mime)
+{
+    return lowerCase(mime.substr(0, mime.find_first_of("; ")));
+}
+
+bool isKnownMimeType(std::string_view mime)
+{
+    return std::ranges::find(mimeTypes(), bareMimeType(mime)) != mimeTypes().end();
 }
 
 } // namespace vornak::tool

@@ -42,6 +42,11 @@ const std::string &dlnaNameFor(const DlnaUse &use);
 bool allows(const std::vector<int> &ids, int id);
 
 /// The MIME types of media, in lower case.
-std::vector<std::string> mimeTypes();
+const std::vector<std::string> &mimeTypes();
+
+/// A MIME type without its parameters, in lower case.
+std::string bareMimeType(std::string_view mime);
+
+bool isKnownMimeType(std::string_view mime);
 
 } // namespace vornak::tool

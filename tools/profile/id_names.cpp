@@ -1,5 +1,6 @@
 #include "tools/profile/id_names.h"
 
+#include "base/media_ids.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 
@@ -31,7 +32,47 @@ std::vector<std::string> namesOf(std::span<const RegistryName> rows)
     return names;
 }
 
+int bitsNamed(std::string_view names, int (*lookup)(const char *name, int *bit))
+{
+    int bits = 0;
+    for (const std::string &name : splitList(names, '|')) {
+        int bit = 0;
+        if (lookup(name.c_str(), &bit) == 0) bits |= bit;
+    }
+    return bits;
+}
+
 } // namespace
+
+int codecNamed(const std::string &name)
+{
+    int id = 0;
+    return CodecNameToID(name.c_str(), &id) == 0 ? id : -1;
+}
+
+bool isPicture(int codec)
+{
+    return codec > 0 && codec < kFirstAudioCodec;
+}
+
+int containerNamed(const std::string &name)
+{
+    const std::size_t slash = name.find('/');
+    const std::string subtype = slash == std::string::npos ? "" : name.substr(slash + 1);
+    int id = 0;
+    return ContainerFormatNameToID(name.substr(0, slash).c_str(), subtype.c_str(), &id) == 0 ? id
+                                                                                             : -1;
+}
+
+int profilesNamed(std::string_view names)
+{
+    return bitsNamed(names, ProfileNameToID);
+}
+
+int playExceptionsNamed(std::string_view names)
+{
+    return bitsNamed(names, PlayExceptionNameToID);
+}
 
 std::string codecText(int id)
 {
@@ -93,15 +134,19 @@ std::vector<std::string> knownPlayExceptions()
     return namesOf(playExceptionNames());
 }
 
-std::vector<std::string> splitAtBars(std::string_view list)
+std::vector<std::string> splitList(std::string_view list, char separator)
 {
-    std::vector<std::string> entries;
+    constexpr std::string_view kBlanks = " \t\r\n";
+    std::vector<std::string> pieces;
     while (!list.empty()) {
-        const std::string_view entry = list.substr(0, list.find('|'));
-        if (!entry.empty()) entries.emplace_back(entry);
-        list.remove_prefix(std::min(list.size(), entry.size() + 1));
+        const std::size_t end = std::min(list.find(separator), list.size());
+        std::string_view piece = list.substr(0, end);
+        list.remove_prefix(std::min(end + 1, list.size()));
+        piece.remove_prefix(std::min(piece.find_first_not_of(kBlanks), piece.size()));
+        piece = piece.substr(0, piece.find_last_not_of(kBlanks) + 1);
+        if (!piece.empty()) pieces.emplace_back(piece);
     }
-    return entries;
+    return pieces;
 }
 
 std::string channelsText(int channels)

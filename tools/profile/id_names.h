@@ -7,6 +7,19 @@
 
 namespace vornak::tool {
 
+/// The codec's id; -1: there is no such codec.
+int codecNamed(const std::string &name);
+
+/// Whether it is a codec of pictures; all others are of sound.
+bool isPicture(int codec);
+
+/// The container's id, with its subtype after a slash ("mp4/isom"); -1: there is no such container.
+int containerNamed(const std::string &name);
+
+/// The bits of profiles, or of play exceptions, with bars between the names.
+int profilesNamed(std::string_view names);
+int playExceptionsNamed(std::string_view names);
+
 /// A codec's name, "any" for the wildcard, "codec 123" for an id that the registry doesn't know.
 std::string codecText(int id);
 
@@ -27,8 +40,8 @@ std::vector<std::string> knownContainers();
 std::vector<std::string> knownSubtypes(int containerId);
 std::vector<std::string> knownPlayExceptions();
 
-/// The names of a list, which bars separate, without empty ones.
-std::vector<std::string> splitAtBars(std::string_view list);
+/// The pieces of a list without blanks around them; empty ones are left out.
+std::vector<std::string> splitList(std::string_view list, char separator = '|');
 
 /// Numbers with their units.
 std::string channelsText(int channels);

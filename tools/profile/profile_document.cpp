@@ -1,6 +1,5 @@
 #include "tools/profile/profile_document.h"
 
-#include "base/descriptor.h"
 #include "include/vornak_host.h"
 #include "tools/profile/profile_file.h"
 #include "tools/terminal/printable.h"
@@ -9,13 +8,9 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <iconv.h>
 #include <memory>
-#include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace vornak::tool {
@@ -25,27 +20,6 @@ namespace {
 // beside the outermost element, comments and the like are kept, to be found.
 constexpr unsigned kParseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_fragment |
                                  pugi::parse_cdata | pugi::parse_comments | pugi::parse_declaration;
-
-/// The file's bytes, or nothing with the reason in errno. A profile is read more than once, so
-/// a pipe is refused.
-std::optional<std::string> readFile(const std::string &path)
-{
-    const Descriptor file(open(profilePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!file || fstat(file.get(), &status) != 0) return std::nullopt;
-    if (!S_ISREG(status.st_mode))
-        throw ProfileError(path, 0,
-                           S_ISDIR(status.st_mode) ? "it is a directory" : "it is no regular file");
-    std::string text;
-    char block[65536];
-    for (;;) {
-        const ssize_t got = read(file.get(), block, sizeof block);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return std::nullopt;
-        if (got == 0) return text;
-        text.append(block, static_cast<std::size_t>(got));
-    }
-}
 
 constexpr struct {
     pugi::xml_encoding encoding;
@@ -88,13 +62,6 @@ std::string toUtf8(const std::string &text, pugi::xml_encoding encoding)
     return out;
 }
 
-std::string describe(const std::string &path, int line, std::string_view reason)
-{
-    const std::string title = printable(profileTitle(path));
-    if (line == 0) return fmt::format("{}: {}", title, reason);
-    return fmt::format("{}:{}: {}", title, line, reason);
-}
-
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -121,20 +88,15 @@ std::vector<pugi::xml_node> codecRules(pugi::xml_node parent, const char *name, 
 
 } // namespace
 
-ProfileError::ProfileError(const std::string &path, int line, std::string_view reason)
-    : std::runtime_error(describe(path, line, reason)), line_(line)
-{}
-
 ProfileDocument::ProfileDocument(const std::string &path)
 {
-    std::optional<std::string> text = readFile(path);
-    if (!text) throw ProfileError(path, 0, fmt::format("can't read it: {}", std::strerror(errno)));
-    text_ = *std::move(text);
-    parse(path);
-    device_ = findDevice(path);
+    const std::string title = profileTitle(path);
+    text_ = readRegularFile(profilePath(path), title); // no pipe: it is read more than once
+    parse(title);
+    device_ = findDevice(title);
 }
 
-void ProfileDocument::parse(const std::string &path)
+void ProfileDocument::parse(const std::string &title)
 {
     pugi::xml_parse_result result = document_.load_buffer(text_.data(), text_.size(), kParseFlags);
     if (result.encoding != pugi::encoding_utf8 && result.status != pugi::status_out_of_memory) {
@@ -145,11 +107,11 @@ void ProfileDocument::parse(const std::string &path)
     findLines();
     if (!result)
         throw ProfileError(
-            path, lineAt(static_cast<std::size_t>(result.offset)),
+            title, lineAt(static_cast<std::size_t>(result.offset)),
             fmt::format("not well-formed XML: {}{}", result.description(),
                         explain(result.status, static_cast<std::size_t>(result.offset))));
     if (!document_.document_element())
-        throw ProfileError(path, 0, "it holds no XML element; a profile is a DEVICE element");
+        throw ProfileError(title, 0, "it holds no XML element; a profile is a DEVICE element");
 }
 
 std::string ProfileDocument::explain(pugi::xml_parse_status status, std::size_t offset) const
@@ -196,15 +158,15 @@ void ProfileDocument::findLines()
         lineStarts_.push_back(end + 1);
 }
 
-pugi::xml_node ProfileDocument::findDevice(const std::string &path) const
+pugi::xml_node ProfileDocument::findDevice(const std::string &title) const
 {
     const pugi::xml_node device = document_.child("DEVICE");
     const pugi::xml_node first = document_.document_element();
     if (!device)
-        throw ProfileError(path, lineOf(first),
+        throw ProfileError(title, lineOf(first),
                            fmt::format("the outermost element is {}; a profile is a DEVICE element",
                                        printable(first.name())));
-    if (!isNamed(device)) throw ProfileError(path, lineOf(device), "DEVICE needs a NAME");
+    if (!isNamed(device)) throw ProfileError(title, lineOf(device), "DEVICE needs a NAME");
     return device;
 }
 

@@ -1,25 +1,15 @@
 // A profile file as it is written, with the lines that the loaded records know nothing of.
 #pragma once
 
+#include "tools/profile/regular_file.h"
+
 #include <cstddef>
 #include <pugixml.hpp>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vornak::tool {
-
-/// Why a profile can't be loaded: one line of text that names the file, and its line if any.
-class ProfileError : public std::runtime_error {
-public:
-    ProfileError(const std::string &path, int line, std::string_view reason);
-
-    int line() const { return line_; } ///< 0: of the file as a whole
-
-private:
-    int line_;
-};
 
 class ProfileDocument {
 public:
@@ -64,13 +54,13 @@ public:
 
 private:
     std::string writtenTag(pugi::xml_node element) const;
-    void parse(const std::string &path);
+    void parse(const std::string &title);
     void findLines();
     /// What to do about an error of the parser that says too little by itself; else empty.
     std::string explain(pugi::xml_parse_status status, std::size_t offset) const;
     /// The element that lacks its end tag where the parser stopped; null: it can't be told.
     pugi::xml_node openElement(std::size_t offset) const;
-    pugi::xml_node findDevice(const std::string &path) const;
+    pugi::xml_node findDevice(const std::string &title) const;
 
     std::string text_, bytes_; // of these the second where the first was made of it
     std::vector<std::size_t> lineStarts_;

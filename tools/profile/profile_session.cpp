@@ -38,7 +38,7 @@ ProfileSession::ProfileSession(const std::string &path)
                                                VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0));
         warnings_ = warningsIn(messages.take());
     }
-    if (!profile_) throw ProfileError(path, 0, "the library refuses to load it");
+    if (!profile_) throw ProfileError(profileTitle(path), 0, "the library refuses to load it");
     findLines(document);
 }
 
