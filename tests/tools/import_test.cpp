@@ -340,7 +340,7 @@ TEST(ProfileNew, WritesWhatCheckPasses)
         {"--video", "hevc:main10:5.1,3840x2160,80M", "--video", "vp9", "--audio", "opus:2,eac3:6",
          "--container", "matroska", "--name", "<&\">"},
         {"--like", "phone", "--video", "h264:baseline:3.0", "--music", "aac:he:2,pcm_s24le"},
-        {"--audio", "mp3,flac"},
+        {"--audio", "mp3,flac,aac:5.1"},
     };
     const TempDir folder;
     for (const std::vector<std::string> &options : cases) {
@@ -356,6 +356,18 @@ TEST(ProfileNew, WritesWhatCheckPasses)
     }
 }
 
+TEST(ProfileNew, NamesWhatIsInNoVideo)
+{
+    const ProcessResult result = run({VORNAK_CLI, "profile", "new", "--video", "h264", "--audio",
+                                      "aac:5.1,flac", "--container", "mpegts,webm", "-o", "-"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("NAME=\"aac\" MAXCHANNELS=\"6\""));
+    EXPECT_EQ(result.err,
+              "vornak: left out: --audio flac: no --container with a --video is known to "
+              "come with it\nvornak: left out: --container webm: no --video with an "
+              "--audio is known to come with it\n");
+}
+
 TEST(ProfileNew, RefusesWhatItDoesNotKnow)
 {
     const struct {
@@ -369,6 +381,9 @@ TEST(ProfileNew, RefusesWhatItDoesNotKnow)
         {{"--like", "tv", "--video", "aac"}, "aac is no video codec"},
         {{"--like", "tv", "--video", "h264:hihg"}, "h264 has no profile hihg; did you mean high?"},
         {{"--like", "tv", "--video", "h264:4.7"}, "h264 has no level 4.7"},
+        {{"--like", "tv", "--video", "h264:41"}, "h264 has no level 41; write 4.1"},
+        {{"--like", "tv", "--video", "h264,hevc"}, "give each codec a --video of its own"},
+        {{"--music", "mp3:320K"}, "mp3 has no profile 320K"},
         {{"--like", "tv", "--video", "h264,1920"}, "1920 is neither a size"},
         {{"--like", "tv", "--video", "h264,1920x"}, "1920x is no size"},
         {{"--like", "tv", "--container", "mp5"}, "there is no container of that name"},

@@ -111,12 +111,33 @@ int readNumber(const std::string &text)
     return isWhole && number.value > 0 ? number.value : 0;
 }
 
+/// "6", or "5.1"; 0: it isn't.
+int readChannels(const std::string &text)
+{
+    constexpr int kMost = 64;
+    const std::size_t point = text.find('.');
+    const std::string_view part = std::string_view(text).substr(std::min(point, text.size()));
+    const int whole = readNumber(text.substr(0, point));
+    const bool isCount = text.find_first_not_of("0123456789.") == std::string::npos &&
+                         whole <= kMost && (part.empty() || part == ".0" || part == ".1");
+    return !isCount || whole == 0 ? 0 : whole + (part == ".1" ? 1 : 0);
+}
+
+/// "; write 4.1" for a level that is written as its stream codes it.
+std::string levelMeant(int codec, const std::string &text)
+{
+    if (text.size() != 2) return {};
+    const std::string level = fmt::format("{}.{}", text[0], text[1]);
+    return codedLevel(codec, level) ? "; write " + level : "";
+}
+
 void readSizeOrRate(const std::string &given, const std::string &word, Limits &limits)
 {
     const std::size_t times = word.find('x');
     if (times == std::string::npos) {
         constexpr int kLeastBitrate = 10'000; // else kilobits or a width are meant
         limits.bitrate.most = readNumber(word);
+        if (codecNamed(word) > 0) refuse("--video", given, "give each codec a --video of its own");
         if (limits.bitrate.most < kLeastBitrate)
             refuse("--video", given,
                    fmt::format("{} is neither a size, such as 1920x1080, nor a "
@@ -145,7 +166,8 @@ Limits readPicture(const std::string &given)
             limits.level = *level;
         else if (words[i].find_first_not_of("0123456789.") == std::string::npos)
             refuse("--video", given,
-                   fmt::format("{} has no level {}", codecText(limits.codec), printable(words[i])));
+                   fmt::format("{} has no level {}{}", codecText(limits.codec), printable(words[i]),
+                               levelMeant(limits.codec, words[i])));
         else
             limits.profiles = readProfiles("--video", given, limits.codec, words[i]);
     }
@@ -161,7 +183,7 @@ Limits readSound(const char *option, const std::string &given)
     Limits limits;
     limits.codec = readCodec(option, given, words[0], false);
     for (std::size_t i = 1; i < words.size(); ++i)
-        if (const int channels = readNumber(words[i]); channels > 0)
+        if (const int channels = readChannels(words[i]); channels > 0)
             limits.channels.most = channels;
         else
             limits.profiles = readProfiles(option, given, limits.codec, words[i]);
@@ -227,6 +249,30 @@ void addVideo(Player &player, const std::string &given, const Description &descr
                "--audio; name others");
 }
 
+/// Tells of sounds and containers that are in no video.
+void noteUnused(Player &player, const Description &description)
+{
+    const auto isUsed = [&](auto has) {
+        return std::ranges::any_of(player.ways,
+                                   [&](const Way &way) { return way.picture && has(way); });
+    };
+    const auto note = [&](const char *option, const std::string &given, const char *what) {
+        player.remarks.insert(
+            {{},
+             0,
+             Remark::LeftOut,
+             fmt::format("{} {}: no {} is known to come with it", option, printable(given), what)});
+    };
+    for (const std::string &audio : description.audio)
+        if (const Limits sound = readSound("--audio", audio);
+            !isUsed([&](const Way &way) { return way.sound == sound; }))
+            note("--audio", audio, "--container with a --video");
+    for (const std::string &name : description.containers)
+        if (const Container container = videoIn(readContainer(name));
+            !isUsed([&](const Way &way) { return way.containers.front() == container; }))
+            note("--container", name, "--video with an --audio");
+}
+
 template <class Value>
 void takeOver(Value &value, const Value &from)
 {
@@ -276,6 +322,7 @@ Player describedPlayer(Description description)
     for (const std::string &given : tellsMusic ? description.music : description.audio)
         addMusic(player, tellsMusic ? "--music" : "--audio", given);
     for (const std::string &given : description.video) addVideo(player, given, description);
+    if (!description.video.empty()) noteUnused(player, description);
     return player;
 }
 

@@ -226,7 +226,9 @@ bool isTarget(const Rule &rule)
 {
     if (rule.option.empty()) return false;
     if (rule.sounds.empty()) return !rule.containers.front().noTranscode;
-    return canHold(rule.sounds.front().containers.front().container.format, rule.limits.codec);
+    const Rule &sound = rule.sounds.front();
+    const int format = sound.containers.front().container.format;
+    return canHold(format, rule.limits.codec) && canHold(format, sound.limits.codec);
 }
 
 /// The place in the order of targets: what is wished for, then what is preferred anyway.
