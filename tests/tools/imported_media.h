@@ -191,7 +191,7 @@ inline Imported import(const tool::ImportOptions &options)
     imported.profile.reset(
         ParseSingleTranscodeXML(path.c_str(), VORNAK_MEDIA_MUSIC | VORNAK_MEDIA_VIDEO, 0, 0));
     for (const tool::Remark &remark : player.remarks)
-        if (remark.kind == tool::Remark::LeftOut)
+        if (remark.kind != tool::Remark::Stricter)
             imported.leftOut.insert({remark.file, remark.line});
         else
             imported.isStricter = true;

@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <stdexcept>
 
 namespace vornak::tool {
 namespace {
@@ -26,7 +27,7 @@ constexpr const char *kProfileImportFooter = R"(Examples:
 
 What can't be said exactly is said more strictly: a file may be transcoded that the player would
 have played, and none is sent that it wouldn't play. What a Device profile has no limit for is left
-out. Both are listed, with their lines.
+out, and a few things are taken more loosely. All of these are listed, with their lines.
 
 Exit status: 0 written, 2 bad usage, a file that can't be understood, or an output that can't be
 written.
@@ -36,13 +37,27 @@ struct ImportCommandOptions : ImportOptions {
     ProfileOutput output;
 };
 
+void tellRemarks(const Player &player)
+{
+    for (const Remark &remark : player.remarks) complain(remarkText(remark));
+}
+
+/// Where there are none, the remarks say why.
+DeviceRules rulesFor(Player &player)
+try {
+    return makeRules(player);
+} catch (const std::runtime_error &) {
+    tellRemarks(player);
+    throw;
+}
+
 int runProfileImport(const ImportCommandOptions &options)
 {
     Player player = readForeignProfile(options);
-    const DeviceRules rules = makeRules(player);
+    const DeviceRules rules = rulesFor(player);
     const std::string text =
         profileText(player, rules, "Imported from " + shownFileName(options.file) + ".");
-    for (const Remark &remark : player.remarks) complain(remarkText(remark));
+    tellRemarks(player);
     writeProfile(text, options.output);
     return kDone;
 }
@@ -54,8 +69,9 @@ void addProfileImport(CLI::App &app, int &status)
     auto options = std::make_shared<ImportCommandOptions>();
     CLI::App *command = app.add_subcommand("import", kProfileImportHelp);
     command
-        ->add_option("FILE", options->file,
-                     "The foreign profile: a file, or a folder of DLNA profiles")
+        ->add_option(
+            "FILE", options->file,
+            "The foreign profile: a file, a folder of DLNA profiles, or - for standard input")
         ->required();
     command->add_option("--name", options->name, "The player's name")->type_name("NAME");
     addRepeatable(*command, "--names", options->names,

@@ -368,7 +368,7 @@ std::vector<Container> containersThatFit(const DlnaRestriction &restriction, boo
     for (const Field &field : restriction.fields) {
         const Note note(player.remarks, field.file, field.line, "container " + field.name);
         if (!isMusic && field.name == "packetsize")
-            note.leftOut("for a video, rules take packets of 188 and of 192 bytes for one");
+            note.looser("for a video, rules take packets of 188 and of 192 bytes for one");
         if (std::ranges::find(s_Seen, field.name) == std::end(s_Seen))
             note.leftOut("a Device profile doesn't limit it");
     }

@@ -2,6 +2,8 @@
 
 #include "tools/import/dlna_profiles.h"
 #include "tools/import/jellyfin_profile.h"
+#include "tools/profile/id_names.h"
+#include "tools/profile/profile_file.h"
 #include "tools/profile/regular_file.h"
 
 #include <filesystem>
@@ -24,7 +26,8 @@ char firstCharacter(std::string_view text)
 std::vector<SinkEntry> wantedProfiles(const ImportOptions &options)
 {
     std::vector<SinkEntry> wanted;
-    for (const std::string &name : options.names) wanted.push_back({name, {}, name});
+    for (const std::string &list : options.names)
+        for (const std::string &name : splitList(list, ',')) wanted.push_back({name, {}, name});
     for (SinkEntry &entry : readSinkProtocolInfo(options.sink)) wanted.push_back(std::move(entry));
     if (wanted.empty())
         throw std::runtime_error(
@@ -41,15 +44,17 @@ Player readProfile(const ImportOptions &options)
     const std::string text = readForeignFile(options.file);
     switch (firstCharacter(text)) {
     case '<':
+        if (text.find("<DEVICE") != std::string::npos)
+            throw ProfileError(profileTitle(options.file), 0, "it is a Device profile already");
         return readDlnaProfiles(options.file, wantedProfiles(options), options.relaxed);
     case '{':
         if (!options.names.empty() || !options.sink.empty())
             throw std::runtime_error("--names and --sink-protocol-info are for DLNA profiles; a "
                                      "Jellyfin profile is taken whole");
-        return readJellyfinProfile(options.file, text);
+        return readJellyfinProfile(profileTitle(options.file), text);
     default:
         throw ProfileError(
-            options.file, 0,
+            profileTitle(options.file), 0,
             "it is neither a JSON object, as Jellyfin's device profiles are, nor XML, "
             "as gupnp-dlna's are");
     }
@@ -61,6 +66,9 @@ Player readForeignProfile(const ImportOptions &options)
 {
     Player player = readProfile(options);
     if (!options.name.empty()) player.name = options.name;
+    if (player.name.empty())
+        player.name =
+            options.file == "-" ? "Player" : std::filesystem::path(options.file).stem().string();
     return player;
 }
 

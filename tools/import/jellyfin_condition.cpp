@@ -175,7 +175,7 @@ bool isProfileOfAny(const std::string &written)
 void noteUnknown(const Condition &condition, const Note &note)
 {
     if (condition.isRequired && !condition.isNegated)
-        note.leftOut("files of which it isn't known are taken, too");
+        note.looser("files of which it isn't known are taken, too");
 }
 
 Kept keepProfiles(const Condition &condition, int codec, const Note &note)
@@ -209,6 +209,13 @@ Kept keepLevels(const Condition &condition, int codec, const Note &note)
 {
     constexpr int s_Mpeg2Levels[] = {4, 6, 8, 10}; // from high to low
     const auto kept = [&](int level) { return keeps(condition, level); };
+    if (numbersIn(condition).empty()) {
+        const std::string text = condition.values.empty() ? "" : condition.values.front();
+        const std::optional<int> meant = codedLevel(codec, text);
+        note.stricter("no level as a stream has it, so nothing keeps it{}",
+                      meant ? fmt::format("; {} is written {}", text, *meant) : "");
+        return Union{};
+    }
     noteUnknown(condition, note);
     if (codec == "mpeg2video"_codec) {
         const bool areAll = std::ranges::all_of(s_Mpeg2Levels, kept);
@@ -249,7 +256,7 @@ Kept keepDynamics(const Condition &condition, int, const Note &note)
     if (hdr10 != hlg)
         note.stricter("HDR10 and HLG are one to a Device profile, so both are transcoded");
     if (!kept("doviwithsdr") || !kept("doviwithhdr10") || !kept("doviwithhlg"))
-        note.leftOut("Dolby Vision over SDR, HDR10 or HLG counts as these");
+        note.looser("Dolby Vision over SDR, HDR10 or HLG counts as these");
     return refusing(hdr10 && hlg   ? kept("dovi") ? "" : "dolby_vision"
                     : kept("dovi") ? "hdr"
                                    : "hdr|dolby_vision");
@@ -325,7 +332,9 @@ std::optional<Condition> readCondition(ObjectReader &object, const std::string &
     const auto *const knownTest = findNamed(s_Tests, test.empty() ? "Equals" : test);
     const auto *const knownProperty = findNamed(s_Properties, property);
     if (!knownTest || !knownProperty) {
-        Note(player.remarks, file, object.line(), said).leftOut("no condition that is known");
+        Note(player.remarks, file, object.line(), said)
+            .leftOut("no {} is known by the name \"{}\"", knownTest ? "property" : "comparison",
+                     printable(knownTest ? property : test));
         return std::nullopt;
     }
     Condition condition{static_cast<Condition::Test>(knownTest->number),

@@ -397,7 +397,7 @@ private:
         std::vector<int> all = kind == Picture ? commonPictures() : commonSounds();
         const auto isTaken = [&](int codec) { return codecs.takes(codec); };
         if (format == kWebm) { // to a rule, Matroska files are WebM, too, with these codecs
-            noteAt(object).leftOut("a rule for WebM takes Matroska with the codecs of WebM, too");
+            noteAt(object).looser("a rule for WebM takes Matroska with the codecs of WebM, too");
             std::erase_if(all, [&](int id) { return !isTaken(id) || !canHold(kWebm, id); });
             return all;
         }
@@ -478,7 +478,7 @@ private:
             noteAt(condition).stricter("no rule can tell where it holds, so what it is asked for "
                                        "holds everywhere");
         else if (!kept->empty() && takesUnknown(condition) && !condition.isRequired)
-            noteAt(condition).leftOut("where it isn't known, what it is asked for doesn't hold");
+            noteAt(condition).looser("where it isn't known, what it is asked for doesn't hold");
         return both({Limits{}}, kept.value_or(Union{}), noteAt(condition));
     }
 
@@ -503,14 +503,14 @@ Player readJellyfinProfile(const std::string &path, const std::string &text)
     const JsonValue document = parseJson(path, text);
     if (document.kind != JsonValue::Object)
         throw ProfileError(path, document.line, "it holds no object, as a device profile is");
-    ObjectReader root(path, document, "");
+    ObjectReader whole(path, document, "");
+    ObjectReader root = whole.has("DeviceProfile") ? whole.object("DeviceProfile") : whole;
     if (!isProfile(root))
         throw ProfileError(path, document.line,
                            "it is no device profile of Jellyfin: it has neither "
                            "DirectPlayProfiles nor TranscodingProfiles nor CodecProfiles");
     Player player;
     Reader(path, player).read(root);
-    if (player.name.empty()) player.name = std::filesystem::path(path).stem().string();
     return player;
 }
 

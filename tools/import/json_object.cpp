@@ -166,6 +166,14 @@ std::string ObjectReader::text(std::string_view key)
     return value->text;
 }
 
+ObjectReader ObjectReader::object(std::string_view key)
+{
+    const JsonValue *value = find(key);
+    if (value->kind != JsonValue::Object)
+        throw ProfileError(path_, value->line, fmt::format("{}{} is no object", place_, key));
+    return {path_, *value, fmt::format("{}{}.", place_, key)};
+}
+
 std::vector<ObjectReader> ObjectReader::list(std::string_view key)
 {
     const JsonValue *value = find(key);

@@ -66,6 +66,9 @@ public:
     /// longer than any.
     std::vector<ObjectReader> list(std::string_view key);
 
+    /// A member that is there. Throws ProfileError for what is no object.
+    ObjectReader object(std::string_view key);
+
     /// Whether there is such a member that is not null.
     bool has(std::string_view key) { return find(key) != nullptr; }
 

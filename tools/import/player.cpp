@@ -1,5 +1,6 @@
 #include "tools/import/player.h"
 
+#include "tools/profile/profile_file.h"
 #include "tools/profile/regular_file.h"
 #include "tools/terminal/printable.h"
 
@@ -19,12 +20,12 @@ int originOf(Player &player, const std::string &origin)
 std::string readForeignFile(const std::string &path)
 {
     constexpr std::size_t kLargest = 4'000'000;
-    return readRegularFile(path, path, kLargest);
+    return readRegularFile(profilePath(path), profileTitle(path), kLargest);
 }
 
 std::string shownFileName(const std::string &path)
 {
-    return printable(std::filesystem::path(path).filename().string());
+    return printable(std::filesystem::path(profileTitle(path)).filename().string());
 }
 
 } // namespace vornak::tool

@@ -63,7 +63,7 @@ struct Wish {
 
 /// Something of a foreign profile that a Device profile says otherwise, or not at all.
 struct Remark {
-    enum Kind { LeftOut, Stricter };
+    enum Kind { LeftOut, Looser, Stricter };
 
     std::string file; ///< its name without a folder, printable
     int line;         ///< 0: it is about the file as a whole
@@ -84,7 +84,7 @@ struct Player {
 /// The position of an origin, which is added if it is new.
 int originOf(Player &player, const std::string &origin);
 
-/// Takes note of what is said of a line more strictly, or not at all. Reasons are printable.
+/// Takes note of what is said of a line otherwise, or not at all. Reasons are printable.
 class Note {
 public:
     /// @param what  before each reason; empty: nothing
@@ -96,6 +96,13 @@ public:
     void leftOut(fmt::format_string<Args...> reason, Args &&...args) const
     {
         add(Remark::LeftOut, fmt::format(reason, std::forward<Args>(args)...));
+    }
+
+    /// For what is said, but takes more.
+    template <class... Args>
+    void looser(fmt::format_string<Args...> reason, Args &&...args) const
+    {
+        add(Remark::Looser, fmt::format(reason, std::forward<Args>(args)...));
     }
 
     template <class... Args>

@@ -141,7 +141,7 @@ private:
         text_ += "  Rules are tried from top to bottom; the first that a file fits is taken. What "
                  "fits none is\n  transcoded to what the first rule of the list says.\n";
         if (player_.remarks.empty()) return;
-        text_ += "\n  Not said, or said more strictly:\n";
+        text_ += "\n  Not said, or said otherwise:\n";
         for (const Remark &remark : player_.remarks)
             text_ += "  - " + wrappedText(inComment(remarkText(remark)), kWidth, 4, 4) + '\n';
     }
@@ -230,10 +230,10 @@ std::string profileText(const Player &player, const DeviceRules &rules, const st
 
 std::string remarkText(const Remark &remark)
 {
-    const char *kind = remark.kind == Remark::Stricter ? "stricter" : "left out";
+    constexpr const char *s_Kinds[] = {"left out", "looser", "stricter"};
     const std::string place =
         remark.line > 0 ? fmt::format("{}:{}: ", remark.file, remark.line) : std::string();
-    return fmt::format("{}{}: {}", place, kind, remark.text);
+    return fmt::format("{}{}: {}", place, s_Kinds[remark.kind], remark.text);
 }
 
 } // namespace vornak::tool
