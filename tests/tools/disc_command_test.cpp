@@ -180,7 +180,12 @@ TEST_F(DiscCommand, SaysWhatIsWrong)
         EXPECT_EQ(result.err, std::string("vornak: ") + c.complaint + "\n");
     }
     const std::string deep(1010, '/');
-    EXPECT_NE(disc({"--json", deep}).out.find("\"code\": \"path-too-long\""), std::string::npos);
+    for (const auto &[path, code] : {std::pair{deep.c_str(), "path-too-long"},
+                                     {"/no.iso", "not-found"},
+                                     {"/dev/null", "not-a-disc"}})
+        EXPECT_NE(disc({"--json", path}).out.find("\"code\": \"" + std::string(code) + '"'),
+                  std::string::npos)
+            << code;
     fs::current_path("/tmp");
 }
 

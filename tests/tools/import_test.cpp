@@ -315,6 +315,9 @@ TEST(ProfileImport, DlnaProfilesByNameAndBySink)
     EXPECT_THAT(importNamed({"SMALL_ISO"}, {}, true).video,
                 EndsWith("h264 PROFILE="
                          "constrained_baseline | main | high LEVEL=40"));
+    EXPECT_THAT(importNamed({"SONG", "LEVELS"}, {}, false).remarks,
+                AllOf(HasSubstr(":59: stricter: video level 9.9: none is a level of h264"),
+                      HasSubstr(":63: stricter: video level 4, 4.1: a rule limits")));
     const Made both = importNamed({"SONG", "SOUND", "SONGS", "PICTURE"}, {}, false);
     EXPECT_THAT(both.music, testing::StartsWith("mp3 MAXCHANNELS=2 MINFREQUENCY=16000; ac3"));
     EXPECT_THAT(both.remarks,
@@ -322,11 +325,12 @@ TEST(ProfileImport, DlnaProfilesByNameAndBySink)
                       HasSubstr("no rules for streams of the type image")));
     const Made sink = importNamed({},
                                   "http-get:*:audio/mp4:DLNA.ORG_PN=SONG_ISO;DLNA.ORG_OP=01,"
-                                  "http-get:*:audio/x\\,y:*,rtsp-rtp-udp:*:a:DLNA.ORG_PN=SONG",
+                                  "http-get:*:audio/x\\,y:*,rtsp-rtp-udp:*:a:DLNA.ORG_PN=SONG,\\",
                                   false);
     EXPECT_THAT(sink.music, testing::StartsWith("aac PROFILE=lc MAXCHANNELS=2"));
     EXPECT_THAT(sink.remarks,
-                AllOf(HasSubstr("audio/x,y:*: it names no"), HasSubstr("rtsp-rtp-udp")));
+                AllOf(HasSubstr("audio/x,y:*: it names no"), HasSubstr("rtsp-rtp-udp"),
+                      HasSubstr("left out: " + std::string(2, '\\') + ":")));
 }
 
 TEST(ProfileImport, TooManyParentsEndTheInheritance)

@@ -2,6 +2,7 @@
 
 #include "tools/decide/decision_text.h"
 #include "tools/files/text_lines.h"
+#include "tools/terminal/counted.h"
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
@@ -203,10 +204,10 @@ std::string Expectation::end() const
             text += fmt::format("{}: {}: missing, was {}\n", known.cell.profile, known.cell.file,
                                 known.cell.outcome);
     if (compared_ == 0 || !isMet()) text += '\n';
-    return text + fmt::format("{} decisions: {} as expected, {} changed, {} not expected, {} "
+    return text + fmt::format("{}: {} as expected, {} changed, {} not expected, {} "
                               "missing\n",
-                              compared_, compared_ - changed_ - added_, changed_, added_,
-                              cells_.size() - seen_);
+                              counted(compared_, "decision"), compared_ - changed_ - added_,
+                              changed_, added_, cells_.size() - seen_);
 }
 
 } // namespace vornak::tool

@@ -249,8 +249,8 @@ Union levels(const Field &field, int codec, const Note &note)
             return codedLevel(codec, value) == level;
         });
     };
-    if (!isTaken(known.front()))
-        note.stricter("a rule limits levels upwards alone, so those above a gap are transcoded");
+    if (std::ranges::none_of(known, isTaken))
+        note.stricter("none is a level of {}, so nothing fits", codecText(codec));
     return levelsWhere(isTaken, codec, note);
 }
 
