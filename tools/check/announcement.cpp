@@ -7,6 +7,7 @@
 #include "tools/check/option_words.h"
 #include "tools/profile/dlna_names.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -29,7 +30,8 @@ void checkMime(const Place &place, Report &report)
         return report.add(Fault::MimeMissing, element,
                           fmt::format("{} is announced without a MIME type",
                                       excerpt(element.attribute("NAME").value())),
-                          "add MIME");
+                          fmt::format("add MIME=\"{}\"",
+                                      mimeOf(place.entry.record->formatId, !place.video.record)));
     if (isKnownMimeType(mime)) return;
     report.add(
         Fault::UnknownMime, element, element.attribute("MIME"),

@@ -30,11 +30,18 @@ std::string encoderAdvice(pugi::xml_node element, int codecId)
                        usual.empty() ? "" : ", such as " + usual);
 }
 
-/// @param usual  the usual encoder or muxer; empty: there is none
-std::string optionAdvice(const char *option, const std::string &usual)
+/// @param option  empty: there is none
+std::string optionAdvice(const std::string &option)
 {
-    return usual.empty() ? "put something before it that ffmpeg makes"
-                         : fmt::format("add OPTION=\"{} {}\"", option, usual);
+    return option.empty() ? "put something before it that ffmpeg makes"
+                          : fmt::format("add OPTION=\"{}\"", option);
+}
+
+/// The option by which ffmpeg makes the container; empty: it can't.
+std::string usualOption(const Place &place)
+{
+    return containerOption(place.entry.record->formatId, place.audio.record->aCodecId,
+                           !place.video.record);
 }
 
 void reportNoEffect(pugi::xml_node element, const char *attribute, std::string_view reason,
@@ -112,10 +119,12 @@ void checkTarget(const Target &target, Report &report)
         reportNoEffect(target.element, "OPTION", firstRuleSays(target.element),
                        "remove it, or put the rule first", report);
     if (!target.option.empty()) return checkEncoder(target, report);
+    const std::string usual = usualEncoder(target.codecId);
     if (isTarget)
-        report.add(Fault::TargetWithoutOption, target.element,
-                   firstRuleSays(target.element) + ", and this one has no OPTION",
-                   optionAdvice(target.codecOption, usualEncoder(target.codecId)));
+        report.add(
+            Fault::TargetWithoutOption, target.element,
+            firstRuleSays(target.element) + ", and this one has no OPTION",
+            optionAdvice(usual.empty() ? "" : fmt::format("{} {}", target.codecOption, usual)));
 }
 
 void checkForbidden(int noTranscode, pugi::xml_node element, const char *effect, Report &report)
@@ -126,8 +135,10 @@ void checkForbidden(int noTranscode, pugi::xml_node element, const char *effect,
                    "remove it, unless files that don't fit are to be refused");
 }
 
-void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &report)
+void checkMuxer(const Place &place, Report &report)
 {
+    const ContainerEntry &entry = *place.entry.record;
+    const pugi::xml_node element = place.entry.element;
     const auto muxer = optionValue(textOf(entry.option), "-f");
     const auto made = muxer ? containerWrittenBy(*muxer) : std::nullopt;
     if (!made || entry.formatId == kAnyContainer) return;
@@ -136,11 +147,11 @@ void checkMuxer(const ContainerEntry &entry, pugi::xml_node element, Report &rep
     if (*made == containerPart(entry.formatId) &&
         (!needsSubtype || writesSubtype(*muxer, entry.formatId)))
         return;
-    const std::string usual = usualMuxer(entry.formatId);
+    const std::string usual = usualOption(place);
     report.add(
         Fault::OptionContainer, element, element.attribute("OPTION"),
         fmt::format("-f {} does not make {}", excerpt(*muxer), containerText(entry.formatId)),
-        usual.empty() ? "remove it, since ffmpeg makes no such file" : "write -f " + usual);
+        usual.empty() ? "remove it, since ffmpeg makes no such file" : "write " + usual);
 }
 
 /// Whether what is transcoded to can be put into the container for it.
@@ -177,7 +188,7 @@ void checkFirstContainer(const Place &place, Report &report)
     if (!muxer)
         report.add(Fault::ContainerWithoutOption, element, element.attribute("OPTION"),
                    "what is put into the first container needs an OPTION with -f",
-                   optionAdvice("-f", usualMuxer(entry.formatId)));
+                   optionAdvice(usualOption(place)));
 }
 
 } // namespace
@@ -209,7 +220,7 @@ void checkContainerTarget(const Place &place, Report &report)
 {
     const ContainerEntry &entry = *place.entry.record;
     const pugi::xml_node element = place.entry.element;
-    checkMuxer(entry, element, report);
+    checkMuxer(place, report);
     if (entry.formatId == kAnyContainer && entry.option)
         reportNoEffect(element, "OPTION", "the usual one of the source's container is taken",
                        "remove it", report);

@@ -4,7 +4,6 @@
 #include "include/vornak_host.h"
 #include "tools/probe/codec_mapping.h"
 #include "tools/profile/id_names.h"
-#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -233,18 +232,6 @@ bool refusesCodec(std::string_view muxer, int codecId)
     return format && !codecs.empty() && std::ranges::all_of(codecs, [&](AVCodecID codec) {
                return avformat_query_codec(format, codec, FF_COMPLIANCE_EXPERIMENTAL) == 0;
            });
-}
-
-std::string usualMuxer(int formatId)
-{
-    std::string usual;
-    for (const std::string &muxer : muxerNames()) {
-        const bool writes = containerWrittenBy(muxer) == containerPart(formatId) &&
-                            (subtypePart(formatId) == 0 || writesSubtype(muxer, formatId));
-        if (writes && (usual.empty() || muxer == containerText(containerPart(formatId))))
-            usual = muxer;
-    }
-    return usual;
 }
 
 std::optional<std::string> muxerCalled(const std::string &name)

@@ -28,9 +28,6 @@ const std::vector<std::string> &muxerNames();
 /// Whether the muxer takes no stream in a codec of the registry.
 bool refusesCodec(std::string_view muxer, int codecId);
 
-/// The muxer that writes the registry's container, with its subtype; empty: there is none.
-std::string usualMuxer(int formatId);
-
 /// The muxer for which a name stands elsewhere, such as in file names: "matroska" for "mkv".
 std::optional<std::string> muxerCalled(const std::string &name);
 
