@@ -154,6 +154,20 @@ TEST(ProfileImport, ConditionsOnSound)
     }
 }
 
+TEST(ProfileImport, NamesWhatNoRuleSays)
+{
+    const Made made = makeOf(R"({"DirectPlayProfiles": [
+        {"Type": "Video", "Container": "mkv", "VideoCodec": "h264", "AudioCodec": "aac"},
+        {"Type": "Video", "Container": "mkv", "VideoCodec": "hevc", "AudioCodec": "cook"},
+        {"Type": "Audio", "Container": "mp3", "AudioCodec": "mp3,any,lpcm"}]})");
+    EXPECT_EQ(made.video, "h264");
+    EXPECT_EQ(made.music, "mp3");
+    for (const char *const remark :
+         {"hevc: no sound that is played with it can be made, and every VCODEC needs one",
+          "no audio codec is known by the name \"any\"", "by the name \"lpcm\""})
+        EXPECT_THAT(made.remarks, HasSubstr(remark));
+}
+
 TEST(ProfileImport, ReadsARequestsBodyOnStandardInput)
 {
     const TempDir folder;
