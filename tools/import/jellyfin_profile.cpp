@@ -114,6 +114,7 @@ std::vector<Container> containersFor(const std::vector<int> &formats, bool isMus
                                      const Limits &sound)
 {
     std::vector<Container> containers;
+    containers.reserve(formats.size());
     for (const int format : formats)
         containers.push_back(isMusic ? musicIn(format, sound) : videoIn(format));
     return containers;
@@ -355,6 +356,7 @@ private:
             groups[concerning].push_back(format);
         }
         std::vector<std::vector<int>> all;
+        all.reserve(groups.size());
         for (const auto &[concerning, alike] : groups) all.push_back(alike);
         return all;
     }
@@ -463,7 +465,7 @@ private:
                 alternatives = both(alternatives, *kept, noteAt(condition));
         for (const JellyfinCondition &condition : set.applying)
             for (const Limits &limits : whereNot(condition, codec)) add(alternatives, limits);
-        const Union narrowed = splitByOddities(intersection(all, alternatives));
+        Union narrowed = splitByOddities(intersection(all, alternatives));
         if (narrowed.size() <= kMostAlternatives) return narrowed;
         noteAt(set.line, set.place)
             .stricter("more cases than rules are made for: its conditions hold in all");
