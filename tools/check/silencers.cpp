@@ -99,13 +99,11 @@ std::vector<std::string> silence(std::string list, Span span, Silenced &silenced
     std::vector<std::string> useless;
     std::ranges::replace(list, ',', ' ');
     std::string_view words = list;
-    bool isRemark = false; // in brackets
+    std::ptrdiff_t open = 0; // brackets, in which a remark stands
     for (std::string_view word = takeWord(words); !word.empty(); word = takeWord(words)) {
-        isRemark = isRemark || word.front() == '(';
-        if (isRemark) {
-            isRemark = word.back() != ')';
-            continue;
-        }
+        const bool isRemark = open > 0 || word.front() == '(';
+        if (isRemark) open += std::ranges::count(word, '(') - std::ranges::count(word, ')');
+        if (isRemark) continue;
         const auto kinds = faultKinds();
         const auto kind = std::ranges::find(kinds, word, &FaultKind::id);
         if (kind == kinds.end() || !silenced.silence(kind->fault, span)) useless.emplace_back(word);

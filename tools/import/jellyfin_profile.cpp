@@ -13,7 +13,6 @@
 #include "tools/terminal/printable.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fmt/format.h>
 #include <functional>
 #include <map>
