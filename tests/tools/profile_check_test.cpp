@@ -57,7 +57,8 @@ constexpr struct {
     {"audio", "MUSIC", "$MP3\n<ACODEC NAME=\"aac\"\n$1>$MP4</ACODEC>"},
     {"video", "VIDEO", "$MPEG4\n<VCODEC NAME=\"h264\"\n$1>$AAC</VCODEC>"},
     {"container", "MUSIC", "$ADTS\n<FORMAT\n$1/></ACODEC>"},
-    {"first-audio", "MUSIC", "\n<ACODEC $1><FORMAT MIME=\"audio/mp4\" $2/></ACODEC>"},
+    {"first-audio", "MUSIC",
+     "\n<ACODEC $1><FORMAT MIME=\"application/octet-stream\" $2/></ACODEC>"},
     {"first-video", "VIDEO", "\n<VCODEC $1>$AAC</VCODEC>"},
     {"audio-after", "MUSIC",
      "$MP3\n<ACODEC NAME=\"aac\" $1>$MP4</ACODEC>\n<ACODEC NAME=\"aac\" $2>$MP4</ACODEC>"},
@@ -65,7 +66,7 @@ constexpr struct {
      "$MPEG4\n<VCODEC NAME=\"h264\" $1>$AAC</VCODEC>\n<VCODEC NAME=\"h264\" $2>$AAC</VCODEC>"},
     {"container-after", "MUSIC",
      "<ACODEC NAME=\"opus\" OPTION=\"-c:a libopus\"><FORMAT NAME=\"ogg\" MIME=\"audio/ogg\" OPTION=\"-f ogg\"/>"
-     "\n<FORMAT $1 MIME=\"audio/mp4\"/>\n<FORMAT $2 MIME=\"audio/mp4\"/></ACODEC>"},
+     "\n<FORMAT $1 MIME=\"application/octet-stream\"/>\n<FORMAT $2 MIME=\"application/octet-stream\"/></ACODEC>"},
     {"advice", "MUSIC", "<ACODEC $1><FORMAT/></ACODEC>"},
     {"video-advice", "VIDEO",
      R"(<VCODEC NAME="h264" $1><ACODEC NAME="aac"><FORMAT NAME="mp4"/></ACODEC></VCODEC>)"},

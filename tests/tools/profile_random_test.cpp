@@ -187,8 +187,8 @@ private:
             text += fmt::format(
                 "  <FORMAT{}{}{}{} OPTION=\"-f {}\"/>\n", attribute("NAME", name.substr(0, slash)),
                 attribute("SUBTYPE", slash == std::string::npos ? "" : name.substr(slash + 1)),
-                attribute("MIME", any(tool::mimeTypes())), attribute("PN", dlnaName(id, sound)),
-                muxer);
+                attribute("MIME", tool::mimeOf(id, picture_.picture < 0)),
+                attribute("PN", dlnaName(id, sound)), muxer);
         }
         return text;
     }

@@ -26,17 +26,24 @@ void checkMime(const Place &place, Report &report)
 {
     const pugi::xml_node element = place.entry.element;
     const char *mime = place.entry.record->mime;
+    const bool isMusic = !place.video.record;
+    const std::string usual = mimeOf(place.entry.record->formatId, isMusic);
     if (!mime)
         return report.add(Fault::MimeMissing, element,
                           fmt::format("{} is announced without a MIME type",
                                       excerpt(element.attribute("NAME").value())),
-                          fmt::format("add MIME=\"{}\"",
-                                      mimeOf(place.entry.record->formatId, !place.video.record)));
-    if (isKnownMimeType(mime)) return;
-    report.add(
-        Fault::UnknownMime, element, element.attribute("MIME"),
-        fmt::format("{} is no MIME type of media known here", shown(element.attribute("MIME"))),
-        report.suggest(bareMimeType(mime), mimeTypes(), "write the one that the player states"));
+                          fmt::format("add MIME=\"{}\"", usual));
+    const pugi::xml_attribute attribute = element.attribute("MIME");
+    if (!isKnownMimeType(mime))
+        return report.add(Fault::UnknownMime, element, attribute,
+                          fmt::format("{} is no MIME type of media known here", shown(attribute)),
+                          report.suggest(bareMimeType(mime), mimeTypes(),
+                                         "write the one that the player states"));
+    const std::string why = mimeContradiction(mime, place.entry.record->formatId, isMusic);
+    if (!why.empty())
+        report.add(Fault::ForeignMime, element, attribute,
+                   fmt::format("{} {}", shown(attribute), why),
+                   fmt::format("write MIME=\"{}\", or what else the player states", usual));
 }
 
 /// The profile of H.264 or the like that OPTION asks for, as a bit, where this place announces what

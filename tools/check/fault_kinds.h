@@ -79,6 +79,7 @@ enum class Fault {
     // what is announced
     MimeMissing,
     UnknownMime,
+    ForeignMime,
     PnMissing,
     UnknownPn,
     ForeignPn,

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <set>
+#include <string_view>
 #include <utility>
 
 namespace vornak::tool {
@@ -149,23 +151,21 @@ private:
     /// Keeps the check from doubting names that the foreign profile states.
     void addSilencers(const DeviceRules &rules)
     {
-        bool isPnKnown = true, isMimeKnown = true;
-        const auto look = [&](const Rule &rule) {
+        std::set<std::string_view> doubts;
+        const auto look = [&](const Rule &rule, bool isMusic) {
             for (const ContainerRule &entry : rule.containers) {
                 const std::string &pn = entry.container.pn, &mime = entry.container.mime;
-                isPnKnown = isPnKnown && (pn.empty() || findDlnaName(pn));
-                isMimeKnown = isMimeKnown && (mime.empty() || isKnownMimeType(mime));
+                if (!pn.empty() && !findDlnaName(pn)) doubts.insert("unknown-pn");
+                if (!mime.empty() && !isKnownMimeType(mime)) doubts.insert("unknown-mime");
+                if (!mimeContradiction(mime, entry.container.format, isMusic).empty())
+                    doubts.insert("foreign-mime");
             }
         };
-        std::ranges::for_each(rules.music, look);
-        for (const Rule &rule : rules.video) std::ranges::for_each(rule.sounds, look);
-        if (!isPnKnown) addSilencer("unknown-pn");
-        if (!isMimeKnown) addSilencer("unknown-mime");
-    }
-
-    void addSilencer(const char *finding)
-    {
-        addLine(0, fmt::format("<!-- vornak: ignore {} (as the player states it) -->", finding));
+        for (const Rule &rule : rules.music) look(rule, true);
+        for (const Rule &rule : rules.video)
+            for (const Rule &sound : rule.sounds) look(sound, false);
+        for (const std::string_view doubt : doubts)
+            addLine(0, fmt::format("<!-- vornak: ignore {} (as the player states it) -->", doubt));
     }
 
     void addLine(std::size_t depth, std::string_view line)

@@ -5,9 +5,11 @@
 #include "base/rule_tables.h"
 #include "include/vornak_host.h"
 #include "tools/profile/id_names.h"
+#include "tools/profile/media_names.h"
 
 #include <algorithm>
 #include <bit>
+#include <fmt/format.h>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -130,29 +132,52 @@ constexpr struct {
     {"_L32_HD_", 1280, 1024}, {"_HD_", 1920, 1152},
 };
 
-constexpr std::string_view kMimeTypes =
-    "audio/mpeg|audio/mp3|audio/x-mp3|audio/mp4|audio/m4a|audio/x-m4a|audio/aac|"
-    "audio/x-aac|audio/aacp|audio/mp4a-latm|audio/vnd.dlna.adts|audio/ac3|audio/eac3|"
-    "audio/vnd.dolby.dd-raw|audio/vnd.dolby.mlp|audio/vnd.dts|audio/vnd.dts.hd|"
-    "audio/x-dts|audio/flac|audio/x-flac|audio/ogg|audio/x-ogg|audio/opus|audio/vorbis|"
-    "audio/webm|audio/wav|audio/x-wav|audio/wave|audio/vnd.wave|audio/l8|audio/l16|"
-    "audio/l20|audio/l24|audio/aiff|audio/x-aiff|audio/basic|audio/x-caf|audio/x-w64|"
-    "audio/x-ms-wma|audio/wma|audio/x-wavpack|audio/x-tta|audio/x-ape|audio/x-monkeys-"
-    "audio|audio/ape|audio/x-musepack|audio/musepack|audio/x-dsf|audio/x-dff|audio/dsf|"
-    "audio/dff|audio/dsd|audio/x-dsd|audio/amr|audio/amr-wb|audio/amr-wb+|audio/3gpp|"
-    "audio/3gpp2|audio/x-matroska|audio/x-realaudio|audio/x-pn-realaudio|audio/vnd.rn-"
-    "realaudio|audio/x-sony-oma|audio/speex|audio/x-speex|audio/x-alac|audio/alac|"
-    "audio/mpegurl|video/mpeg|video/mpeg2|video/x-mpeg|video/mp2p|video/mp2t|"
-    "video/mpegts|video/vnd.dlna.mpeg-tts|video/mp4|video/mp4v-es|video/x-m4v|video/m4v|"
-    "video/quicktime|video/3gpp|video/3gpp2|video/x-matroska|video/x-mkv|video/mkv|"
-    "video/matroska|video/webm|video/ogg|video/avi|video/x-msvideo|video/msvideo|"
-    "video/vnd.avi|video/divx|video/x-divx|video/xvid|video/x-xvid|video/x-ms-wmv|"
-    "video/x-ms-asf|video/x-ms-wm|video/wmv|video/x-flv|video/flv|video/x-f4v|"
-    "video/x-ivf|video/x-dv|video/dv|video/h264|video/h265|video/vc1|video/mxf|"
-    "video/vnd.rn-realvideo|video/x-pn-realvideo|application/ogg|application/mxf|"
-    "application/vnd.rn-realmedia|application/vnd.rn-realmedia-vbr|application/vnd.ms-asf|"
-    "application/octet-stream|application/x-mpegurl|application/vnd.apple.mpegurl|"
-    "application/dash+xml";
+constexpr struct {
+    std::string_view types, containers; ///< of none named, any
+} s_MimeTypes[] = {
+    {"audio/mpeg|audio/mp3|audio/x-mp3", "mp3|adts|latm|mp4|ts|ps"},
+    {"audio/mp4|audio/m4a|audio/x-m4a|audio/x-alac|audio/alac|audio/3gpp|audio/3gpp2",
+     "mp4|adts|latm|caf"},
+    {"audio/aac|audio/x-aac|audio/aacp|audio/mp4a-latm|audio/vnd.dlna.adts", "adts|latm|mp4|ts"},
+    {"audio/ac3|audio/eac3|audio/vnd.dolby.dd-raw|audio/vnd.dolby.mlp", "ac3|eac3|truehd|mp4|ts"},
+    {"audio/vnd.dts|audio/vnd.dts.hd|audio/x-dts", "dts|wav|mp4|ts"},
+    {"audio/flac|audio/x-flac", "flac|ogg"},
+    {"audio/ogg|audio/x-ogg|audio/opus|audio/vorbis|audio/speex|audio/x-speex|video/ogg|"
+     "application/ogg",
+     "ogg|matroska"},
+    {"audio/webm|audio/x-matroska|video/webm|video/x-matroska|video/x-mkv|video/mkv|video/matroska",
+     "matroska"},
+    {"audio/wav|audio/x-wav|audio/wave|audio/vnd.wave|audio/x-w64", "wav|w64"},
+    {"audio/l8|audio/l16|audio/l20|audio/l24", ""},
+    {"audio/aiff|audio/x-aiff", "aiff"},
+    {"audio/basic", "au"},
+    {"audio/x-caf", "caf"},
+    {"audio/x-ms-wma|audio/wma|video/x-ms-wmv|video/x-ms-asf|video/x-ms-wm|video/wmv|"
+     "application/vnd.ms-asf",
+     "asf"},
+    {"audio/x-wavpack", "wavpack"},
+    {"audio/x-tta", "tta"},
+    {"audio/x-ape|audio/x-monkeys-audio|audio/ape", "ape"},
+    {"audio/x-musepack|audio/musepack", "mpc"},
+    {"audio/x-dsf|audio/x-dff|audio/dsf|audio/dff|audio/dsd|audio/x-dsd", "dsf|dff"},
+    {"audio/amr|audio/amr-wb|audio/amr-wb+", "amr|mp4"},
+    {"audio/x-realaudio|audio/x-pn-realaudio|audio/vnd.rn-realaudio|video/vnd.rn-realvideo|"
+     "video/x-pn-realvideo|application/vnd.rn-realmedia|application/vnd.rn-realmedia-vbr",
+     "rm"},
+    {"video/mpeg|video/mpeg2|video/x-mpeg|video/mp2p", "ts|ps|mpegvideo"},
+    {"video/mp2t|video/mpegts|video/vnd.dlna.mpeg-tts", "ts"},
+    {"video/mp4|video/x-m4v|video/m4v|video/quicktime|video/3gpp|video/3gpp2", "mp4"},
+    {"video/avi|video/x-msvideo|video/msvideo|video/vnd.avi", "avi"},
+    {"video/divx|video/x-divx|video/xvid|video/x-xvid", "avi|matroska|mp4"},
+    {"video/x-flv|video/flv|video/x-f4v", "flv|mp4"},
+    {"video/x-ivf", "ivf"},
+    {"video/x-dv|video/dv", "dv|avi"},
+    {"video/mxf|application/mxf", "mxf"},
+    {"audio/x-sony-oma|audio/mpegurl|video/mp4v-es|video/h264|video/h265|video/vc1|"
+     "application/octet-stream|application/x-mpegurl|application/vnd.apple.mpegurl|"
+     "application/dash+xml",
+     ""},
+};
 
 /// A family's names, the first alternatives first.
 void expand(std::string pattern, std::vector<std::string> &names)
@@ -318,6 +343,17 @@ std::string searchName(const DlnaUse &use)
     return (chosen == names.end() ? names.front() : *chosen)->name;
 }
 
+/// The containers, without subtypes, that a MIME type is for; none named: any.
+std::vector<int> containersAnnouncedAs(std::string_view bareType)
+{
+    for (const auto &row : s_MimeTypes) {
+        const std::vector<std::string> types = splitList(row.types);
+        if (std::ranges::find(types, bareType) != types.end())
+            return idsOf(row.containers, containerNameToId);
+    }
+    return {};
+}
+
 } // namespace
 
 const DlnaName *findDlnaName(std::string_view name)
@@ -353,7 +389,12 @@ const std::string &dlnaNameFor(const DlnaUse &use)
 
 const std::vector<std::string> &mimeTypes()
 {
-    static const std::vector<std::string> s_types = splitList(kMimeTypes);
+    static const std::vector<std::string> s_types = [] {
+        std::vector<std::string> types;
+        for (const auto &row : s_MimeTypes)
+            std::ranges::move(splitList(row.types), std::back_inserter(types));
+        return types;
+    }();
     return s_types;
 }
 
@@ -365,6 +406,22 @@ std::string bareMimeType(std::string_view mime)
 bool isKnownMimeType(std::string_view mime)
 {
     return std::ranges::find(mimeTypes(), bareMimeType(mime)) != mimeTypes().end();
+}
+
+std::string mimeContradiction(std::string_view mime, int formatId, bool isMusic)
+{
+    const std::string bare = bareMimeType(mime);
+    const std::vector<int> containers = containersAnnouncedAs(bare);
+    if (formatId == kAnyContainer) return {};
+    if (!allows(containers, containerPart(formatId)))
+        return fmt::format("is for {} and not for {}", containerText(containers.front()),
+                           containerText(containerPart(formatId)));
+    const std::string usual = mimeOf(formatId, isMusic);
+    if (isMusic && bare.starts_with("video/") && usual.starts_with("audio/"))
+        return "is for videos";
+    if (!isMusic && bare.starts_with("audio/") && usual.starts_with("video/"))
+        return "is for music";
+    return {};
 }
 
 } // namespace vornak::tool

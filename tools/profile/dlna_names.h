@@ -49,4 +49,7 @@ std::string bareMimeType(std::string_view mime);
 
 bool isKnownMimeType(std::string_view mime);
 
+/// What a MIME type says that isn't so of files in a container; empty: it fits, or isn't known.
+std::string mimeContradiction(std::string_view mime, int formatId, bool isMusic);
+
 } // namespace vornak::tool
