@@ -276,9 +276,9 @@ TEST_F(DiscCommand, MountsOverNothingOfAStrangers)
     fs::create_directory("/tmp/victim");
     const ProcessResult result =
         run({"sh", "-c",
-             "(sleep 0.3; setpriv --reuid=65534 --regid=65534 --clear-groups ln -s victim x) & "
+             "(sleep 0.5; setpriv --reuid=65534 --regid=65534 --clear-groups ln -s victim x) & "
              "strace -E ASAN_OPTIONS=detect_leaks=0 -f -qq -o /dev/null -e trace=mkdir "
-             "-e inject=mkdir:delay_enter=600000 \"$0\" disc --mount-point x dvd.iso",
+             "-e inject=mkdir:delay_enter=1500000 \"$0\" disc --mount-point x dvd.iso",
              VORNAK_CLI});
     EXPECT_EQ(result.out + result.err,
               "vornak: dvd.iso: x: the mount point is made, so it must not exist yet\n");

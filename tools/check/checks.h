@@ -55,8 +55,8 @@ struct LevelMeant {
     std::string coded, advice;
 };
 
-/// The level of the element's codec that a LEVEL such as "4.1" or "L4.1" means.
-std::optional<LevelMeant> levelMeant(pugi::xml_node element);
+/// The level of the element's codec that a text such as "4.1" or "L4.1" means.
+std::optional<LevelMeant> levelMeant(pugi::xml_node element, const char *text);
 
 using ElementCheck = void (*)(const ElementPlace &, Report &);
 using RuleCheck = void (*)(const Place &, Report &);

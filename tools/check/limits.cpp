@@ -38,7 +38,7 @@ void checkLevel(pugi::xml_node element, Report &report)
                           "limit the size in its place");
     const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
     if (!scale || std::ranges::find(scale->levels, level) != scale->levels.end()) return;
-    const std::optional<LevelMeant> meant = levelMeant(element);
+    const std::optional<LevelMeant> meant = levelMeant(element, attribute.value());
     report.add(Fault::LevelScale, element, attribute,
                fmt::format("{} is read as {}, which is no level of {}", shown(attribute), level,
                            codecText(scale->codecId)),
@@ -161,11 +161,10 @@ void checkSizes(pugi::xml_node element, Report &report)
 
 } // namespace
 
-std::optional<LevelMeant> levelMeant(pugi::xml_node element)
+std::optional<LevelMeant> levelMeant(pugi::xml_node element, const char *text)
 {
     const LevelScale *scale = levelScaleOf(codecOf(element).value_or(kAnyCodec));
     if (!scale) return std::nullopt;
-    const char *text = element.attribute("LEVEL").value();
     if (*text == 'L' || *text == 'l') ++text;
     double level = std::strtod(text, nullptr);
     if (level >= 10) level /= 10;

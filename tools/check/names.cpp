@@ -1,6 +1,7 @@
 // Names that the registry doesn't know, or that don't go together.
 #include "tools/check/checks.h"
 
+#include "base/ascii_case.h"
 #include "include/vornak_host.h"
 #include "platform/registry_names.h"
 #include "profile/name_list.h"
@@ -227,6 +228,18 @@ std::string withBars(std::string written, const ListKind &kind)
     return fmt::format("{}", fmt::join(names, "|"));
 }
 
+/// What to write for "High@L4.1", as programs that describe files have it; empty for all else.
+std::string withoutLevel(const std::string &name, pugi::xml_node element)
+{
+    const std::size_t at = name.find('@');
+    const std::string profile = lowerCase(std::string_view(name).substr(0, at));
+    int bit = 0;
+    if (at == std::string::npos || ProfileNameToID(profile.c_str(), &bit) != 0) return {};
+    const auto level = levelMeant(element, name.c_str() + at + 1);
+    return fmt::format("write PROFILE=\"{}\"{}", profile,
+                       level ? fmt::format(" LEVEL=\"{}\"", level->coded) : "");
+}
+
 void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKind &kind,
                const std::vector<std::string> &known, Report &report)
 {
@@ -246,12 +259,14 @@ void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKi
     for (const ListedName &listed : names) {
         if (isKnown(listed)) continue;
         const std::string bars = withBars(listed.written, kind);
-        report.add(kind.fault, place.element, list,
-                   fmt::format("\"{}\" is no {} known here: it is ignored{}", excerpt(listed.name),
-                               kind.what, noneIsLeft ? kind.ifNoneIsLeft : ""),
-                   bars.empty()
-                       ? report.suggest(listed.name, known, oneOf(known, "leave it out"))
-                       : fmt::format("names are separated by \"|\": write \"{}\"", excerpt(bars)));
+        const std::string parts = withoutLevel(listed.name, place.element);
+        report.add(
+            kind.fault, place.element, list,
+            fmt::format("\"{}\" is no {} known here: it is ignored{}", excerpt(listed.name),
+                        kind.what, noneIsLeft ? kind.ifNoneIsLeft : ""),
+            !bars.empty() ? fmt::format("names are separated by \"|\": write \"{}\"", excerpt(bars))
+            : !parts.empty() ? parts
+                             : report.suggest(listed.name, known, oneOf(known, "leave it out")));
         if (!bars.empty() && names.size() == 1) report.mendValue(place.element, list, bars);
     }
 }

@@ -144,7 +144,7 @@ Mend mendOfStop(const WrittenNumber &number)
 {
     const std::string_view rest = number.rest;
     const std::string read(number.read);
-    if (const auto level = levelMeant(number.place.element);
+    if (const auto level = levelMeant(number.place.element, number.attribute.value());
         level && number.row.name == std::string_view("LEVEL"))
         return {level->advice, level->coded};
     if (const std::string_view value = numberCalled(number.attribute.value(), number.row.unit);
