@@ -74,6 +74,16 @@ TEST(Limits, OfAudioAreRecordedWhereTheSourceLiesOutside)
     for (const auto &c : cases)
         expectRecorded(genAudioTranscodeParameter, rules, c.source, c.recorded,
                        "src codecId = 3, config codecId = 7\n" + c.lines);
+
+    // limits that no source keeps show the order
+    rules[1] = {7, 0, 0, 6, 320000, 48000, 8, 400000, 96000, nullptr, 0, 2, nullptr};
+    expectRecorded(
+        genAudioTranscodeParameter, rules, {3, 0, 0, 7, 360000, 64000},
+        {{8, "6"}, {9, "8"}, {10, "320000"}, {11, "400000"}, {12, "48000"}, {13, "96000"}},
+        "src codecId = 3, config codecId = 7\n"
+        "param = 320000, maxBitrate = 320000\nparam = 400000, minBitrate = 400000\n"
+        "param = 6, maxChannels = 6\nparam = 8, minChannels = 8\n"
+        "param = 48000, maxSampleRate = 48000\nparam = 96000, minSampleRate = 96000\n");
 }
 
 TEST(Limits, OfVideoAreRecordedWhereTheSourceLiesOutside)
