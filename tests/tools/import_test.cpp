@@ -242,6 +242,7 @@ TEST(ProfileImport, FilesThatAreNoProfiles)
         {"cut.xml", "<dlna-profiles>\n<dlna-profile name=\"A", ":2: not well-formed XML"},
         {"deep.xml", deepXml, ":1: not well-formed XML"},
         {"other.xml", "\n<DEVICE/>", ": it is a Device profile already"},
+        {"element.xml", "<profiles/>", ":1: the outermost element is profiles; it is dlna-"},
         {"names.xml", "<dlna-profiles/>", ": none of the names stands for a DLNA profile"},
         {"circle.xml", "<dlna-profiles>\n<include ref=\"./circle.xml\"/></dlna-profiles>",
          ":2: include of ./circle.xml: files include each other in a circle"},
