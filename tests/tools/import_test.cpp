@@ -391,6 +391,24 @@ TEST(ProfileNew, WritesWhatCheckPasses)
     }
 }
 
+TEST(ProfileImport, IsNotDoubtedForWhatThePlayerStates)
+{
+    const TempDir folder;
+    const std::string foreign = folder.write(
+        "player.xml",
+        "<dlna-profiles><dlna-profile name=\"MINE\" mime=\"audio/flac\">"
+        "<restriction type=\"container\"><field name=\"name\">"
+        "<value>video/quicktime</value></field></restriction><restriction type=\"audio\">"
+        "<field name=\"name\"><value>audio/mpeg</value></field><field name=\"mpegversion\">"
+        "<value>4</value></field></restriction></dlna-profile></dlna-profiles>");
+    const ProcessResult result =
+        run({VORNAK_CLI, "profile", "import", foreign, "--names", "MINE", "-o", folder / "a.xml"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(contentOf(folder / "a.xml"), HasSubstr("ignore foreign-mime"));
+    for (const tool::Finding &finding : tool::checkProfile(folder / "a.xml"))
+        EXPECT_EQ(tool::kindOf(finding.fault).severity, tool::Severity::Note) << finding.problem;
+}
+
 TEST(ProfileNew, NamesWhatIsInNoVideo)
 {
     const ProcessResult result = run({VORNAK_CLI, "profile", "new", "--video", "h264", "--audio",

@@ -233,11 +233,14 @@ std::string withoutLevel(const std::string &name, pugi::xml_node element)
 {
     const std::size_t at = name.find('@');
     const std::string profile = lowerCase(std::string_view(name).substr(0, at));
-    int bit = 0;
-    if (at == std::string::npos || ProfileNameToID(profile.c_str(), &bit) != 0) return {};
+    if (at == std::string::npos ||
+        !codecHasProfile(codecOf(element).value_or(kAnyCodec), profile.c_str()))
+        return {};
     const auto level = levelMeant(element, name.c_str() + at + 1);
-    return fmt::format("write PROFILE=\"{}\"{}", profile,
-                       level ? fmt::format(" LEVEL=\"{}\"", level->coded) : "");
+    return fmt::format("write \"{}\" in its place{}", profile,
+                       level && !element.attribute("LEVEL")
+                           ? fmt::format(", and LEVEL=\"{}\"", level->coded)
+                           : "");
 }
 
 void checkList(const ElementPlace &place, pugi::xml_attribute list, const ListKind &kind,

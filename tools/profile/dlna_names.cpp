@@ -343,15 +343,17 @@ std::string searchName(const DlnaUse &use)
     return (chosen == names.end() ? names.front() : *chosen)->name;
 }
 
-/// The containers, without subtypes, that a MIME type is for; none named: any.
-std::vector<int> containersAnnouncedAs(std::string_view bareType)
+/// The containers, without subtypes, that each MIME type is for; none named: any.
+const std::unordered_map<std::string, std::vector<int>> &containersByMimeType()
 {
-    for (const auto &row : s_MimeTypes) {
-        const std::vector<std::string> types = splitList(row.types);
-        if (std::ranges::find(types, bareType) != types.end())
-            return idsOf(row.containers, containerNameToId);
-    }
-    return {};
+    static const auto s_containers = [] {
+        std::unordered_map<std::string, std::vector<int>> containers;
+        for (const auto &row : s_MimeTypes)
+            for (const std::string &type : splitList(row.types))
+                containers[type] = idsOf(row.containers, containerNameToId);
+        return containers;
+    }();
+    return s_containers;
 }
 
 } // namespace
@@ -405,16 +407,16 @@ std::string bareMimeType(std::string_view mime)
 
 bool isKnownMimeType(std::string_view mime)
 {
-    return std::ranges::find(mimeTypes(), bareMimeType(mime)) != mimeTypes().end();
+    return containersByMimeType().contains(bareMimeType(mime));
 }
 
 std::string mimeContradiction(std::string_view mime, int formatId, bool isMusic)
 {
     const std::string bare = bareMimeType(mime);
-    const std::vector<int> containers = containersAnnouncedAs(bare);
-    if (formatId == kAnyContainer) return {};
-    if (!allows(containers, containerPart(formatId)))
-        return fmt::format("is for {} and not for {}", containerText(containers.front()),
+    const auto known = containersByMimeType().find(bare);
+    if (formatId == kAnyContainer || known == containersByMimeType().end()) return {};
+    if (!allows(known->second, containerPart(formatId)))
+        return fmt::format("is for {} and not for {}", containerText(known->second.front()),
                            containerText(containerPart(formatId)));
     const std::string usual = mimeOf(formatId, isMusic);
     if (isMusic && bare.starts_with("video/") && usual.starts_with("audio/"))
